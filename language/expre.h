@@ -1,0 +1,34 @@
+#pragma once
+/// language/expre.h: the recursive-descent evaluator of scalar expressions.
+///
+/// Purpose    parsing and arithmetic are one pass over tokens. The full forms expre/term/fact work on the
+/// location of
+///            a variable, so that a big value is not copied; old_* give plain values; half_* go on from a
+///            value.
+/// Invariant  *n may be nil on entry; on return either *qp == n and the value is in *n, or *qp is the
+/// location where the
+///            value lives and *n is nil. qp nil: the name has no location. aux: the sparse element to be
+///            created.
+/// Raises     through error(), with the current token or the stated symbol.
+#include "language/tokens/token.h"
+#include "quoly/quoly.h"
+
+#include <cstdio>
+namespace tolvex {
+struct colnode;
+using colm_ptr = colnode*;
+using colm_ptrptr = colm_ptr*;
+
+void old_expre(FILE* inf, quolyptr n, nameptr* flag);
+void old_term(FILE* inf, quolyptr n, nameptr* flag);
+void old_fact(FILE* inf, quolyptr n, nameptr* flag);
+void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag);
+void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag);
+void fact(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag,
+          boolean leave_it);
+void half_expre(FILE* inf, quolyptr n, nameptr* flag);
+void half_term(FILE* inf, quolyptr n, nameptr* flag);
+void half_fact(FILE* inf, quolyptr n, nameptr* flag);
+/// Reads what follows "^"; *m takes the exponent.
+void get_exponent(FILE* inf, nameptr* flag, imptr m, boolean one_factor);
+}  // namespace tolvex

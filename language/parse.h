@@ -1,0 +1,12 @@
+#pragma once
+/// language/parse.h: one statement, by its first token.
+#include "language/tokens/token.h"
+#include "quoly/quoly.h"
+
+#include <cstdio>
+namespace tolvex {
+/// Executes the statement whose first token is current; *n: its value, nil when it has none.
+void parse(FILE* inf, quolyptr n, nameptr* flag);
+/// The dispatch of every read loop: words for arrays, function names in A and M, everything else.
+void run_statement(FILE* inf, quolyptr n, nameptr* flag);
+}  // namespace tolvex

@@ -1,0 +1,35 @@
+#pragma once
+/// language/symbols.h: the symbol table of scalar variables.
+///
+/// Purpose    chained hash tables; the first letter and the syntax decide the table (lower case: variable or
+/// array;
+///            upper case: function). Polynomial variables live in polynames and take precedence.
+/// Invariant  a bucket is a chain, new entries at its head, so that locals shadow globals.
+/// Ownership  a varnode owns its value; nil: the variable exists without a value.
+/// Raises     19 undefined variable (spec_retrieve).
+#include "language/tokens/token.h"
+#include "quoly/quoly.h"
+namespace tolvex {
+struct varnode;
+using varptr = varnode*;
+struct varnode {
+    tokentipe let;
+    varptr next;
+    quolyptr qp;  // by-reference parameter: the caller's location
+    quoly val;
+};
+inline varptr var_garb = nullptr;
+inline varptr sca_store[k_variable_buckets] = {};
+
+/// *qp := location of the value, nil if there is no such variable. n: work location for the array-parameter
+/// case.
+void retrieve(tokentipe& name, quolyptr* qp, quolyptr n, FILE* inf, nameptr* flag);
+void spec_retrieve(tokentipe& name, quolyptr n, quolyptr* qp);
+/// Creates or replaces; the value is used up; *p := the node.
+void insert_var(tokentipe& name, quoly value, varptr* p);
+/// Calls f for the location of every stored value (variables, previous value): for changes of ring and of
+/// variables.
+void for_each_value(void (*f)(quolyptr value, void* context), void* context);
+/// The table is emptied; pools and roots are made known to the audit.
+void init_symbols();
+}  // namespace tolvex

@@ -1,0 +1,70 @@
+#pragma once
+/// language/tokens/token.h: the token, the token list, and the state of reading.
+///
+/// Purpose    a token is a text of at most 10 characters with the cached hash of a name. Stored statements
+/// are
+///            lists of namenodes that end with the token "¥".
+/// Invariant  `token` is one ahead: every reading routine finds its first token there and leaves there the
+/// first
+///            token after what it has read. A cursor `flag` (pointer to a list pointer) that points to nil
+///            means that tokens come from the stream.
+#include "storage/pool.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <type_traits>
+namespace tolvex {
+inline constexpr int32_t k_namelength = 10;
+using nametype = unsigned char[k_namelength + 1];
+
+struct tokentipe {
+    nametype name;
+    int16_t address;  // hash of the name; -1: not computed yet
+};
+
+struct quolynode;
+using quoly = quolynode*;
+using quolyptr = quoly*;
+
+enum classtype : int32_t { zzero, one, two, three };
+
+struct namenode;
+using nameptr = namenode*;
+/// One element of a token list or of the history ring.
+struct namenode {
+    tokentipe let;
+    nameptr nother;  // nodes that name the same parameter
+    quolyptr qp;     // location of the value, when `compiled`
+    nameptr next;
+    boolean compiled;  // bound by Compile
+    boolean space;     // a blank followed in the source
+    classtype tipe;    // how `qp` is to be read
+};
+static_assert(std::is_trivially_destructible_v<namenode>);
+
+struct comnode;
+using comptr = comnode*;
+/// A comment: its characters as a token list.
+struct comnode {
+    nameptr q;
+    comptr next;
+};
+
+inline nameptr name_garb = nullptr;
+inline tokentipe token = {};  // the current token              writers: scanner and all readers
+inline const char k_end_token[] = "\xC2\xA5";  // "¥": end of a stored statement
+
+/// The text of a token as a C string.
+inline const char* tok_text(const tokentipe& t) { return reinterpret_cast<const char*>(t.name); }
+inline bool tok_is(const tokentipe& t, const char* text) { return strcmp(tok_text(t), text) == 0; }
+/// The first character of a token, 0 if it is empty.
+inline unsigned char tok_char(const tokentipe& t) { return t.name[0]; }
+/// t := the text (cut at 10 characters), its hash unknown.
+void tok_set(tokentipe& t, const char* text);
+
+/// Table index of a name: h := (h * 123 + c) mod n over its bytes.
+int16_t hash(const unsigned char* s, int32_t n);
+inline constexpr int32_t k_variable_buckets = 151;
+inline constexpr int32_t k_function_buckets = 71;
+}  // namespace tolvex

@@ -1,0 +1,11 @@
+#pragma once
+/// language/tokens/token_list.h: making and giving back token lists.
+#include "language/tokens/token.h"
+namespace tolvex {
+/// *p := a node; `compiled` and `space` are cleared, the rest is for the caller to set.
+void newname(nameptr* p);
+/// Gives back the whole list *p; *p := nil.
+void freename(nameptr* p);
+/// True when token text x opens the construct that `flag` closes.
+boolean mate(const char* x, const char* flag);
+}  // namespace tolvex

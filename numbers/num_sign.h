@@ -1,0 +1,10 @@
+#pragma once
+/// numbers/num_sign.h: sign of numbers, in every mode (in modular mode -n is modulus - n; in a table field
+/// n).
+#include "numbers/number.h"
+namespace tolvex {
+void in_place_neg(imptr num);
+void makeneg(const number* num, imptr x);
+void abs_value(imptr n);                     ///< in place; nothing to do in modular mode
+void abs_val_num(const number* n, imptr m);  ///< m := |n|, a copy
+}  // namespace tolvex

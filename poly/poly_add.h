@@ -1,0 +1,17 @@
+#pragma once
+/// poly/poly_add.h: addition and subtraction of recursive sparse polynomials.
+///
+/// Purpose    *p := n + m and n - m, in four versions that differ in what becomes of n and m.
+/// Ownership  poly_ keeps both operands; better_ uses up n; best_ and simplest_ use up both. *p may be a
+/// used-up operand. Modes      any; simplest_ needs modularmode and one level.
+#include "poly/poly.h"
+namespace tolvex {
+void poly_add(poly n, poly m, polyptrr p);
+void better_poly_add(poly n, poly m, polyptrr p);
+void best_poly_add(poly n, poly m, polyptrr p);
+void simplest_poly_add(poly n, poly m, polyptrr p);
+void poly_sub(poly n, poly m, polyptrr p);
+void better_poly_sub(poly n, poly m, polyptrr p);
+void best_poly_sub(poly n, poly m, polyptrr p);
+void simplest_poly_sub(poly n, poly m, polyptrr p);
+}  // namespace tolvex

@@ -1,0 +1,51 @@
+#pragma once
+/// quoly/quoly.h: the value of the language: a number or a quotient of two polynomials.
+///
+/// Invariant  canonical form: a constant without denominator is numb; denom is nil rather than 1; rat exactly
+/// when
+///            lintmode is off and both parts are constants; over Z the leading number of denom is positive;
+///            numer and denom are coprime, integer contents included; in lintmode denom is monic and never
+///            constant; under laurent denom has no monomial factor.
+/// Ownership  a quoly owns its parts. Result parameters are freed before they receive the result:
+///            quoly_add(x, y, &x) is right.
+#include "poly/poly.h"
+
+#include <type_traits>
+namespace tolvex {
+struct quolynode {
+    quoly next;       // free-list link
+    boolean numb;     // a plain number: ncoef is live
+    boolean arr_arg;  // on a numb in a variable slot: the name is an array parameter
+    boolean rat;      // numer and denom are constants
+    union {
+        imptr ncoef;
+        poly numer;  // never nil
+    };
+    poly denom;  // nil: no denominator. Nil as well when numb.
+};
+static_assert(sizeof(quolynode) == 40 && std::is_trivially_destructible_v<quolynode>);
+inline constexpr int32_t quolysize = 40;
+
+inline quoly quolygarb = nullptr;
+inline quoly quol_num_0 = nullptr, quol_num_1 = nullptr;  // right in either mode; never consumed
+
+/// *q := a record with numb, arr_arg, rat 0 and denom nil.
+inline void newquoly(quolyptr q) {
+    *q = pool_pop<&quolynode::next>(quolygarb, quolystash);
+    (*q)->numb = (*q)->arr_arg = (*q)->rat = 0;
+    (*q)->denom = nullptr;
+}
+/// *q := a numb quoly whose number has size 0.
+inline void init_quoly_node(quolyptr q) {
+    newquoly(q);
+    (*q)->numb = 1;
+    newimag(&(*q)->ncoef);
+}
+void free_quoly(quolyptr q);  ///< nil is allowed; *q := nil
+/// Gives back the record alone, its parts having been taken.
+inline void free_quoly_record(quolyptr q) {
+    pool_push<&quolynode::next>(quolygarb, *q);
+    *q = nullptr;
+}
+bool quoly_check(const quolynode* q);  ///< canonical form, without the gcd test
+}  // namespace tolvex

@@ -1,0 +1,16 @@
+#pragma once
+/// quoly/quoly_add.h: sums and differences of quolys.
+///
+/// Ownership  plain keeps both; better_ uses up n; best_ works in place on n and uses up m.
+#include "quoly/quoly.h"
+namespace tolvex {
+void quoly_add(quoly n, quoly m, quolyptr p);
+void better_quoly_add(quoly n, quoly m, quolyptr p);
+void best_quoly_add(quolyptr n, quoly m);
+void quoly_sub(quoly n, quoly m, quolyptr p);
+void better_quoly_sub(quoly n, quoly m, quolyptr p);
+void best_quoly_sub(quolyptr n, quoly m);
+/// n := n + m in place, m kept (the accumulation of an expression).
+void fast_quoly_add(quolyptr n, quoly m);
+void fast_quoly_sub(quolyptr n, quoly m);
+}  // namespace tolvex

@@ -1,0 +1,22 @@
+#pragma once
+/// storage/interrupt.h: the interrupt flag and its safe points.
+///
+/// Purpose    the signal handler sets `interrupt_pending` and nothing else; long loops call poll_interrupt()
+/// once a
+///            term, row or prime.
+/// Invariant  never polled while a free list is half spliced or an operand half built.
+#include "storage/failure.h"
+#include "storage/types.h"
+
+#include <csignal>
+namespace tolvex {
+inline volatile std::sig_atomic_t interrupt_pending = 0;  // writers: the signal handler, take_interrupt
+inline boolean command_int = 1;  // command interrupts allowed       writers: &m, delicate sections
+inline boolean danger_ok = 0;    // interrupts are safe everywhere   writers: &Z
+inline int32_t m_interrupt = 1;  // command interrupt level 0..2     writers: &m
+inline int32_t cmd_modder = 32;  // polling rhythm of that level     writers: &m
+
+inline void poll_interrupt() {
+    if (__builtin_expect(interrupt_pending != 0, 0)) take_interrupt();
+}
+}  // namespace tolvex
