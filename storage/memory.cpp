@@ -4,6 +4,7 @@
 #include "storage/stash.h"
 
 #include <cstdlib>
+#include <initializer_list>
 namespace tolvex {
 void* checked_malloc(size_t bytes) {
     void* p = std::malloc(bytes);
