@@ -1,9 +1,17 @@
 #pragma once
 /// language/tokens/scanner.h: characters to tokens, from a stream or from a stored list.
 ///
-/// Purpose    three scanners: scanner for the language, dumbscanner for literals and comments, spec_scanner
-/// for the
-///            items of array literals; and the history ring that error reports print.
+/// Purpose    two scanners: scanner for the language, dumbscanner for literals and comments; and the history
+///            ring that error reports print.
+///
+///   token      letter {letter | digit | "_"}, cut at 10 characters, or any other single character that is no
+///              white space; the rest of a longer name is the next token.
+///   line end   at the terminal an implied ";" (the line feed stays unread for the prompt step); in a file
+///              white space. The continuation mark drops the rest of its line and the line end.
+///   end        ";" for ever; a reader that could loop asks at_end().
+///   bytes      NUL, tab and carriage return count as blanks; bytes above 127 are tokens of their own.
+///
+/// Raises     nothing. An interrupt that comes while the terminal is awaited is taken here.
 #include "language/tokens/token.h"
 
 #include <cstdio>
@@ -19,10 +27,11 @@ inline constexpr int32_t k_ring_size = 60;
 
 /// The next token into *tok: from the list when *flag is set, else from inf. At end of file ";".
 void scanner(FILE* inf, tokentipe* tok, nameptr* flag);
-/// One raw character as a token; a line feed arrives as character 13 and sets *eoln.
+/// How a line end stands in the token of a literal or comment.
+inline constexpr char k_line_end = '\r';
+/// One raw character as a token, blanks included; a line end (LF or CR LF) arrives as k_line_end and sets
+/// *eoln.
 void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln);
-/// As scanner, a name may go on across white space; *eoln tells that a line was crossed.
-void spec_scanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln);
 
 /// The next character of inf without reading it, EOF at the end. NUL counts as a blank.
 int peek_char(FILE* inf);
@@ -35,9 +44,12 @@ void drop_line(FILE* inf);
 
 /// Allocates the history ring.
 void init_history();
-/// Appends a token to the ring. space_before: white space stood in front of it in the source.
+/// Appends a token to the ring; the oldest of 60 gives way. A fixed small cost.
 void history_add(const tokentipe& tok);
-/// Prints the ring on the standard output, as error reports show it.
+/// The same for one character of a literal or comment: it is printed exactly as it was read.
+void history_add_raw(const tokentipe& tok);
+/// Prints the ring on the standard output, as error reports show it: tokens one after another, a blank only
+/// between a name and a following letter, digit or "_". No line end.
 void history_print();
 inline void history_clear() { finish = nullptr; }
 }  // namespace tolvex

@@ -63,7 +63,7 @@ inline unsigned char tok_char(const tokentipe& t) { return t.name[0]; }
 /// t := the text (cut at 10 characters), its hash unknown.
 void tok_set(tokentipe& t, const char* text);
 
-/// Table index of a name: h := (h * 123 + c) mod n over its bytes.
+/// Table index of a name: h := (h * 123 + c) mod n over its bytes, from 0; the empty name gives 0.
 int16_t hash(const unsigned char* s, int32_t n);
 inline constexpr int32_t k_variable_buckets = 151;
 inline constexpr int32_t k_function_buckets = 71;

@@ -6,6 +6,4 @@ namespace tolvex {
 void newname(nameptr* p);
 /// Gives back the whole list *p; *p := nil.
 void freename(nameptr* p);
-/// True when token text x opens the construct that `flag` closes.
-boolean mate(const char* x, const char* flag);
 }  // namespace tolvex

@@ -1,0 +1,192 @@
+#include "language/tokens/scanner.h"
+
+#include "language/tokens/token_list.h"
+#include "storage/interrupt.h"
+
+#include <cerrno>
+namespace tolvex {
+// ---- characters ----------------------------------------------------------------------------------------
+
+// Classes of bytes, in one table, since every character of a program passes here. Bytes above 127 belong to
+// none.
+enum CharClass : uint8_t { k_letter = 1, k_digit_or_bar = 2, k_white = 4 };
+
+struct CharTable {
+    uint8_t of[256] = {};
+    constexpr CharTable() {
+        for (int c = 'a'; c <= 'z'; c++) of[c] = k_letter;
+        for (int c = 'A'; c <= 'Z'; c++) of[c] = k_letter;
+        for (int c = '0'; c <= '9'; c++) of[c] = k_digit_or_bar;
+        of['_'] = k_digit_or_bar;
+        of[0] = of[' '] = of['\t'] = of['\n'] = of['\r'] = k_white;
+    }
+};
+static constexpr CharTable char_table;
+
+static bool has_class(int c, uint8_t classes) { return c >= 0 && (char_table.of[c] & classes) != 0; }
+
+/// What getc answered at a failed read: an interrupt signal while the terminal was awaited is acted on here,
+/// where nothing is half done, and the read is tried again; everything else is the end of the input.
+[[gnu::noinline]] static int read_again(FILE* inf) {
+    while (ferror(inf) && errno == EINTR) {
+        clearerr(inf);
+        poll_interrupt();
+        int c = getc_unlocked(inf);
+        if (c != EOF) return c;
+    }
+    return EOF;
+}
+
+static inline int raw_char(FILE* inf) {
+    int c = getc_unlocked(inf);
+    return __builtin_expect(c == EOF, 0) ? read_again(inf) : c;
+}
+
+int read_char(FILE* inf) {
+    int c = raw_char(inf);
+    return c == 0 ? ' ' : c;
+}
+
+int peek_char(FILE* inf) {
+    int c = raw_char(inf);
+    if (c != EOF) ungetc(c, inf);
+    return c == 0 ? ' ' : c;
+}
+
+bool at_end(FILE* inf) { return peek_char(inf) == EOF; }
+
+void drop_line(FILE* inf) {
+    for (int c = raw_char(inf); c != EOF && c != '\n';) c = raw_char(inf);
+}
+
+/// True if c is the mark that continues a statement on the next line; the rest of its line is dropped then.
+/// A blank stands for "no such mark".
+static bool continues(FILE* inf, int c) {
+    if (c != static_cast<unsigned char>(continuation) || continuation == ' ') return false;
+    drop_line(inf);
+    semicount = 0;
+    return true;
+}
+
+// ---- the history ring ----------------------------------------------------------------------------------
+
+void init_history() {
+    if (start != nullptr) return;
+    nameptr first = nullptr;
+    newname(&first);
+    nameptr last = first;
+    for (int32_t i = 1; i < k_ring_size; i++) {
+        newname(&last->next);
+        last = last->next;
+    }
+    last->next = first;
+    start = s2 = first;
+    finish = nullptr;
+}
+
+/// The next place of the ring; the oldest token gives way.
+static inline nameptr history_place() {
+    if (finish == nullptr) return finish = start;
+    finish = finish->next;
+    if (finish == start) start = start->next;
+    return finish;
+}
+
+// In the ring `space` marks a character of a literal or comment: it is printed as it was read.
+void history_add(const tokentipe& tok) {
+    nameptr p = history_place();
+    p->let = tok;
+    p->space = 0;
+}
+
+void history_add_raw(const tokentipe& tok) {
+    nameptr p = history_place();
+    p->let = tok;
+    p->space = 1;
+}
+
+void history_print() {
+    if (finish == nullptr) return;
+    bool after_name = false;
+    for (nameptr p = start;; p = p->next) {
+        unsigned char c = tok_char(p->let);
+        if (after_name && !p->space && has_class(c, k_letter | k_digit_or_bar)) putc_unlocked(' ', stdout);
+        fputs(tok_text(p->let), stdout);
+        after_name = !p->space && has_class(c, k_letter);
+        if (p == finish) return;
+    }
+}
+
+// ---- the scanners --------------------------------------------------------------------------------------
+
+/// A token from the stored list *flag.
+static void next_of_list(tokentipe* tok, nameptr* flag) {
+    if ((*flag)->next != nullptr) *flag = (*flag)->next;  // the end mark is given again and again
+    *tok = (*flag)->let;
+    currentchar = (*flag)->next;
+}
+
+/// The first character of the next token: white space and continued line ends are passed over. A line end at
+/// the terminal is ";" and stays unread for the prompt; the end of the file is EOF.
+static int skip_white(FILE* inf) {
+    for (;;) {
+        int c = raw_char(inf);
+        if (c == '\n' && tt_flag) {
+            ungetc(c, inf);
+            return ';';
+        }
+        if (!has_class(c, k_white) && !continues(inf, c)) return c;
+    }
+}
+
+/// The rest of a name that begins with c. What stopped it goes to `leftover`; line ends and the end of the
+/// file stay unread.
+static void scan_name(FILE* inf, tokentipe* tok, int c) {
+    int32_t length = 0;
+    do {
+        tok->name[length++] = static_cast<unsigned char>(c);
+        c = raw_char(inf);
+    } while (length < k_namelength && has_class(c, k_letter | k_digit_or_bar));
+    tok->name[length] = 0;
+    if (c == '\n') ungetc(c, inf);
+    bool white = c == EOF || has_class(c, k_white) || continues(inf, c);
+    leftover[0] = white ? ' ' : static_cast<char>(c);
+    leftover[1] = 0;
+}
+
+void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
+    if (*flag != nullptr) {
+        next_of_list(tok, flag);
+        return;
+    }
+    int c = static_cast<unsigned char>(leftover[0]);
+    if (c == 0 || c == ' ') c = skip_white(inf);
+    tok->address = -1;
+    if (has_class(c, k_letter)) {
+        scan_name(inf, tok, c);
+    } else {
+        leftover[0] = 0;
+        tok->name[0] = static_cast<unsigned char>(c == EOF ? ';' : c);
+        tok->name[1] = 0;
+        if (c == EOF) return;  // the end of the file leaves no trace in the history
+    }
+    history_add(*tok);
+}
+
+void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln) {
+    *eoln = 0;
+    if (*flag != nullptr) {
+        next_of_list(tok, flag);
+        return;
+    }
+    int c = read_char(inf);
+    if (c == '\r' && peek_char(inf) == '\n') c = read_char(inf);  // CR LF is one line end
+    if (continues(inf, c)) c = ' ';
+    *eoln = c == '\n';
+    tok->name[0] = static_cast<unsigned char>(c == EOF ? ';' : c);
+    tok->name[1] = 0;
+    tok->address = -1;
+    if (c != EOF) history_add_raw(*tok);
+    if (*eoln) tok->name[0] = k_line_end;
+}
+}  // namespace tolvex
