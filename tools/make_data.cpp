@@ -185,7 +185,11 @@ void write_qerrs(const std::string& source, const std::string& target) {
         std::string name = k_builtin_names[id];
         bool internal = name.back() == '*';
         if (internal) name.pop_back();
-        out << name << ' ' << (internal ? "*" + std::to_string(id) : std::string("-")) << '\n';
+        out << name << ' ';
+        if (internal)
+            out << '*' << id << '\n';
+        else
+            out << "-\n";
     }
     out.close();
     require(!out.fail(), "cannot write Qerrs");
