@@ -12,9 +12,12 @@ void Lpoly_divide(poly n, poly m, polyptrr q, boolean notsame, polypt pt, boolea
 void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean notsame, boolean want_div, polypt pt,
                        boolean* failed);
 void quot(const number* n1, const number* n2,
-          imptr n3);                         ///< n1 / n2 in any mode; over Z the truncated quotient
+          imptr n3);  ///< n1 / n2 in any mode; over Z the truncated quotient
+/// n1 := n1 / n2 in place, exact; in modular mode n1 times x, the inverse of n2.
+void simple_quot(imptr n1, const number* n2, int32_t x);
 void poly_quot(poly n, poly m, polyptrr p);  ///< n / m, m a number that divides every coefficient
-/// *n := n / m in place, m a number dividing every coefficient; modular: times the inverse of x.
+/// *n := n / m in place, m a number dividing every coefficient; modular: times the inverse of x, which is m
+/// as a residue (error 85 if it is no unit).
 void num_poly_quot(polyptrr n, const number* m, int32_t x);
 /// *p := n / m for a number m; *success false (and *p nil) if it does not divide.
 void trial_poly_quot(poly n, poly m, polyptrr p, boolean* success);
