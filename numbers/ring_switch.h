@@ -14,6 +14,7 @@ struct RingState {
     uint64_t modulus_recip;
     double rmodulus;
     boolean modularmode, lintmode, smallmodulus, mod_is_prime, f256, f2t16, finf, integerflag;
+    int32_t depth;  // saves and suspensions in force, so that a captured state keeps its way out
     int16_t mod_is_changed;
 };
 /// Writes modulus (-1: none), half_modulus, two28_mod, smallmodulus, rmodulus, modulus_recip. Not the mode
