@@ -1,0 +1,130 @@
+// Between chains and limb arrays: 16 digits of 28 bits are 7 limbs.
+#include "numbers/limbs.h"
+#include "storage/checked.h"
+
+#include <bit>
+namespace tolvex {
+namespace {
+uint64_t magnitude_of(int32_t digit) {
+    int64_t v = digit;
+    return static_cast<uint64_t>(v < 0 ? -v : v);
+}
+
+/// Writes the low `size` digits of a[0..n) into the nodes from p, most significant first. The limbs above
+/// a[n-1] count as 0.
+void write_digits(numptr p, const limb* a, int64_t n, int64_t size, bool negative) {
+    int64_t at = (size - 1) * k_digit_bits;  // bit position of the digit in hand
+    for (int64_t i = 0; i < size; i++, at -= k_digit_bits, p = p->next) {
+        int64_t word = at >> 6;
+        int shift = static_cast<int>(at & 63);
+        uint64_t d = a[word] >> shift;
+        if (shift > 64 - k_digit_bits && word + 1 < n) d |= a[word + 1] << (64 - shift);
+        auto v = static_cast<int32_t>(d & k_max_digit);
+        p->value = negative ? -v : v;
+    }
+}
+
+/// Number of digits of a[0..n), a[n-1] not 0.
+int64_t digits_of(const limb* a, int64_t n) {
+    int64_t bits = 64 * n - std::countl_zero(a[n - 1]);
+    return (bits + k_digit_bits - 1) / k_digit_bits;
+}
+
+/// A chain of `count` fresh digits, linked, the last one's link nil.
+void take_digits(int64_t count, numptrptr head, numptrptr tail) {
+    numptr last = newnum();
+    *head = last;
+    for (int64_t i = 1; i < count; i++) {
+        numptr d = newnum();
+        last->next = d;
+        last = d;
+    }
+    last->next = nullptr;
+    *tail = last;
+}
+}  // namespace
+
+int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
+    int64_t word = limbs_for(size) - 1;
+    int64_t length = word + 1;
+    int shift =
+        static_cast<int>((static_cast<int64_t>(size) * k_digit_bits - 1 - (word << 6)) + 1) - k_digit_bits;
+    uint64_t acc = 0;
+    for (int32_t i = 0; i < size; i++, p = p->next) {
+        uint64_t d = magnitude_of(p->value);
+        if (shift >= 0) {
+            acc |= d << shift;
+        } else {  // the digit straddles two limbs
+            r[word--] = acc | d >> -shift;
+            shift += 64;
+            acc = d << shift;
+        }
+        shift -= k_digit_bits;
+    }
+    r[0] = acc;
+    return limbs_trim(r, length);
+}
+
+void chain_from_limbs(imptr x, const limb* a, int64_t n, bool negative) {
+    x->size = 0;
+    chain_replace(x, a, n, negative);
+}
+
+void chain_replace(imptr x, const limb* a, int64_t n, bool negative) {
+    n = limbs_trim(a, n);
+    if (n <= 2) {
+        unsigned __int128 v = n == 0 ? 0 : a[0];
+        if (n == 2) v |= static_cast<unsigned __int128>(a[1]) << 64;
+        chain_set_wide(x, v, negative);
+        return;
+    }
+    int64_t size = digits_of(a, n);
+    CHECK(size <= INT32_MAX);
+    if (size < x->size) {  // give the leading nodes back
+        numptr last = x->head;
+        for (int64_t i = x->size - size - 1; i > 0; i--) last = last->next;
+        numptr rest = last->next;
+        free_chain(x->head, last);
+        x->head = rest;
+    } else if (size > x->size) {  // new nodes in front
+        numptr head, tail;
+        take_digits(size - x->size, &head, &tail);
+        if (x->size > 0) {
+            tail->next = x->head;
+        } else {
+            x->tail = tail;
+        }
+        x->head = head;
+    }
+    x->size = static_cast<int32_t>(size);
+    write_digits(x->head, a, n, size, negative);
+}
+
+void chain_set_int64(imptr x, int64_t v) {
+    chain_set_wide(x, v < 0 ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v), v < 0);
+}
+
+void chain_set_wide(imptr x, unsigned __int128 magnitude, bool negative) {
+    if (magnitude <= k_max_digit && x->size == 1) {
+        auto v = static_cast<int32_t>(magnitude);
+        x->head->value = negative ? -v : v;
+        return;
+    }
+    numptr head = nullptr, tail = nullptr;
+    int32_t size = 0;
+    do {  // from the tail up
+        numptr d = newnum();
+        auto v = static_cast<int32_t>(static_cast<uint32_t>(magnitude) & k_max_digit);
+        d->value = negative ? -v : v;
+        d->next = head;
+        if (head == nullptr) tail = d;
+        head = d;
+        size++;
+        magnitude >>= k_digit_bits;
+    } while (magnitude != 0);
+    special_free(x);
+    x->head = head;
+    x->tail = tail;
+    x->size = size;
+}
+}  // namespace tolvex
