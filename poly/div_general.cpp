@@ -185,7 +185,8 @@ bool divide_trees(poly n, poly m, polyptrr q, polypt pt) {
 void gen_poly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed) {
     poly fresh = nullptr;
     if (pt == nullptr && !is_number(m) && !is_number(n)) tolvex_error("pt nil in poly_divide");
-    *failed = !divide_trees(n, m, &fresh, pt);
+    Packed verdict = is_number(m) || is_number(n) ? Packed::declined : divide_packed(n, m, &fresh);
+    *failed = verdict == Packed::declined ? !divide_trees(n, m, &fresh, pt) : verdict == Packed::no;
     free_poly(q);
     *q = fresh;
 }

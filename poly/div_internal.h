@@ -18,4 +18,9 @@ polyptrr append_term(polyptrr tail, int32_t exp, poly c);
 void drop_first_term(polyptrr r);
 /// Exact division by the recursive schoolbook method, any ring; *q fresh. False, *q nil: not divisible.
 bool divide_trees(poly n, poly m, polyptrr q, polypt pt);
+/// What the division through flat arrays found.
+enum class Packed { yes, no, declined };
+/// Exact division through flat arrays of packed terms: yes with the fresh quotient in *q, no: not divisible,
+/// declined: operands too small, too wide or of a ring that it does not serve. Neither operand is a number.
+Packed divide_packed(const polynode* n, const polynode* m, polyptrr q);
 }  // namespace tolvex

@@ -1,0 +1,228 @@
+#include "poly/packed.h"
+
+#include "numbers/num_assign.h"
+#include "poly/poly_basic.h"
+#include "storage/scratch.h"
+namespace tolvex {
+// ---- reading ----
+
+static void note(PackMeasure* m, int32_t level, int32_t exp, bool first) {
+    if (first || exp > m->most[level]) m->most[level] = exp;
+    if (first || exp < m->least[level]) m->least[level] = exp;
+}
+
+// `seen` counts the levels that have been entered: a level first met late has exponent 0 in earlier terms.
+static void measure(const polynode* p, int32_t level, PackMeasure* m) {
+    if (is_number(p)) {
+        m->terms++;
+        if (!lintmode && p->ncoef->size > m->digits) m->digits = p->ncoef->size;
+        for (; level < m->levels; level++) note(m, level, 0, false);
+        return;
+    }
+    if (level >= m->levels) {
+        m->levels = level + 1;
+        m->most[level] = 0;
+        m->least[level] = m->terms > 0 ? 0 : p->exp;
+    }
+    for (const polynode* t = p; t != nullptr; t = t->next) {
+        note(m, level, t->exp, false);
+        if (t->numb) {
+            m->terms++;
+            if (!lintmode && t->ncoef->size > m->digits) m->digits = t->ncoef->size;
+            for (int32_t below = level + 1; below < m->levels; below++) note(m, below, 0, false);
+        } else {
+            measure(t->pcoef, level + 1, m);
+        }
+    }
+}
+
+void pack_measure(const polynode* p, PackMeasure* m) {
+    m->levels = 0;
+    m->terms = 0;
+    m->digits = 1;
+    measure(p, 0, m);
+}
+
+bool pack_plan(const int32_t* low, const int32_t* high, int32_t levels, PackPlan* plan) {
+    plan->count = 0;
+    plan->box = 1;
+    for (int32_t i = 0; i < levels; i++) {
+        if (high[i] == low[i] && low[i] == 0) continue;
+        int64_t radix = int64_t{high[i]} - low[i] + 1;
+        if (radix > (int64_t{1} << 62) / plan->box) return false;
+        plan->level[plan->count] = i;
+        plan->low[plan->count] = low[i];
+        plan->radix[plan->count] = radix;
+        plan->box *= radix;
+        plan->count++;
+    }
+    int64_t weight = 1;
+    for (int32_t k = plan->count - 1; k >= 0; k--) {
+        plan->weight[k] = weight;
+        weight *= plan->radix[k];
+    }
+    return true;
+}
+
+namespace {
+/// One walk that writes the terms of a tree.
+struct PackReader {
+    int64_t weight[k_levels];  // by level; 0 for levels out of use, which hold exponent 0 only
+    int32_t low[k_levels];
+    const WordField* field;  // nil: integers as words
+    PackTerms out;
+    int64_t below[k_levels];  // index of a leaf that ends above this level
+};
+}  // namespace
+
+static int64_t word_of_number(const number* n) {
+    if (n->size == 1) return n->head->value;
+    return int64_t{n->head->value} * k_base + n->head->next->value;
+}
+
+static void put_term(PackReader& reader, int64_t index, const number* n) {
+    if (reader.field == nullptr) {
+        reader.out.index[reader.out.count] = index;
+        reader.out.word[reader.out.count++] = word_of_number(n);
+        return;
+    }
+    uint32_t r = wf_of_number(*reader.field, n);
+    if (r == 0) return;
+    reader.out.index[reader.out.count] = index;
+    reader.out.residue[reader.out.count++] = r;
+}
+
+static void read_terms(PackReader& reader, const polynode* p, int32_t level, int64_t index) {
+    if (is_number(p)) {
+        put_term(reader, index + reader.below[level], p->ncoef);
+        return;
+    }
+    int64_t weight = reader.weight[level];
+    for (const polynode* t = p; t != nullptr; t = t->next) {
+        int64_t here = index + weight * (t->exp - reader.low[level]);
+        if (t->numb)
+            put_term(reader, here + reader.below[level + 1], t->ncoef);
+        else
+            read_terms(reader, t->pcoef, level + 1, here);
+    }
+}
+
+// Exponents of levels that a leaf leaves out are 0, which stands at digit -low.
+static PackTerms run_reader(PackReader& reader, const polynode* p, const PackPlan& plan, const int32_t* low,
+                            int64_t terms) {
+    int32_t levels = plan.count == 0 ? 0 : plan.level[plan.count - 1] + 1;
+    for (int32_t i = 0; i <= levels; i++) reader.weight[i] = 0, reader.low[i] = 0;
+    for (int32_t k = 0; k < plan.count; k++) {
+        int32_t level = plan.level[k];
+        reader.weight[level] = plan.weight[k];
+        reader.low[level] = low != nullptr ? low[level] : plan.low[k];
+    }
+    reader.below[levels] = 0;
+    for (int32_t i = levels - 1; i >= 0; i--)
+        reader.below[i] = reader.below[i + 1] - reader.weight[i] * reader.low[i];
+    reader.out.count = 0;
+    reader.out.index = scratch_array<int64_t>(terms);
+    if (reader.field != nullptr)
+        reader.out.residue = scratch_array<uint32_t>(terms);
+    else
+        reader.out.word = scratch_array<int64_t>(terms);
+    read_terms(reader, p, 0, 0);
+    return reader.out;
+}
+
+PackTerms pack_residues(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms,
+                        const WordField& f) {
+    PackReader reader;
+    reader.field = &f;
+    return run_reader(reader, p, plan, low, terms);
+}
+
+PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms) {
+    PackReader reader;
+    reader.field = nullptr;
+    return run_reader(reader, p, plan, low, terms);
+}
+
+// ---- writing ----
+
+namespace {
+struct PackWriter {
+    const PackPlan* plan;
+    const int32_t* low;
+    const int64_t* index;
+    LeafMaker leaf;
+    void* source;
+};
+}  // namespace
+
+// The terms from..to-1, which agree in the levels before k, as a polynomial of the level that follows
+// `above`.
+static poly write_terms(const PackWriter& w, int64_t from, int64_t to, int32_t k, int32_t above) {
+    const PackPlan& plan = *w.plan;
+    if (k == plan.count) {
+        poly leaf;
+        newpoly(&leaf);
+        init_poly_node(leaf);
+        w.leaf(w.source, from, leaf->ncoef);
+        return leaf;
+    }
+    int32_t level = plan.level[k];
+    int32_t low = w.low != nullptr ? w.low[level] : plan.low[k];
+    int64_t weight = plan.weight[k], radix = plan.radix[k];
+    poly head = nullptr;
+    polyptrr tail = &head;
+    while (from < to) {
+        int64_t prefix = w.index[from] / weight, end = from + 1;
+        int64_t least = prefix * weight;  // indexes of this term's group are at least that
+        while (end < to && w.index[end] >= least) end++;
+        poly c = write_terms(w, from, end, k + 1, level);
+        int32_t exp = static_cast<int32_t>(prefix % radix) + low;
+        if (exp == 0 && is_number(c)) {
+            *tail = c;
+            tail = &c->next;
+        } else {
+            new_term(tail, exp, c);
+            tail = &(*tail)->next;
+        }
+        from = end;
+    }
+    if (!is_number(head)) add_pad(&head, level - above - 1);
+    return head;
+}
+
+poly pack_tree(const PackPlan& plan, const int32_t* low, const int64_t* index, int64_t count, LeafMaker leaf,
+               void* source) {
+    if (count == 0) {
+        poly zero = nullptr;
+        poly_set(0, &zero);
+        return zero;
+    }
+    PackWriter w = {&plan, low, index, leaf, source};
+    return write_terms(w, 0, count, 0, -1);
+}
+
+void leaf_of_residue(void* terms, int64_t i, imptr leaf) {
+    leaf->lint = static_cast<int32_t>(static_cast<PackTerms*>(terms)->residue[i]);
+}
+
+void leaf_of_word(void* terms, int64_t i, imptr leaf) {
+    int64_t v = static_cast<PackTerms*>(terms)->word[i];
+    if (v > -k_base && v < k_base) {
+        num_make_digit(leaf, static_cast<int32_t>(v));
+        return;
+    }
+    bool negative = v < 0;
+    auto magnitude = static_cast<uint64_t>(negative ? -v : v);
+    leaf->head = leaf->tail = nullptr;
+    leaf->size = 0;
+    for (; magnitude != 0; magnitude >>= k_digit_bits) {
+        numptr d = newnum();
+        auto digit = static_cast<int32_t>(magnitude & k_max_digit);
+        d->value = negative ? -digit : digit;
+        d->next = leaf->head;
+        if (leaf->tail == nullptr) leaf->tail = d;
+        leaf->head = d;
+        leaf->size++;
+    }
+}
+}  // namespace tolvex

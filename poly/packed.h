@@ -1,0 +1,64 @@
+#pragma once
+/// poly/packed.h: polynomials as flat arrays of terms inside one operation.
+///
+///   tree  ──pack_measure──► PackMeasure (extent of each level)  ──pack_plan──► PackPlan (one radix a level)
+///         ──pack_terms──►   PackTerms: index and coefficient of each term, index falling
+///
+/// Purpose    the exponents e_1 .. e_k of a term become one word, its index in a box of mixed radix; products
+///            add indexes, and as the first level has the greatest weight, falling index is the order of the
+///            recursive form. (Kronecker's substitution; for flat arrays see Monagan and Pearce, "Sparse
+///            polynomial multiplication and division in Maple 14".)
+/// Invariant  a plan has no level that does not occur; every exponent lies in 0..radix-1 of its level.
+///            Indexes are below 2^62.
+/// Ownership  arrays live in scratch memory: take a mark before, release after.
+/// Modes      residues are read as they stand, or modulo the prime of a WordField; integers as words.
+#include "poly/poly.h"
+#include "poly/word_field.h"
+
+#include <cstdint>
+namespace tolvex {
+/// What a walk over a tree finds, by level counted from the top of that tree (0 based).
+struct PackMeasure {
+    int32_t most[k_levels];   // greatest exponent; of a level that does not occur 0
+    int32_t least[k_levels];  // least exponent
+    int32_t levels;           // levels walked: deeper ones do not occur
+    int64_t terms;            // leaves
+    int32_t digits;           // digits of the longest coefficient; 1 in lintmode
+};
+/// Reads p, which is not 0. Levels that the walk leaves out (below a leaf) count as exponent 0.
+void pack_measure(const polynode* p, PackMeasure* m);
+
+struct PackPlan {
+    int32_t count;             // levels in use
+    int32_t level[k_levels];   // their positions, rising
+    int32_t low[k_levels];     // exponent that is written as digit 0
+    int64_t radix[k_levels];   // digits of the level
+    int64_t weight[k_levels];  // of one unit of the exponent, falling to 1
+    int64_t box;               // product of all radixes
+};
+/// The plan for exponents low..high of each of `levels` levels. False: the box exceeds 2^62.
+bool pack_plan(const int32_t* low, const int32_t* high, int32_t levels, PackPlan* plan);
+
+struct PackTerms {
+    int64_t count;
+    int64_t* index;
+    union {
+        uint32_t* residue;  // elements of a WordField
+        int64_t* word;      // integers below 2^62 in magnitude
+    };
+};
+/// The residues of p, zeros left out. low: subtracted from the exponents (of the plan when nil).
+PackTerms pack_residues(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms,
+                        const WordField& f);
+/// The integers of p, whose chains have at most k_word_digits digits.
+PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
+inline constexpr int32_t k_word_digits = 2;
+
+/// Makes the leaf number of term i.
+using LeafMaker = void (*)(void* source, int64_t i, imptr leaf);
+/// A fresh tree of the terms index[0..count), falling; low: added to the exponents (of the plan when nil).
+poly pack_tree(const PackPlan& plan, const int32_t* low, const int64_t* index, int64_t count, LeafMaker leaf,
+               void* source);
+void leaf_of_residue(void* terms, int64_t i, imptr leaf);  ///< source: PackTerms with residues, modular mode
+void leaf_of_word(void* terms, int64_t i, imptr leaf);     ///< source: PackTerms with words
+}  // namespace tolvex
