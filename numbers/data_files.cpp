@@ -1,5 +1,6 @@
 #include "numbers/data_files.h"
 
+#include "numbers/decimal_io.h"
 #include "numbers/gf_tables.h"
 #include "numbers/num_assign.h"
 #include "numbers/primes.h"
@@ -367,6 +368,7 @@ constexpr int64_t k_table_bytes = 4 * (3 * 25001 + 3 * 701 * 701 + 3 * 50001 + 1
 
 void initialize(const char* directory) {
     stock_digits();
+    set_disp_size(disp_size);
     size_data_strucs = k_table_bytes;
     open_chdat(directory);
     read_qerrs(directory);
