@@ -71,7 +71,7 @@ Cofactors sure_quotients_wide(wide a, wide b) {
     int shift = bit_width_wide(a) - 64;
     // The image is off by less than the greatest cofactor, v1, that is by less than one unit of the second
     // window, and by one more for its own truncation.
-    if (shift < 0 || first.v1 >> shift != 0) return first;
+    if (shift < 0 || (shift < 64 && first.v1 >> shift != 0)) return first;
     Cofactors next = sure_quotients(static_cast<limb>(a >> shift), static_cast<limb>(b >> shift), 2);
     if (next.steps == 0) return first;
     // |next| * |first|: (u + v) of next is at most 2^32 and v1 of first below it, so that words suffice.
