@@ -6,6 +6,7 @@
 #include "numbers/primes.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
+#include "storage/audit.h"
 #include "storage/failure.h"
 
 #include <cstdlib>
@@ -364,9 +365,25 @@ void stock_digits() {
 /// and its squares x2, y2, z2 (701 x 701 each); clc, clr, clc_min (50001 each) and clbest (100002) of sparse
 /// elimination.
 constexpr int64_t k_table_bytes = 4 * (3 * 25001 + 3 * 701 * 701 + 3 * 50001 + 100002);
+
+#ifdef TOLVEX_CHECKED
+/// Of the numbers that this folder keeps only disp_cons changes after the start.
+void reach_numbers() {
+    if (audit_row_of<numnode> != nullptr) audit_reach<numnode>(disp_cons.size);
+}
+
+void register_roots() {
+    static bool registered = false;
+    if (!registered) audit_roots(reach_numbers);
+    registered = true;
+}
+#else
+void register_roots() {}
+#endif
 }  // namespace
 
 void initialize(const char* directory) {
+    register_roots();
     stock_digits();
     set_disp_size(disp_size);
     size_data_strucs = k_table_bytes;

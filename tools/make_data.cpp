@@ -73,7 +73,7 @@ template <uint32_t Base> class Natural {
             d = static_cast<uint32_t>(carry % Base);
             carry /= Base;
         }
-        if (carry != 0) digits_.push_back(static_cast<uint32_t>(carry));
+        for (; carry != 0; carry /= Base) digits_.push_back(static_cast<uint32_t>(carry % Base));
         trim();
     }
     void divide_exactly(uint32_t divisor) {
