@@ -3,8 +3,11 @@
 #include "gcd/gcd_internal.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/num_content.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
 #include "numbers/num_gcd.h"
 #include "numbers/residue.h"
+#include "poly/div_general.h"
 #include "poly/div_internal.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_laurent.h"
@@ -35,13 +38,7 @@ static poly poly_one() {
 // One operand at least is a number: the gcd of all numeric coefficients, 1 over a field.
 static poly gcd_with_number(poly u, poly v) {
     poly g = poly_one();
-    if (lintmode) return g;
-    find_gcdcoefs(is_number(u) ? u : v, g->ncoef);
-    if (poly_eq_1(g)) return g;
-    poly other = nullptr;
-    gcd_coefs(is_number(u) ? v : u, &other);
-    binary_gcd(g->ncoef, other->ncoef, g->ncoef);
-    free_poly(&other);
+    common_content(is_number(u) ? u : v, is_number(u) ? v : u, g->ncoef);
     return g;
 }
 
@@ -54,7 +51,9 @@ static poly padded(poly g) {
 
 static bool free_of_main(const polynode* p) { return p->exp == 0 && p->next == nullptr; }
 
-static poly gcd_fresh_same_level(poly u, poly v, polypt pt) {
+// Contents and primitive parts in the main variable, and a remainder sequence. Right in every integral
+// domain.
+static poly gcd_by_sequence(poly u, poly v, polypt pt) {
     poly cu = content_fresh(u, pt), cv = content_fresh(v, pt);
     poly c = padded(gcd_fresh(cu, cv, pt->next));
     poly u2 = nullptr, v2 = nullptr;
@@ -72,36 +71,113 @@ static poly gcd_fresh_same_level(poly u, poly v, polypt pt) {
     return g;
 }
 
-poly gcd_fresh(poly u, poly v, polypt pt) {
-    if (is_number(u) || is_number(v)) return gcd_with_number(u, v);
-    if (u == v || poly_equal(u, v)) {
-        poly g = nullptr;
-        poly_assign(u, &g);
-        gcd_normal_form(&g);
-        return g;
-    }
+static poly gcd_classical(poly u, poly v, polypt pt) {
     poly g;
-    if (free_of_main(u) && free_of_main(v)) {
-        g = padded(gcd_fresh(u->pcoef, v->pcoef, pt->next));
-    } else if (free_of_main(u) || free_of_main(v)) {
+    if (free_of_main(u) || free_of_main(v)) {
         poly pad = free_of_main(u) ? u : v, c = content_fresh(pad == u ? v : u, pt);
         g = padded(gcd_fresh(pad->pcoef, c, pt->next));
         free_poly(&c);
     } else {
-        g = gcd_fresh_same_level(u, v, pt);
+        g = gcd_by_sequence(u, v, pt);
     }
     gcd_normal_form(&g);
-    if (!ring_is_composite()) return g;
-    // Zero divisors make the sequence a guess: what does not divide both is given up.
-    poly q = nullptr;
+    return g;
+}
+
+// Zero divisors make the sequence a guess: what does not divide both operands is given up.
+static poly gcd_composite(poly u, poly v, polypt pt) {
+    poly g = gcd_classical(u, v, pt), q = nullptr;
     bool divides = divide_trees(u, g, &q, pt);
     free_poly(&q);
     divides = divides && divide_trees(v, g, &q, pt);
     free_poly(&q);
-    if (!divides) {
-        free_poly(&g);
-        g = poly_one();
+    if (divides) return g;
+    free_poly(&g);
+    return poly_one();
+}
+
+// ---- the steps ----
+
+static int32_t span_of(const PackMeasure& m, int32_t level) {
+    return level < m.levels ? m.most[level] - m.least[level] : 0;
+}
+
+static void measure_operands(polygcd_EnvRec& env) {
+    pack_measure(env.u, &env.um);
+    pack_measure(env.v, &env.vm);
+    env.levels = maxx(env.um.levels, env.vm.levels);
+    for (int32_t i = 0; i < env.levels; i++) {
+        bool shared = i < env.um.levels && i < env.vm.levels;
+        env.bound[i] = shared ? minn(span_of(env.um, i), span_of(env.vm, i)) : 0;
+        env.monomial[i] = shared ? minn(env.um.least[i], env.vm.least[i]) : 0;
     }
+}
+
+// The common monomial times the common integer content: all there is when nothing else is common.
+static poly common_monomial(const polygcd_EnvRec& env) {
+    poly g = poly_one();
+    common_content(env.u, env.v, g->ncoef);
+    for (int32_t i = env.levels - 1; i >= 0; i--)
+        if (env.monomial[i] != 0 || !is_number(g)) {
+            poly t;
+            new_term(&t, env.monomial[i], g);
+            g = t;
+        }
+    return g;
+}
+
+// Every degree of the gcd may be that of `small`: if so it is its primitive part, and one division tells.
+static bool try_divisor(const polygcd_EnvRec& env, poly small, const PackMeasure& m, poly large, polyptrr g) {
+    for (int32_t i = 0; i < env.levels; i++)
+        if (env.bound[i] != span_of(m, i) || env.monomial[i] != (i < m.levels ? m.least[i] : 0)) return false;
+    poly candidate = primitive_copy(small), q = nullptr;
+    boolean failed = 0;
+    gen_poly_divide(large, candidate, &q, env.pt, &failed);
+    free_poly(&q);
+    if (failed) {
+        free_poly(&candidate);
+        return false;
+    }
+    number c = {};
+    common_content(env.u, env.v, &c);
+    if (!lintmode && !is_longint(&c, 1)) num_poly_mult(&candidate, &c);
+    special_free(&c);
+    *g = candidate;
+    return true;
+}
+
+static poly gcd_in_domain(poly u, poly v, polypt pt) {
+    polygcd_EnvRec env;
+    env.u = u;
+    env.v = v;
+    env.pt = pt;
+    measure_operands(env);
+    if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env)) return common_monomial(env);
+    poly g = nullptr;
+    if (try_divisor(env, v, env.vm, u, &g) || try_divisor(env, u, env.um, v, &g)) return g;
+    if (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g)) return g;
+    return gcd_classical(u, v, pt);
+}
+
+poly gcd_fresh(poly u, poly v, polypt pt) {
+    if (is_number(u) || is_number(v)) return gcd_with_number(u, v);
+    poly g = nullptr;
+    int32_t pads = 0;
+    for (; free_of_main(u) && free_of_main(v); pads++) {
+        u = u->pcoef;
+        v = v->pcoef;
+        pt = pt->next;
+    }
+    if (u == v || poly_equal(u, v))
+        poly_assign(u, &g);
+    else if (ring_is_composite())
+        g = gcd_composite(u, v, pt);
+    else if (lintmode && !modularmode)
+        g = poly_one();  // words that wrap are no domain
+    else
+        g = gcd_in_domain(u, v, pt);
+    gcd_normal_form(&g);
+    add_pad(&g, pads);
     return g;
 }
 

@@ -4,19 +4,46 @@
 /// Purpose    a chain of attempts, cheapest first; each either gives the gcd or passes on.
 /// Ownership  operands are only read; results are fresh trees of the caller.
 /// Modes      any ring; negative exponents have been cleared.
+#include "poly/packed.h"
 #include "poly/poly.h"
 namespace tolvex {
+/// Both operands and what has been measured of them. Levels count from the top of the operands, 0 based.
+struct polygcd_EnvRec {
+    poly u, v;
+    polypt pt;
+    PackMeasure um, vm;
+    int32_t levels;              // levels that occur in u or v
+    int32_t bound[k_levels];     // the gcd without its monomial factor has at most this degree in the level
+    int32_t monomial[k_levels];  // exponents of the common monomial
+};
 /// gcd(u, v) in normal form, neither nil; 0 is allowed only as gcd(0, v) = content number of v.
 poly gcd_fresh(poly u, poly v, polypt pt);
 /// The gcd of the coefficients of the top chain of u, one level down, in normal form.
 poly content_fresh(poly u, polypt pt);
 /// Normal form of a gcd: positive leading number over Z, monic where the leading number is a unit.
 void gcd_normal_form(polyptrr g);
-/// The primitive part of p with respect to its main variable; p is used up. c: its content, one level down.
+/// p without its content c (one level down) in its main variable; p is used up. Where zero divisors prevent
+/// the division p comes back.
 poly without_content(poly p, const polynode* c, polypt pt);
 /// The subresultant remainder sequence on polynomials of positive degree in the main variable, primitive
 /// there. The gcd up to units, primitive in the main variable. Right in every integral domain.
 poly prs_gcd(poly u, poly v, polypt pt);
 /// True if the ring in force has zero divisors.
 bool ring_is_composite();
+/// A fresh copy of p divided by its integer content; outside Z by nothing.
+poly primitive_copy(const polynode* p);
+/// The gcd of the integer contents of u and v as a number of size 0 or more; 1 in lintmode.
+void common_content(const polynode* u, const polynode* v, imptr c);
+
+/// Lowers env.bound by images in one variable at a point modulo a word prime; a bound is proved, for the
+/// point keeps the leading coefficient of one operand at least. True if all bounds are 0: nothing in common
+/// but monomials and numbers.
+bool bound_by_images(polygcd_EnvRec& env);
+/// Evaluation and interpolation over the field in force. False: too few points, or the box is too wide.
+/// The result has the common monomial, is monic, and has divided both operands.
+bool gcd_over_field(polygcd_EnvRec& env, polyptrr g);
+/// Images modulo word primes, combined; the same promise over Z, integer content included.
+bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g);
+/// True if g divides u and v, by dividing.
+bool divides_both(const polygcd_EnvRec& env, poly g);
 }  // namespace tolvex

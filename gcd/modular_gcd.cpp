@@ -1,0 +1,204 @@
+// The gcd through images: over a word field by evaluation and interpolation, over Z from images modulo
+// primes. What comes out may be too large or foreign when points or primes are unlucky, never too small, so
+// that dividing both operands is a full proof.
+#include "gcd/brown_gcd.h"
+#include "gcd/gcd_internal.h"
+#include "gcd/num_content.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/num_divide.h"
+#include "numbers/num_gcd.h"
+#include "numbers/primes.h"
+#include "poly/div_general.h"
+#include "poly/packed_crt.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_scale.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "storage/interrupt.h"
+#include "storage/scratch.h"
+namespace tolvex {
+namespace {
+constexpr int64_t k_univariate_limit = 1 << 24;  // longest array of one variable
+
+/// Operands over Z and what is known of the gcd's image.
+struct ModularEnv {
+    polygcd_EnvRec* env;
+    PackPlan plan;
+    number lead_gcd;  // gcd of the leading numbers of the primitive parts: what the images are scaled to
+    number content;   // gcd of the integer contents
+    bool careful;
+};
+}  // namespace
+
+// The box of both operands, each counted from its own lowest exponents. Its own lowest exponents are those of
+// the common monomial, so that what is written out has it.
+static bool plan_operands(const polygcd_EnvRec& env, PackPlan* plan) {
+    int32_t low[k_levels], high[k_levels];
+    for (int32_t i = 0; i < env.levels; i++) {
+        int32_t du = i < env.um.levels ? env.um.most[i] - env.um.least[i] : 0;
+        int32_t dv = i < env.vm.levels ? env.vm.most[i] - env.vm.least[i] : 0;
+        low[i] = env.monomial[i];
+        high[i] = low[i] + maxx(du, dv);
+    }
+    if (!pack_plan(low, high, env.levels, plan)) return false;
+    for (int32_t k = 0; k < plan->count; k++)
+        if (plan->radix[k] > k_univariate_limit) return false;
+    return true;
+}
+
+bool divides_both(const polygcd_EnvRec& env, poly g) {
+    poly q = nullptr;
+    boolean failed = 0;
+    gen_poly_divide(env.v, g, &q, env.pt, &failed);
+    if (!failed) gen_poly_divide(env.u, g, &q, env.pt, &failed);
+    free_poly(&q);
+    return !failed;
+}
+
+static poly tree_of_residues(const PackPlan& plan, PackTerms* g) {
+    return pack_tree(plan, nullptr, g->index, g->count, leaf_of_residue, g);
+}
+
+bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
+    PackPlan plan;
+    if (!plan_operands(env, &plan)) return false;
+    ScratchMark mark = scratch_mark();
+    BrownEnv brown = {};
+    brown.f = word_field_ring();
+    brown.radix = plan.radix;
+    PackTerms u = pack_residues(env.u, plan, env.um.least, env.um.terms, brown.f);
+    PackTerms v = pack_residues(env.v, plan, env.vm.least, env.vm.terms, brown.f);
+    bool found = false;
+    for (int32_t round = 0; round < 3 && !found; round++) {
+        brown.careful = round > 0;
+        brown.failed = false;
+        ScratchMark inner = scratch_mark();
+        PackTerms terms = brown_gcd(brown, u, v, plan.count);
+        if (!brown.failed) {
+            *g = tree_of_residues(plan, &terms);
+            found = plan.count == 1 || is_number(*g) || divides_both(env, *g);
+            if (!found) free_poly(g);
+        }
+        scratch_release(inner);
+        if (brown.failed) break;
+    }
+    scratch_release(mark);
+    return found;
+}
+
+void common_content(const polynode* u, const polynode* v, imptr c) {
+    find_gcdcoefs(u, c);
+    if (lintmode || is_longint(c, 1)) return;
+    number other = {};
+    find_gcdcoefs(v, &other);
+    binary_gcd(c, &other, c);
+    special_free(&other);
+}
+
+poly primitive_copy(const polynode* p) {
+    poly q = nullptr;
+    poly_assign(p, &q);
+    if (lintmode) return q;
+    number c = {};
+    find_gcdcoefs(p, &c);
+    if (!is_longint(&c, 1)) num_poly_quot(&q, &c, 0);
+    special_free(&c);
+    poly_abs(q);
+    return q;
+}
+
+// The leading number of p divided by the integer content of p.
+static void primitive_lead(poly p, imptr lead) {
+    number content = {};
+    find_gcdcoefs(p, &content);
+    num_assign(leading_coef(p)->ncoef, lead);
+    if (!is_longint(&content, 1)) divide_exact(lead, &content);
+    special_free(&content);
+}
+
+static void open_modular(ModularEnv& m) {
+    number lead = {};
+    primitive_lead(m.env->u, &m.lead_gcd);
+    primitive_lead(m.env->v, &lead);
+    binary_gcd(&m.lead_gcd, &lead, &m.lead_gcd);
+    special_free(&lead);
+    common_content(m.env->u, m.env->v, &m.content);
+}
+
+// Bits beyond which the gcd, scaled to lead_gcd, cannot reach: Gelfond's bound on the heights of factors.
+static int64_t size_bound(const ModularEnv& m) {
+    int64_t sum = 0;
+    for (int32_t k = 0; k < m.plan.count; k++) sum += m.plan.radix[k];
+    int64_t digits = minn(m.env->um.digits, m.env->vm.digits) + m.lead_gcd.size;
+    return digits * k_digit_bits + sum + sum / 2 + 2;
+}
+
+// The image of the gcd modulo f.p, scaled; false: the prime or a point is bad.
+static bool image_modulo(ModularEnv& m, const WordField& f, PackTerms* g) {
+    const polygcd_EnvRec& env = *m.env;
+    if (wf_of_number(f, leading_coef(env.u)->ncoef) == 0 || wf_of_number(f, leading_coef(env.v)->ncoef) == 0)
+        return false;
+    PackTerms u = pack_residues(env.u, m.plan, env.um.least, env.um.terms, f);
+    PackTerms v = pack_residues(env.v, m.plan, env.vm.least, env.vm.terms, f);
+    BrownEnv brown = {f, m.plan.radix, m.careful, false};
+    *g = brown_gcd(brown, u, v, m.plan.count);
+    if (brown.failed) return false;
+    uint32_t scale = wf_of_number(f, &m.lead_gcd);
+    for (int64_t i = 0; i < g->count; i++) g->residue[i] = wf_mul(f, g->residue[i], scale);
+    return true;
+}
+
+// The symmetric combination, made primitive, divides both operands: then it is the gcd.
+static bool accept(ModularEnv& m, CrtTerms& t, polyptrr g) {
+    poly candidate = pack_tree(m.plan, nullptr, t.index, t.count, leaf_of_crt, &t);
+    *g = primitive_copy(candidate);
+    free_poly(&candidate);
+    if (divides_both(*m.env, *g)) return true;
+    free_poly(g);
+    return false;
+}
+
+static bool run_primes(ModularEnv& m, polyptrr g) {
+    CrtTerms t = crt_open(4);
+    int64_t bound = size_bound(m);
+    for (int32_t i = k_lrg_primes - 1; i >= 0; i--) {
+        poll_interrupt();
+        ScratchMark mark = scratch_mark();
+        WordField f = word_field_prime(static_cast<uint32_t>(lrgpme[i]));
+        PackTerms image;
+        if (!image_modulo(m, f, &image) || (t.primes > 0 && image.index[0] > t.index[0])) {
+            scratch_release(mark);
+            continue;
+        }
+        bool kept = t.primes > 0 && image.index[0] < t.index[0];
+        if (kept) t = crt_open(4);  // all primes so far were unlucky
+        bool grown;
+        bool settled = crt_add(&t, image, f, &grown);
+        // The first image alone is often the gcd; after it a change-free prime tells that all digits are
+        // there.
+        if ((settled || t.primes == 1) && accept(m, t, g)) return true;
+        if (crt_product_bits(t) > bound) return false;
+        if (!grown && !kept) scratch_release(mark);
+    }
+    return false;
+}
+
+bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g) {
+    ModularEnv m = {};
+    m.env = &env;
+    if (!plan_operands(env, &m.plan)) return false;
+    ScratchMark mark = scratch_mark();
+    open_modular(m);
+    bool found = run_primes(m, g);
+    if (!found) {
+        m.careful = true;
+        found = run_primes(m, g);
+    }
+    if (found && !is_longint(&m.content, 1)) num_poly_mult(g, &m.content);
+    special_free(&m.lead_gcd);
+    special_free(&m.content);
+    scratch_release(mark);
+    return found;
+}
+}  // namespace tolvex
