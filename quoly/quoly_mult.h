@@ -5,6 +5,9 @@
 /// 0.
 #include "quoly/quoly.h"
 namespace tolvex {
+/// What a quotient by 0 is after error 22 has come back: 1, and 0 where a pushed level carries on by itself.
+inline int32_t quotient_by_zero = 1;  // writers: the levels of the session
+
 void quoly_mult(quoly n, quoly m, quolyptr p);
 void fast_quoly_mult(quolyptr n, quoly m);  ///< n := n m, m kept
 void quoly_reciprocal(quolyptr n);

@@ -1,0 +1,190 @@
+#include "quoly/quoly_convert.h"
+
+#include "numbers/display_modes.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/num_divide.h"
+#include "numbers/residue.h"
+#include "numbers/ring_switch.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_convert.h"
+#include "poly/poly_mult.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "poly/poly_vars.h"
+#include "quoly/canonical.h"
+#include "quoly/quoly_add.h"
+#include "quoly/quoly_basic.h"
+#include "quoly/quoly_internal.h"
+#include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
+namespace tolvex {
+// ---- ground rings --------------------------------------------------------------------------------------
+
+/// True if the denominator can be made monic (or divided in): then nothing that follows raises an error.
+static bool denominator_is_unit(const polynode* denom) {
+    int32_t lead = leading_coef(const_cast<poly>(denom))->ncoef->lint;
+    return lead != 0 && mod_inverse_or_0(lead) != 0;
+}
+
+static void fraction_to_mod(quolyptr q) {
+    quoly v = *q;
+    poly_change_to_mod(&v->numer);
+    if (v->denom != nullptr) poly_change_to_mod(&v->denom);
+    v->rat = 0;
+    if (v->denom != nullptr && !denominator_is_unit(v->denom)) {
+        quoly_set(0, q);
+        return;
+    }
+    check_quoly(q, laurent);
+}
+
+void quoly_change_to_mod(quolyptr q) {
+    boolean was_modular = modularmode, was_lint = lintmode;
+    modularmode = lintmode = 1;
+    if ((*q)->numb) {
+        imptr n = (*q)->ncoef;
+        auto v = static_cast<int32_t>(chain_mod_word(n, static_cast<uint32_t>(finf ? 2 : modulus)));
+        special_free(n);
+        n->lint = v;
+    } else {
+        fraction_to_mod(q);
+    }
+    modularmode = was_modular;
+    lintmode = was_lint;
+}
+
+void quoly_change_from_mod(quolyptr q) {
+    bool table_field = finf || modulus == 256 || modulus == 65536;
+    bool symmetric = alt_form_display && !table_field;
+    quoly v = *q;
+    if (!v->numb) {
+        boolean was_modular = modularmode, was_lint = lintmode;
+        modularmode = lintmode = 1;
+        auto change = symmetric ? poly_change_from_mod_symmetric : poly_change_from_mod;
+        change(&v->numer);
+        if (v->denom != nullptr) change(&v->denom);
+        modularmode = was_modular;
+        lintmode = was_lint;
+    }
+    RingState state = ring_capture();
+    ring_enter_integers();
+    if (v->numb) {
+        int32_t n = v->ncoef->lint;
+        v->ncoef->size = 0;
+        setvalue(symmetric && n > state.half_modulus ? n - state.modulus : n, v->ncoef);
+    } else {
+        check_quoly(q, laurent);
+    }
+    ring_assign(state);
+}
+
+// ---- variable lists ------------------------------------------------------------------------------------
+
+void quoly_insert_level(quoly q, int32_t level) {
+    if (q->numb) return;
+    poly_insert_level(&q->numer, level);
+    if (q->denom != nullptr) poly_insert_level(&q->denom, level);
+}
+
+void quoly_remove_level(quoly q, int32_t level) {
+    if (q->numb) return;
+    remove_one(&q->numer, level);
+    if (q->denom != nullptr) remove_one(&q->denom, level);
+}
+
+boolean quoly_contains_level(const quolynode* q, int32_t level) {
+    if (q->numb) return 0;
+    return poly_contains_level(q->numer, level) ||
+           (q->denom != nullptr && poly_contains_level(q->denom, level));
+}
+
+/// What a substitution carries along. Polynomials at depth d stand below d levels.
+struct Substitution {
+    int32_t level;
+    quoly value;
+    bool failed;  // a power of the value does not exist
+};
+
+/// The polynomial c, which stands below `depth` levels, as a value of its own.
+static quoly value_of_coefficient(const polynode* term, int32_t depth) {
+    poly c = nullptr;
+    if (term->numb) {
+        node_assign(term, &c);
+    } else {
+        poly_assign(term->pcoef, &c);
+        add_pad(&c, depth);
+    }
+    quoly q = nullptr;
+    poly_to_quoly(&c, &q);
+    return q;
+}
+
+/// *q := *q times base^e.
+static void times_power(quolyptr q, quoly base, int32_t e, Substitution* s) {
+    if (e == 0) return;
+    if (e < 0 &&
+        (quoly_iszero(base) || (modularmode && base->numb && mod_inverse_or_0(base->ncoef->lint) == 0))) {
+        s->failed = true;
+        return;
+    }
+    quoly power = nullptr;
+    quoly_assign(base, &power);
+    if (e < 0) quoly_reciprocal(&power);
+    quoly_compute_power(&power, e < 0 ? -e : e);
+    fast_quoly_mult(q, power);
+    free_quoly(&power);
+}
+
+/// The chain p of the replaced variable, by Horner.
+static quoly horner(const polynode* p, int32_t depth, Substitution* s) {
+    quoly sum = nullptr;
+    quoly_set(0, &sum);
+    for (const polynode* t = p; t != nullptr; t = t->next) {
+        quoly c = value_of_coefficient(t, depth + 1);
+        best_quoly_add(&sum, c);
+        times_power(&sum, s->value, t->exp - (t->next != nullptr ? t->next->exp : 0), s);
+    }
+    return sum;
+}
+
+static quoly substituted(const polynode* p, int32_t depth, Substitution* s) {
+    if (depth + 1 == s->level) return horner(p, depth, s);
+    poly x = nullptr;
+    base_poly(&x, depth + 1);
+    quoly variable = nullptr, sum = nullptr;
+    poly_to_quoly(&x, &variable);
+    quoly_set(0, &sum);
+    for (const polynode* t = p; t != nullptr; t = t->next) {
+        quoly c = t->numb ? value_of_coefficient(t, depth + 1) : substituted(t->pcoef, depth + 1, s);
+        times_power(&c, variable, t->exp, s);
+        best_quoly_add(&sum, c);
+    }
+    free_quoly(&variable);
+    return sum;
+}
+
+bool quoly_put_number(quolyptr q, int32_t level, const quolynode* value) {
+    if (!quoly_contains_level(*q, level)) return true;
+    Substitution s = {level, const_cast<quoly>(value), false};
+    quoly numer = substituted((*q)->numer, 0, &s), denom = nullptr;
+    if ((*q)->denom != nullptr) {
+        denom = substituted((*q)->denom, 0, &s);
+    } else {
+        quoly_set(1, &denom);
+    }
+    if (quoly_iszero(denom)) s.failed = true;
+    if (!s.failed && modularmode) {
+        QuolyView bottom(denom);
+        s.failed = !denominator_is_unit(bottom.numer);
+    }
+    if (s.failed) {
+        quoly_set(1, q);
+    } else {
+        quoly_quot(numer, denom, q, 0);
+    }
+    free_quoly(&numer);
+    free_quoly(&denom);
+    return !s.failed;
+}
+}  // namespace tolvex
