@@ -1,0 +1,15 @@
+#pragma once
+/// matrix/matrix_modes.h: switches and thresholds of determinants, inverses and characteristic polynomials.
+#include "storage/types.h"
+
+#include <cstdint>
+namespace tolvex {
+inline boolean chpoly_block = 1;           // slow characteristic polynomials in modular mode     writers: &B
+inline int32_t detcutoff = -1;             // rows from which minors finish; negative: defaults   writers: &D
+inline int32_t gauss_cutoff = 0;           // 1: Gauss-Bareiss                                    writers: &K
+inline int32_t rat_det_method_cut = 5000;  // "mass" up to which determinants are interpolated    writers: &L
+inline int32_t mod_det_method_cut = 150;   // the same over Z/p; a 33rd of it when that is set    writers: &L
+inline boolean mod_matrix_ok = 1;          // integer matrices by adjoint and remainders          writers: &I
+inline boolean lagrange_stash = 0;         // interpolated determinants go to the save file       writers: &_L
+inline int32_t pseudet_heur = 0;           // pivot heuristic of sparse elimination, 0..5         writers: &u
+}  // namespace tolvex

@@ -1,0 +1,39 @@
+#include "quoly/quoly_audit.h"
+
+#ifdef TOLVEX_CHECKED
+namespace tolvex {
+void audit_value_pools() {
+    audit_pool<numnode>("numnode");
+    audit_pool<number>("number");
+    audit_pool<polynode>("polynode");
+    audit_pool<quolynode>("quolynode");
+}
+
+void audit_reach_number(const number* x) {
+    audit_reach<number>();
+    if (x->size > 0) audit_reach<numnode>(x->size);
+}
+
+void audit_reach_poly(const polynode* p) {
+    for (; p != nullptr; p = p->next) {
+        audit_reach<polynode>();
+        if (p->numb) {
+            audit_reach_number(p->ncoef);
+        } else {
+            audit_reach_poly(p->pcoef);
+        }
+    }
+}
+
+void audit_reach_quoly(const quolynode* q) {
+    if (q == nullptr) return;
+    audit_reach<quolynode>();
+    if (q->numb) {
+        audit_reach_number(q->ncoef);
+    } else {
+        audit_reach_poly(q->numer);
+        audit_reach_poly(q->denom);
+    }
+}
+}  // namespace tolvex
+#endif

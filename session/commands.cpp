@@ -1,0 +1,259 @@
+// The commands `&x`: what no row of the switch table does.
+
+#include "gcd/gcd_modes.h"
+#include "language/language_modes.h"
+#include "language/parse.h"
+#include "language/ports.h"
+#include "language/tokens/scanner.h"
+#include "numbers/decimal_io.h"
+#include "numbers/residue.h"
+#include "numbers/ring_switch.h"
+#include "quoly/quoly_basic.h"
+#include "quoly/quoly_display.h"
+#include "session/jumps.h"
+#include "session/levels.h"
+#include "session/loop.h"
+#include "session/modulus.h"
+#include "session/polyvars.h"
+#include "session/questions.h"
+#include "session/session_modes.h"
+#include "session/switch_table.h"
+#include "session/switches.h"
+#include "storage/failure.h"
+#include "storage/memory.h"
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+namespace tolvex {
+namespace {
+/// A command under way. Its letter is the current token.
+struct Command {
+    FILE* inf;
+    quolyptr n;
+    nameptr* flag;
+    bool stored() const { return *flag != nullptr; }  // it stands in a stored list
+};
+enum class After { read_next, stay };  // stay: the token behind the command is current already
+struct CommandRow {
+    const char* letter;
+    After (*run)(Command& c);
+};
+}  // namespace
+
+// ---- leaving, levels -----------------------------------------------------------------------------------
+
+static After quit(Command&) { jump_to_farewell(); }
+static After stop(Command&) { panic_stop(); }
+
+static After push_level(Command& c) {
+    new_level();
+    if (c.stored() || tt_flag) return After::read_next;
+    tok_set(token, "@");
+    return After::stay;
+}
+
+static After pop_level(Command&) {
+    time_to_quit = 1;
+    return After::read_next;
+}
+
+/// Leaving a function or a loop has a meaning in a stored list only.
+static After leave_construct(Command& c, boolean* what) {
+    if (c.stored()) {
+        *what = 1;
+    } else {
+        printf("Warning. &%s ignored.\n", tok_text(token));
+    }
+    return After::read_next;
+}
+static After leave_loop(Command& c) { return leave_construct(c, &leave_flag); }
+static After cycle_loop(Command& c) { return leave_construct(c, &cycle_flag); }
+static After leave_function(Command& c) { return leave_construct(c, &exit_flag); }
+
+// ---- settings with a dialogue of their own -------------------------------------------------------------
+
+static After assignment_form(Command& c) {
+    set_switch(c.inf, c.n, c.flag);
+    return After::read_next;
+}
+
+static After ground_ring(Command&) {
+    toggle_ground_ring();
+    return After::read_next;
+}
+
+static After polynomial_variables(Command&) {
+    ask_polyvars();
+    return After::read_next;
+}
+
+static After ask_prompt(Command&) {
+    char line[k_prompt_length];
+    ask_line(" Enter prompt:\n", line, sizeof line);
+    set_prompt(line);
+    return After::read_next;
+}
+
+static After ask_disp_size(Command&) {
+    int32_t size;
+    if (ask_number("Enter display size. \n", Err::number_expected, &size)) {
+        printf("new display size: %2d\n", size);
+        set_disp_size(size);
+    }
+    tok_set(token, "@");
+    return After::stay;
+}
+
+static After toggle_addresser(Command& c) {
+    const SwitchRow* row = find_set_switch("a");
+    SwitchStore s = {row, 0, true, !c.stored(), 0};
+    if (row->store(s)) leave_value(c.n, s.left);
+    return After::read_next;
+}
+
+/// `&C+` and `&C-`: the stack of gcd stashing, on above 0.
+static After gcd_stash_stack(Command& c) {
+    next_token(c.inf, c.flag);
+    const char* report;
+    if (tok_is(token, "+")) {
+        if (lookupgcd < INT16_MAX) lookupgcd++;
+        report = lookupgcd > 0   ? " stashing on."
+                 : lookupgcd < 0 ? " pushed, but stashing still off."
+                                 : " stashing off.";
+    } else if (tok_is(token, "-")) {
+        if (lookupgcd > INT16_MIN) lookupgcd--;
+        report = lookupgcd > 0 ? " popped, but stashing remains in effect." : " stashing off.";
+    } else {
+        error(Err::stash_sign_expected);
+        return After::stay;
+    }
+    if (!c.stored()) printf("%s\n", report);
+    leave_value(c.n, lookupgcd);
+    return After::read_next;
+}
+
+// ---- figures -------------------------------------------------------------------------------------------
+
+static After clock_ticks(Command& c) {
+    leave_value(c.n, static_cast<int64_t>(clock()) / 1000);
+    return After::read_next;
+}
+
+static After memory_left(Command& c) {
+    auto bytes = static_cast<int64_t>(memavail());
+    if (lintmode && !c.stored()) printf("%lli\n", static_cast<long long>(bytes));
+    leave_value(c.n, bytes);
+    return After::read_next;
+}
+
+// ---- commands with something behind them ---------------------------------------------------------------
+
+/// `&_m(e)`: e outside the ground ring.
+static After outside_ring(Command& c) {
+    next_token(c.inf, c.flag);
+    if (!tok_is(token, "(")) {
+        error(Err::suspended_shape);
+        return After::stay;
+    }
+    boolean modular;
+    check_modular(&modular);
+    next_token(c.inf, c.flag);
+    parse(c.inf, c.n, c.flag);
+    restore_modular(modular);
+    bool number = *c.n == nullptr || (*c.n)->numb;
+    if (number && modularmode && *c.n != nullptr) (*c.n)->ncoef->lint = residue_of_int((*c.n)->ncoef->lint);
+    Err fault = Err{};
+    if (!number && modularmode) {
+        fault = Err::number_expected;  // words inside a polynomial have no place in the ring
+    } else if (!tok_is(token, ")")) {
+        fault = Err::close_paren_expected;
+    } else {
+        next_token(c.inf, c.flag);
+        if (!at_terminator()) fault = Err::suspended_not_terminated;
+    }
+    if (fault != Err{}) {
+        free_quoly(c.n);
+        error(fault);
+    }
+    return After::stay;
+}
+
+static After read_polynomial(Command& c) {
+    next_token(c.inf, c.flag);
+    quoly_readin(c.inf, c.n, c.flag);
+    return After::stay;
+}
+
+static After output_only(Command&) {
+    error(Err::output_form_only);
+    return After::read_next;
+}
+
+/// The end of a load, and the display of a work array: nothing to end, nothing to show.
+static After nothing(Command&) { return After::read_next; }
+
+// ---- dispatch ------------------------------------------------------------------------------------------
+
+static const CommandRow commands[] = {
+    {"(", assignment_form},  {"4", nothing},
+    {">", leave_loop},       {"@", stop},
+    {"C", gcd_stash_stack},  {"J", polynomial_variables},
+    {"M", ask_prompt},       {"Q", quit},
+    {"T", clock_ticks},      {"]", cycle_loop},
+    {"_P", push_level},      {"_m", outside_ring},
+    {"_n", read_polynomial}, {"_p", pop_level},
+    {"a", toggle_addresser}, {"d", ask_disp_size},
+    {"h", memory_left},      {"o", output_only},
+    {"p", ground_ring},      {"q", quit},
+    {"x", nothing},          {"}", leave_function},
+};
+
+static void toggle(const SwitchRow& row, Command& c) {
+    if (row.rational_only && lintmode) {
+        error(Err::not_in_word_mode);
+        return;
+    }
+    *row.at = !*row.at;
+    fputs(*row.at ? row.on : row.off, Output);
+    if (row.after != nullptr) row.after();
+    if (row.leaves_value) leave_value(c.n, *row.at);
+}
+
+static void ask_switch(const SwitchRow& row, Command& c) {
+    SwitchStore s = {&row, 0, true, true, 0};
+    if (ask_number(row.question, row.not_number, &s.value) && row.store(s)) leave_value(c.n, s.left);
+}
+
+/// Runs the command `letter`; false if there is none.
+static bool run_letter(const char* letter, Command& c) {
+    for (const CommandRow& row : commands) {
+        if (strcmp(row.letter, letter) != 0) continue;
+        if (row.run(c) == After::read_next) next_token(c.inf, c.flag);
+        return true;
+    }
+    const SwitchRow* row = find_switch(letter);
+    if (row == nullptr) return false;
+    if (row->at != nullptr) {
+        toggle(*row, c);
+    } else {
+        ask_switch(*row, c);
+    }
+    next_token(c.inf, c.flag);
+    return true;
+}
+
+void run_command(FILE* inf, quolyptr n, nameptr* flag) {
+    Command c = {inf, n, flag};
+    char letter[4];
+    next_token(inf, flag);
+    bool second = tok_is(token, "_");
+    if (second) next_token(inf, flag);
+    if (strlen(tok_text(token)) > 1 && !tok_is(token, k_end_token)) {
+        error(Err::command_too_long);
+        return;
+    }
+    snprintf(letter, sizeof letter, "%s%c", second ? "_" : "", tok_char(token));
+    if (!run_letter(letter, c)) error(Err::unknown_command);
+}
+}  // namespace tolvex

@@ -1,0 +1,25 @@
+#pragma once
+/// session/levels.h: errors, interrupts, and the command levels that they open.
+///
+/// Purpose    error() reports a failed statement and leaves for level 1, or opens a command level on top of
+/// it and
+///            comes back when the level is left. The routines of storage/failure.h are defined here.
+/// Invariant  whoever goes to level 1 goes through return_to_top (language/ports.h): modes that a computation
+/// had
+///            changed, the scratch stack and the per-statement counters are put in order there.
+/// Raises     everything here leaves by a long jump or returns as storage/failure.h says.
+#include "storage/failure.h"
+
+#include <cstdint>
+namespace tolvex {
+/// Reports a panic stop and returns to level 1.
+[[noreturn]] void panic_stop();
+/// Opens a command level on top of the statement under way; comes back when it is left by `&_p`.
+void new_level();
+/// Binds the interrupt signal.
+void install_interrupt_handler();
+/// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables.
+inline int32_t interrupts_held = 0;
+/// The counters that belong to one statement start anew.
+void clear_statement_counters();
+}  // namespace tolvex

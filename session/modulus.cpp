@@ -1,0 +1,167 @@
+#include "session/modulus.h"
+
+#include "language/expre.h"
+#include "language/language_modes.h"
+#include "language/symbols.h"
+#include "language/tokens/scanner.h"
+#include "numbers/decimal_io.h"
+#include "numbers/primes.h"
+#include "numbers/ring_switch.h"
+#include "numbers/shape_num.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_basic.h"
+#include "quoly/quoly_convert.h"
+#include "session/levels.h"
+#include "session/loop.h"
+#include "session/questions.h"
+#include "session/session_modes.h"
+
+#include <cstdio>
+namespace tolvex {
+// Polynomial cutoffs of a fresh ring.
+static constexpr int32_t k_fresh_cutoff = 80;
+static constexpr int32_t k_div_cutoff_rational = 6, k_div_cutoff_modular = 25;
+static constexpr int32_t k_decimals_rational = 4, k_decimals_modular = 16;
+static constexpr int32_t k_codes_rational = 998;  // character codes that arrays may hold
+
+/// The ground ring stands still above level 1, and while a value is half computed in it.
+static bool ring_may_change() {
+    if (levelcount == 1 && eval_state.held == nullptr) return true;
+    error(Err::mode_change_above_level_1);
+    return false;
+}
+
+static void drop_running_values() {
+    free_quoly(&sysnum);
+    free_quoly(&prevnum);
+}
+
+static void fresh_cutoffs(int32_t division) {
+    reset_cutoffs(k_fresh_cutoff);  // a cutoff that the user gave one variable stays
+    poly_cutoff = k_fresh_cutoff;
+    div_poly_cutoff = division;
+}
+
+static void convert_to_mod(quolyptr value, void*) { quoly_change_to_mod(value); }
+static void convert_from_mod(quolyptr value, void*) { quoly_change_from_mod(value); }
+
+static void announce_modulus() {
+    printf(" Now in modular mode. Modulus is %1d,%s", modulus, mod_is_prime ? " a prime" : " not a prime\n");
+    if (!mod_is_prime) return;
+    if (f256) {
+        printf("; working over the prime field of 2^8 = 256 elements.\n");
+    } else if (f2t16) {
+        printf("; working over the prime field of 2^16 = 65536 elements.\n");
+    } else {
+        printf(".\n");
+    }
+}
+
+bool enter_modular(int32_t m, bool loud) {
+    drop_running_values();
+    bool table_field = m == 256 || m == 65536;
+    interrupts_held++;
+    // An integer goes to a table field through its prime field.
+    set_modulus(table_field ? 2 : m);
+    mod_is_prime = is_prime(modulus);
+    for_each_value(convert_to_mod, nullptr);
+    modularmode = lintmode = 1;
+    f256 = m == 256;
+    f2t16 = m == 65536;
+    finf = table_field;
+    fresh_cutoffs(k_div_cutoff_modular);
+    set_disp_size(k_decimals_modular);
+    if (loud) announce_modulus();
+    if (table_field) {
+        set_modulus(m);
+        mod_is_prime = 1;
+        alt_form_display = 0;
+    }
+    limit_char_arrays = minn(k_codes_rational, modulus);
+    was_in_rat = 0;
+    rand_denom_n = 1;
+    quoly_set(0, &prevnum);
+    interrupts_held--;
+    return true;
+}
+
+bool leave_modular(bool loud) {
+    if (loud) printf(" Changing to rational arithmetic.\n");
+    if (changed_in_modmode) {
+        error(Err::ring_locked);
+        return false;
+    }
+    drop_running_values();
+    interrupts_held++;
+    modularmode = lintmode = 0;
+    for_each_value(convert_from_mod, nullptr);
+    f256 = f2t16 = finf = 0;
+    set_modulus(-1);
+    mod_is_prime = 0;
+    fresh_cutoffs(k_div_cutoff_rational);
+    set_disp_size(k_decimals_rational);
+    limit_char_arrays = k_codes_rational;
+    was_in_rat = 1;
+    rand_denom_n = 1;
+    quoly_set(0, &prevnum);
+    interrupts_held--;
+    return true;
+}
+
+/// Asks until the answer is a legal modulus; false after an error.
+static bool ask_modulus(int32_t* m) {
+    for (;;) {
+        if (!ask_number(" Enter modulus:\n", Err::modulus_zero, m)) return false;
+        if (*m == 0) {
+            error(Err::modulus_zero);
+            return false;
+        }
+        if (*m >= 2 && *m <= k_greatest_modulus) return true;
+        if (!tt_flag) {
+            error(Err::bad_modulus);
+            return false;
+        }
+        printf(" *** Improper modulus %2d. upper limit is 2147483646. Reenter.\n", *m);
+    }
+}
+
+void toggle_ground_ring() {
+    if (!ring_may_change()) return;
+    if (modularmode) {
+        leave_modular(true);
+    } else if (lintmode) {
+        error(Err::ring_needed_plain);
+    } else {
+        int32_t m;
+        printf(" Changing to modular arithmetic.\n");
+        if (ask_modulus(&m)) enter_modular(m, true);
+    }
+}
+
+void set_ground_ring(int32_t v, bool rational, bool loud) {
+    if (lintmode && !modularmode) {
+        error(Err::ring_needed_plain);
+        return;
+    }
+    if (!ring_may_change()) return;
+    if (rational) {
+        if (modularmode) {
+            leave_modular(loud);
+        } else {
+            printf(" Already in rational mode.\n");
+        }
+        return;
+    }
+    if (v < 2 || v > k_greatest_modulus) {
+        error(Err::bad_modulus);
+        v = 2;
+    }
+    if (modularmode && v == modulus) {
+        printf(" Already in that arithmetic mode\n");
+        return;
+    }
+    if (modularmode && !leave_modular(loud)) return;
+    if (loud) printf(" Changing to modular arithmetic.\n");
+    enter_modular(v, loud);
+}
+}  // namespace tolvex

@@ -1,0 +1,25 @@
+#pragma once
+/// session/modulus.h: changes of the ground ring.
+///
+/// Purpose    `&p` and `&(p = v)`: from the integers to the integers modulo v or a table field, and back. All
+/// stored
+///            values are converted in place.
+/// Invariant  a value without an image becomes 0: the conversion raises nothing and is not interrupted. The
+/// value
+///            under way and the previous value are 0 after a change.
+/// Raises     62, 73, 84 before anything is changed; 353 where modular mode may not be left; 148 at the
+/// question.
+#include "storage/types.h"
+
+#include <cstdint>
+namespace tolvex {
+inline constexpr int32_t k_greatest_modulus = 2147483646;
+/// From the integers to the ring modulo m; m = 256 and 65536 are the table fields. False after an error.
+bool enter_modular(int32_t m, bool loud);
+/// Back to the integers. False after an error.
+bool leave_modular(bool loud);
+/// `&p`: leaves modular mode, or asks for the modulus.
+void toggle_ground_ring();
+/// `&(p = v)`; `rational` for `&(p = _i)`.
+void set_ground_ring(int32_t v, bool rational, bool loud);
+}  // namespace tolvex

@@ -1,0 +1,180 @@
+#include "session/polyvars.h"
+
+#include "language/expre.h"
+#include "language/language_modes.h"
+#include "language/symbols.h"
+#include "language/tokens/scanner.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_convert.h"
+#include "session/levels.h"
+#include "session/loop.h"
+#include "session/questions.h"
+#include "session/session_modes.h"
+#include "storage/failure.h"
+
+#include <cstdio>
+namespace tolvex {
+namespace {
+/// One item of the list, read up to the token behind it.
+struct PolyItem {
+    tokentipe name;
+    bool at_end;
+    bool removal;
+    quoly value;  // what replaces a removed variable; nil: nothing
+};
+}  // namespace
+
+// ---- the names -----------------------------------------------------------------------------------------
+
+/// Words of the language that an expression could not be told from a variable.
+static bool is_reserved(const tokentipe& name) {
+    static const char* const words[] = {"or",   "and", "not", "to",  "by",    "do",   "od",  "then",
+                                        "else", "fi",  "if",  "for", "while", "from", "quit"};
+    for (const char* word : words)
+        if (tok_is(name, word)) return true;
+    return false;
+}
+
+static bool is_lower_case_name(const tokentipe& name) {
+    unsigned char c = tok_char(name);
+    return c >= 'a' && c <= 'z' && !is_reserved(name);
+}
+
+/// Rewriting all values is not for a level above 1, nor while a value is half computed.
+static bool list_may_change() {
+    if (levelcount == 1 && eval_state.held == nullptr) return true;
+    error(Err::polyvar_not_now);
+    return false;
+}
+
+// ---- declaring -----------------------------------------------------------------------------------------
+
+static void add_level_in_front(quolyptr value, void*) { quoly_insert_level(*value, 1); }
+
+static bool declare(PolyItem& item) {
+    if (its_a_polyname(item.name) != 0) {
+        printf(" Already had that value; no change in polynomial variables.\n");
+        return true;
+    }
+    Err fault = Err{};
+    if (find_var(item.name) != nullptr) {
+        fault = Err::polyvar_name_taken;
+    } else if (number_polys == k_max_polys) {
+        fault = Err::too_many_polyvars;
+    }
+    if (fault != Err{}) {
+        error(fault, tok_text(item.name));
+        return false;
+    }
+    if (!item.at_end && !list_may_change()) return false;
+    interrupts_held++;
+    insert_poly_name(item.name, item.at_end);
+    if (!item.at_end) for_each_value(add_level_in_front, nullptr);
+    interrupts_held--;
+    return true;
+}
+
+// ---- removing ------------------------------------------------------------------------------------------
+
+namespace {
+/// The walk over all values when a variable goes.
+struct Removal {
+    int32_t level;
+    const quolynode* value;
+    bool found;        // some value contains the variable
+    int32_t warnings;  // written so far
+};
+}  // namespace
+
+static void look_for_level(quolyptr value, void* context) {
+    auto* r = static_cast<Removal*>(context);
+    if (quoly_contains_level(*value, r->level)) r->found = true;
+}
+
+static void take_level_out(quolyptr value, void* context) {
+    constexpr int32_t k_most_warnings = 40;
+    auto* r = static_cast<Removal*>(context);
+    if (r->value != nullptr && !quoly_put_number(value, r->level, r->value) &&
+        r->warnings++ < k_most_warnings)
+        printf("Warning. A quoly denominator has become 0.  That value has been set to 1.\n");
+    quoly_remove_level(*value, r->level);
+}
+
+static bool remove_variable(PolyItem& item) {
+    int32_t level = 0;
+    polypt variable = nullptr;
+    if (!is_poly_name2(item.name, &level, &variable)) {
+        error(Err::no_such_polyvar, tok_text(item.name));
+        return false;
+    }
+    if (variable->p != nullptr) {
+        error(Err::polyvar_modded, tok_text(item.name));
+        return false;
+    }
+    if (!list_may_change()) return false;
+    Removal r = {level, item.value, false, 0};
+    if (item.value == nullptr) for_each_value(look_for_level, &r);
+    if (r.found) {
+        error(Err::polyvar_value_not_number, tok_text(item.name));
+        return false;
+    }
+    interrupts_held++;
+    for_each_value(take_level_out, &r);
+    delete_poly_name(level);
+    interrupts_held--;
+    return true;
+}
+
+// ---- the list ------------------------------------------------------------------------------------------
+
+/// Reads the number behind "-x ="; false after an error.
+static bool read_value(FILE* inf, nameptr* flag, PolyItem* item) {
+    next_token(inf, flag);
+    old_expre(inf, &item->value, flag);
+    if (item->value != nullptr && (item->value->numb || item->value->rat)) return true;
+    free_quoly(&item->value);
+    error(Err::polyvar_value_not_number, tok_text(item->name));
+    return false;
+}
+
+/// Reads one item, the current token its first; then the token behind it, which must go on or end the list.
+static bool read_item(FILE* inf, nameptr* flag, bool at_question, PolyItem* item) {
+    if (tok_is(token, "-")) {
+        item->removal = true;
+        next_token(inf, flag);
+    }
+    if (!is_lower_case_name(token)) {
+        error(Err::polyvar_bad_name);
+        return false;
+    }
+    item->name = token;
+    next_token(inf, flag);
+    if (item->removal && tok_is(token, "=") && !read_value(inf, flag, item)) return false;
+    bool ends = at_question ? at_terminator() : tok_is(token, ")");
+    if (tok_is(token, ",") || ends) return true;
+    free_quoly(&item->value);
+    error(Err::polyvar_separator);
+    return false;
+}
+
+bool attach_poly(FILE* inf, nameptr* flag, bool at_end, bool at_question) {
+    for (;;) {
+        PolyItem item = {{}, at_end, false, nullptr};
+        if (!read_item(inf, flag, at_question, &item)) return false;
+        bool done = item.removal ? remove_variable(item) : declare(item);
+        free_quoly(&item.value);
+        if (!done) return false;
+        if (!tok_is(token, ",")) return true;
+        next_token(inf, flag);
+    }
+}
+
+void ask_polyvars() {
+    QuestionMark mark = open_question(" Enter polynomial variable:\n");
+    nameptr stream = nullptr;
+    bool at_end = tok_is(token, ">");
+    if (at_end) next_token(Input, &stream);
+    attach_poly(Input, &stream, at_end, true);
+    close_question(mark);
+}
+}  // namespace tolvex
