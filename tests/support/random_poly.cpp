@@ -246,27 +246,43 @@ poly poly_of(const char* text) {
     return sum;
 }
 
-static std::string number_text(const number* x) {
-    if (lintmode) return std::to_string(x->lint);
-    if (x->size == 1) return std::to_string(x->head->value);
-    if (x->size == 2) return std::to_string(x->head->value * int64_t{k_base} + x->tail->value);
-    std::string s = "[";
-    for (numptr d = x->head; d != nullptr; d = d->next) s += std::to_string(d->value) + (d->next ? "," : "]");
-    return s;
+static void add_number(const number* x, std::string& s) {
+    if (lintmode || x->size <= 2) {
+        s += std::to_string(lintmode       ? x->lint
+                            : x->size == 1 ? x->head->value
+                                           : x->head->value * int64_t{k_base} + x->tail->value);
+        return;
+    }
+    s += '[';
+    for (numptr d = x->head; d != nullptr; d = d->next) {
+        s += std::to_string(d->value);
+        s += d->next != nullptr ? ',' : ']';
+    }
 }
 
 static void add_text(const polynode* p, int32_t level, const std::string& factors, std::string& s) {
     for (; p != nullptr; p = p->next) {
         std::string f = factors;
         if (p->exp != 0) {
-            f += std::string("*") +
-                 (level < 6 ? std::string(1, k_letters[level]) : "x" + std::to_string(level + 1));
-            if (p->exp != 1) f += "^" + std::to_string(p->exp);
+            f += '*';
+            if (level < 6) {
+                f += k_letters[level];
+            } else {
+                f += 'x';
+                f += std::to_string(level + 1);
+            }
+            if (p->exp != 1) {
+                f += '^';
+                f += std::to_string(p->exp);
+            }
         }
-        if (!p->numb)
+        if (!p->numb) {
             add_text(p->pcoef, level + 1, f, s);
-        else
-            s += (s.empty() ? "" : " + ") + number_text(p->ncoef) + f;
+            continue;
+        }
+        if (!s.empty()) s.append(" + ");
+        add_number(p->ncoef, s);
+        s.append(f);
     }
 }
 
@@ -289,7 +305,9 @@ void use_variables(int32_t levels) {
     while (polynames != nullptr) delete_poly_name(1);
     for (int32_t i = 1; i <= levels; i++) {
         tokentipe name = {};
-        tok_set(name, ("x" + std::to_string(i)).c_str());
+        char text[16];
+        snprintf(text, sizeof text, "x%d", i);
+        tok_set(name, text);
         insert_poly_name(name, 1);
     }
 }
