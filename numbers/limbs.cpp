@@ -1,26 +1,17 @@
 // Linear-time kernels on limb arrays. Carries run in a 128-bit accumulator, which compilers turn into one
 // widening multiplication and two additions with carry a limb.
 #include "numbers/limbs.h"
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <cpuid.h>
+#endif
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;
-}
 
-limb limbs_addmul_1(limb* r, const limb* a, int64_t n, limb w) {
-    limb carry = 0;
-    int64_t i = 0;
-    for (; i + 4 <= n; i += 4) {
-        wide t = static_cast<wide>(a[i]) * w + r[i] + carry;
-        r[i] = static_cast<limb>(t);
-        t = static_cast<wide>(a[i + 1]) * w + r[i + 1] + static_cast<limb>(t >> 64);
-        r[i + 1] = static_cast<limb>(t);
-        t = static_cast<wide>(a[i + 2]) * w + r[i + 2] + static_cast<limb>(t >> 64);
-        r[i + 2] = static_cast<limb>(t);
-        t = static_cast<wide>(a[i + 3]) * w + r[i + 3] + static_cast<limb>(t >> 64);
-        r[i + 3] = static_cast<limb>(t);
-        carry = static_cast<limb>(t >> 64);
-    }
-    for (; i < n; i++) {
+// The plain form of the three products; the fallback, and the tail of the unrolled form.
+inline limb addmul_plain(limb* r, const limb* a, int64_t n, limb w, limb carry) {
+    for (int64_t i = 0; i < n; i++) {
         wide t = static_cast<wide>(a[i]) * w + r[i] + carry;
         r[i] = static_cast<limb>(t);
         carry = static_cast<limb>(t >> 64);
@@ -28,8 +19,7 @@ limb limbs_addmul_1(limb* r, const limb* a, int64_t n, limb w) {
     return carry;
 }
 
-limb limbs_submul_1(limb* r, const limb* a, int64_t n, limb w) {
-    limb borrow = 0;
+inline limb submul_plain(limb* r, const limb* a, int64_t n, limb w, limb borrow) {
     for (int64_t i = 0; i < n; i++) {
         wide t = static_cast<wide>(a[i]) * w + borrow;
         auto low = static_cast<limb>(t);
@@ -39,14 +29,82 @@ limb limbs_submul_1(limb* r, const limb* a, int64_t n, limb w) {
     return borrow;
 }
 
-limb limbs_mul_1(limb* r, const limb* a, int64_t n, limb w) {
-    limb carry = 0;
+inline limb mul_plain(limb* r, const limb* a, int64_t n, limb w, limb carry) {
     for (int64_t i = 0; i < n; i++) {
         wide t = static_cast<wide>(a[i]) * w + carry;
         r[i] = static_cast<limb>(t);
         carry = static_cast<limb>(t >> 64);
     }
     return carry;
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// Processors with mulx, adcx and adox add on two carry chains at once, which no compiler makes of the plain
+// form: blocks of limbs in machine code, about twice as fast. H and L alternate as high word of one product and
+// carry into the next.
+bool two_carry_chains() {
+    unsigned a, b, c, d;
+    constexpr unsigned k_bmi2 = 1u << 8, k_adx = 1u << 19;
+    return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & k_bmi2) != 0 && (b & k_adx) != 0;
+}
+const bool fast_carries = two_carry_chains();
+
+#define MUL_STEP(at, in, out)                                                                                \
+    "mulx " #at "(%[a]), %[l], %[" out "]\n\tadcx %[" in "], %[l]\n\t"
+#define ADD_STEP(at, in, out) MUL_STEP(at, in, out) "adox " #at "(%[r]), %[l]\n\tmov %[l], " #at "(%[r])\n\t"
+// r - x is the complement of (complement of r) + x.
+#define SUB_STEP(at, in, out)                                                                                \
+    MUL_STEP(at, in, out)                                                                                    \
+    "mov " #at "(%[r]), %[t]\n\tnot %[t]\n\tadox %[t], %[l]\n\tnot %[l]\n\tmov %[l], " #at "(%[r])\n\t"
+#define PUT_STEP(at, in, out) MUL_STEP(at, in, out) "mov %[l], " #at "(%[r])\n\t"
+#define TWO(step, x, y) step(x, "c", "h") step(y, "h", "c")
+#define FOUR(step) TWO(step, 0, 8) TWO(step, 16, 24)
+#define EIGHT(step) FOUR(step) TWO(step, 32, 40) TWO(step, 48, 56)
+// The exclusive or clears both carries; the last two instructions fold them into the carry word.
+#define BLOCK(steps)                                                                                         \
+    asm volatile("xor %k[z], %k[z]\n\t" steps "adcx %[z], %[c]\n\tadox %[z], %[c]"                            \
+                 : [c] "+&r"(carry), [h] "=&r"(h), [l] "=&r"(l), [t] "=&r"(t), [z] "=&r"(z)                  \
+                 : [a] "r"(a), [r] "r"(r), "d"(w)                                                            \
+                 : "memory", "cc")
+#define UNROLLED(step, plain)                                                                                \
+    limb carry = 0, h, l, t, z;                                                                              \
+    for (; n >= 8; n -= 8, a += 8, r += 8) BLOCK(EIGHT(step));                                               \
+    if (n >= 4) {                                                                                            \
+        BLOCK(FOUR(step));                                                                                   \
+        n -= 4, a += 4, r += 4;                                                                              \
+    }                                                                                                        \
+    return plain(r, a, n, w, carry)
+
+limb addmul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(ADD_STEP, addmul_plain); }
+limb submul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(SUB_STEP, submul_plain); }
+limb mul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(PUT_STEP, mul_plain); }
+#undef UNROLLED
+#undef BLOCK
+#undef EIGHT
+#undef FOUR
+#undef TWO
+#undef PUT_STEP
+#undef SUB_STEP
+#undef ADD_STEP
+#undef MUL_STEP
+#else
+constexpr bool fast_carries = false;
+limb addmul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return addmul_plain(r, a, n, w, 0); }
+limb submul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return submul_plain(r, a, n, w, 0); }
+limb mul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return mul_plain(r, a, n, w, 0); }
+#endif
+}  // namespace
+
+limb limbs_addmul_1(limb* r, const limb* a, int64_t n, limb w) {
+    return fast_carries ? addmul_unrolled(r, a, n, w) : addmul_plain(r, a, n, w, 0);
+}
+
+limb limbs_submul_1(limb* r, const limb* a, int64_t n, limb w) {
+    return fast_carries ? submul_unrolled(r, a, n, w) : submul_plain(r, a, n, w, 0);
+}
+
+limb limbs_mul_1(limb* r, const limb* a, int64_t n, limb w) {
+    return fast_carries ? mul_unrolled(r, a, n, w) : mul_plain(r, a, n, w, 0);
 }
 
 limb limbs_add(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
