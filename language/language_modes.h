@@ -14,5 +14,20 @@ inline int32_t addresser = 1;  // array origin, 0 or 1                       wri
 inline boolean doing_sys_func = 0, in_sys_func = 0;
 inline boolean exit_flag = 0, leave_flag = 0, cycle_flag = 0;
 inline int32_t func_def_count = 0;  // depth of definitions being read
-inline int32_t nesting = 0;  // depth of the evaluators on the stack; bounded, so that deep input is an error
+
+/// A value that an evaluator holds while it reads on: the left operand of an operator, an argument. It stays
+/// where it lives; when a statement that runs meanwhile replaces or deletes it, the holder inherits it
+/// (free_value, own_value in language/symbols.h), so that nothing is copied before it has to be.
+struct held_operand {
+    quolyptr at;   // where the value is
+    quolyptr own;  // the holder's own slot; at == own: nothing to inherit
+    held_operand* below;
+};
+/// What the evaluators keep about the statement under way. The session copies it into the record of a level
+/// and puts it back after a jump: all zero at level 1.
+struct EvalState {
+    held_operand* held;  // innermost first; not nil: a value is half computed, the ring must not change
+    boolean bar_closes;  // between bars: "|" closes and is no remainder sign
+};
+inline EvalState eval_state = {};
 }  // namespace tolvex

@@ -7,4 +7,9 @@
 namespace tolvex {
 /// Runs the command whose "&" is the current token; *n: the value it leaves, nil: none. Reads on past it.
 void run_command(FILE* inf, quolyptr n, nameptr* flag);
+/// Prompts, writes `text` behind the prompt, and reads the first token of an answer at the terminal; tt_flag
+/// is 1 afterwards. The stream to read the rest from.
+FILE* open_answer(const char* text);
+/// Gives up the statement under way and goes back to the read loop of level 1, as a panic stop does.
+[[noreturn]] void return_to_top();
 }  // namespace tolvex

@@ -21,15 +21,27 @@ struct varnode {
 inline varptr var_garb = nullptr;
 inline varptr sca_store[k_variable_buckets] = {};
 
-/// *qp := location of the value, nil if there is no such variable. n: work location for the array-parameter
-/// case.
+/// *qp := location of the value, nil if there is no such variable. n: work location for names that stand for
+/// a value without a location of its own.
 void retrieve(tokentipe& name, quolyptr* qp, quolyptr n, FILE* inf, nameptr* flag);
+/// *n := a copy of the value, *qp := n. A missing name is error 19, then 0.
 void spec_retrieve(tokentipe& name, quolyptr n, quolyptr* qp);
 /// Creates or replaces; the value is used up; *p := the node.
 void insert_var(tokentipe& name, quoly value, varptr* p);
+/// *loc := nil; the old value is given back, or inherited by the innermost evaluator that holds it. Every
+/// replacement or deletion of a value that has a name goes through here.
+void free_value(quolyptr loc);
+/// To be called before *loc is changed in place: if an evaluator holds it, it inherits the old value and *loc
+/// becomes a copy.
+void own_value(quolyptr loc);
+/// The variable of that name, nil if there is none.
+varptr find_var(tokentipe& name);
+/// Unlinks the variable and gives it back with its value; false if there is none.
+bool delete_var(tokentipe& name);
 /// Calls f for the location of every stored value (variables, previous value): for changes of ring and of
 /// variables.
 void for_each_value(void (*f)(quolyptr value, void* context), void* context);
-/// The table is emptied; pools and roots are made known to the audit.
+/// The table is emptied, the bound of the process stack is found; pools and roots are made known to the
+/// audit.
 void init_symbols();
 }  // namespace tolvex

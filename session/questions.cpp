@@ -2,6 +2,7 @@
 
 #include "language/expre.h"
 #include "language/language_modes.h"
+#include "language/ports.h"
 #include "language/tokens/scanner.h"
 #include "numbers/num_compare.h"
 #include "numbers/ring_switch.h"
@@ -58,6 +59,14 @@ bool ask_number(const char* text, Err not_number, int32_t* answer) {
         return true;
     }
     return false;
+}
+
+FILE* open_answer(const char* text) {
+    do_prompts();
+    fputs(text, Output);
+    tt_flag = 1;
+    read_first_token();
+    return Input;
 }
 
 void ask_line(const char* text, char* line, int32_t size) {

@@ -41,6 +41,8 @@ int read_char(FILE* inf);
 bool at_end(FILE* inf);
 /// Reads and drops the rest of the line with its line feed.
 void drop_line(FILE* inf);
+/// The next token becomes the current one.
+inline void next_token(FILE* inf, nameptr* flag) { scanner(inf, &token, flag); }
 
 /// Allocates the history ring.
 void init_history();

@@ -1,0 +1,112 @@
+#include "language/builtin_args.h"
+
+#include "language/locations.h"
+#include "language/symbols.h"
+#include "numbers/num_assign.h"
+#include "numbers/residue.h"
+#include "poly/poly_vars.h"
+namespace tolvex {
+void open_call(BuiltinCall& call, Err missing) {
+    next_token(call.inf, call.flag);
+    expect(call.inf, call.flag, '(', missing);
+}
+
+void close_call(BuiltinCall& call) { expect(call.inf, call.flag, ')', Err::close_paren_expected); }
+
+bool next_argument(BuiltinCall& call) {
+    if (!at_char(',')) return false;
+    next_token(call.inf, call.flag);
+    return true;
+}
+
+void need_comma(BuiltinCall& call) { expect(call.inf, call.flag, ',', Err::builtin_comma); }
+
+void get_the_data(BuiltinCall& call, Value* v) {
+    if (!at_char('^')) {
+        read_expression(call.inf, v, call.flag);
+    } else {
+        next_token(call.inf, call.flag);
+        v->own = nullptr;
+        v->hold.own = &v->own;
+        get_quoly_ptr(&v->hold.at, call.inf, call.flag);
+        if (v->hold.at == nullptr || *v->hold.at == nullptr) {
+            quoly_set(0, &v->own);
+            v->hold.at = &v->own;
+        }
+    }
+    hold(v);
+}
+
+void drop_data(Value* v) {
+    let_go(v);
+    release(v);
+}
+
+void take_argument(BuiltinCall& call, Value* v) {
+    let_go(v);
+    take_value(v, call.n);
+}
+
+void standard_read(BuiltinCall& call, Value* v) {
+    open_call(call);
+    get_the_data(call, v);
+    close_call(call);
+}
+
+int32_t read_integer(BuiltinCall& call, Err not_a_number) {
+    return read_plain_word(call.inf, call.flag, not_a_number, true);
+}
+
+void read_result_place(BuiltinCall& call, ResultPlace* place) {
+    tok_set(place->name, "");
+    if (at_char('^')) next_token(call.inf, call.flag);
+    if (!is_lower(tok_char(token))) {
+        error(Err::by_reference_needed);
+        return;
+    }
+    if (number_polys > 0 && its_a_polyname(token) != 0) {
+        error(Err::polyvar_as_name);
+        return;
+    }
+    tokentipe name = token;
+    next_token(call.inf, call.flag);
+    if (at_char('['))
+        error(Err::undefined_array, tok_text(name));
+    else if (find_var(name) == nullptr)
+        error(Err::undefined_variable, tok_text(name));
+    else
+        place->name = name;
+}
+
+void set_quotient(ResultPlace* place, quolyptr value) {
+    if (tok_char(place->name) == 0) {
+        free_quoly(value);
+        return;
+    }
+    varptr p = nullptr;
+    insert_var(place->name, *value, &p);
+    *value = nullptr;
+}
+
+void return_word(BuiltinCall& call, int64_t value) {
+    free_quoly(call.n);
+    init_quoly_node(call.n);
+    if (modularmode) value = residue_of_int(value);
+    setvalue_any(value, (*call.n)->ncoef);
+}
+
+void return_poly(BuiltinCall& call, polyptrr p) {
+    free_quoly(call.n);
+    poly_to_quoly(p, call.n);
+}
+
+poly polynomial_of(const quolynode* q, polynode* leaf, Err fraction) {
+    if (q->numb) {
+        *leaf = {0, 1, nullptr, {q->ncoef}};
+        return leaf;
+    }
+    if (q->denom == nullptr) return q->numer;
+    error(fraction);
+    return nullptr;
+}
+}  // namespace tolvex

@@ -1,0 +1,513 @@
+// Built-in functions of polynomials and rational functions: shape, parts, gcd, divisibility, derivatives.
+#include "gcd/gcd_driver.h"
+#include "gcd/num_content.h"
+#include "language/builtin_table.h"
+#include "language/locations.h"
+#include "language/symbols.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/num_gcd.h"
+#include "numbers/ring_switch.h"
+#include "numbers/shape_num.h"
+#include "poly/div_trial.h"
+#include "poly/div_user.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "poly/poly_vars.h"
+#include "quoly/canonical.h"
+#include "quoly/quoly_deriv.h"
+#include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
+#include "quoly/quoly_scalar.h"
+#include "storage/progress.h"
+namespace tolvex {
+// ---- numerator and denominator -------------------------------------------------------------------------
+
+void builtin_Numer(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    take_argument(call, &v);
+    quoly q = *call.n;
+    if (q->numb) return;
+    free_poly(&q->denom);
+    q->rat = 0;
+    polynum_to_quoly(q);
+}
+
+void builtin_Denom(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    poly denom = nullptr;
+    const quolynode* q = value_of(&v);
+    if (q->numb || q->denom == nullptr)
+        poly_set(1, &denom);
+    else
+        poly_assign(q->denom, &denom);
+    drop_data(&v);
+    return_poly(call, &denom);
+}
+
+/// Killden(^x): the denominator of a variable is forgotten.
+void builtin_Killden(BuiltinCall& call) {
+    open_call(call);
+    if (at_char('^')) next_token(call.inf, call.flag);
+    quolyptr at = nullptr;
+    new_get_quoly_ptr(&at, call.inf, call.flag);
+    close_call(call);
+    if (at != nullptr && *at != nullptr && !(*at)->numb) {
+        own_value(at);
+        quoly q = *at;
+        free_poly(&q->denom);
+        q->rat = 0;
+        polynum_to_quoly(q);
+    }
+    quoly_set(0, call.n);
+}
+
+// ---- variables and shape -------------------------------------------------------------------------------
+
+/// The level of the polynomial variable that q is, 0 if it is none.
+static int32_t level_of_variable(const quolynode* q) {
+    if (q->numb || q->denom != nullptr) return 0;
+    const polynode* p = q->numer;
+    int32_t level = 1;
+    for (; p->exp == 0 && !p->numb && p->next == nullptr; p = p->pcoef) level++;
+    return p->exp == 1 && p->next == nullptr && poly_eq_1(p->pcoef) ? level : 0;
+}
+
+/// An argument that names a level: a variable, or its number, read with modular arithmetic suspended.
+static int32_t read_level(BuiltinCall& call, Err not_declared) {
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    Value v;
+    get_the_data(call, &v);
+    const quolynode* q = value_of(&v);
+    int32_t level = q->numb ? convert_to_int(q->ncoef) : level_of_variable(q);
+    drop_data(&v);
+    restore_modular(was_modular);
+    if (level >= 1 && level <= number_polys) return level;
+    error(not_declared);
+    return 0;
+}
+
+/// Var(k) or Var k: the polynomial variable of level k.
+void builtin_Var(BuiltinCall& call) {
+    next_token(call.inf, call.flag);
+    int32_t k = read_plain_word(call.inf, call.flag, Err::number_expected, false);
+    if (k < 1 || k > number_polys) {
+        error(Err::variable_number_range);
+        quoly_set(0, call.n);
+        return;
+    }
+    poly p = nullptr;
+    base_poly(&p, k);
+    return_poly(call, &p);
+}
+
+/// A count or measure of the numerator of the argument; `of_number` for numbers.
+static void measure(BuiltinCall& call, int64_t (*of_poly)(const polynode*), int64_t of_number) {
+    Value v;
+    standard_read(call, &v);
+    const quolynode* q = value_of(&v);
+    int64_t m = q->numb || q->rat ? of_number : of_poly(q->numer);
+    drop_data(&v);
+    return_word(call, m);
+}
+
+/// Levels that really occur on the deepest path.
+static int32_t levels_used(const polynode* p) {
+    bool pad = p->exp == 0 && !p->numb && p->next == nullptr;
+    int32_t deepest = 0;
+    if (is_number(p)) return 0;
+    for (; p != nullptr; p = p->next)
+        if (!p->numb) deepest = maxx(deepest, levels_used(p->pcoef));
+    return deepest + (pad ? 0 : 1);
+}
+
+void builtin_Height(BuiltinCall& call) {
+    measure(
+        call, [](const polynode* p) -> int64_t { return levels_used(p) - 1; }, 0);
+}
+
+void builtin_Level(BuiltinCall& call) {
+    measure(
+        call, [](const polynode* p) -> int64_t { return poly_level(p); }, 0);
+}
+
+void builtin_Vars(BuiltinCall& call) {
+    measure(
+        call, [](const polynode* p) -> int64_t { return driver_poly_vars(p); }, 0);
+}
+
+/// Terms of numerator and denominator.
+void builtin_Terms(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    const quolynode* q = value_of(&v);
+    int64_t terms = q->numb ? 1 : poly_terms(q->numer) + (q->denom == nullptr ? 0 : poly_terms(q->denom));
+    drop_data(&v);
+    return_word(call, terms);
+}
+
+/// Terms over the coefficient field, which is the ground ring here.
+void builtin_Fterms(BuiltinCall& call) { builtin_Terms(call); }
+
+// ---- degrees -------------------------------------------------------------------------------------------
+
+static const polynode* below_pads(const polynode* p) {
+    while (p->exp == 0 && !p->numb && p->next == nullptr) p = p->pcoef;
+    return p;
+}
+
+/// Largest or smallest exponent of the variable that lies `down` levels below the chain p.
+static int32_t extreme_degree(const polynode* p, int32_t down, bool largest) {
+    bool first = true;
+    int32_t best = 0;
+    for (; p != nullptr; p = p->next) {
+        int32_t e = p->exp;
+        if (down > 0) e = p->numb ? 0 : extreme_degree(p->pcoef, down - 1, largest);
+        if (first || (largest ? e > best : e < best)) best = e;
+        first = false;
+    }
+    return best;
+}
+
+static void degree_in_parentheses(BuiltinCall& call, bool largest) {
+    next_token(call.inf, call.flag);
+    Value v;
+    get_the_data(call, &v);
+    int32_t level = next_argument(call) ? read_level(call, Err::variable_argument) : 0;
+    close_call(call);
+    const quolynode* q = value_of(&v);
+    int32_t degree = 0;
+    if (!q->numb)
+        degree =
+            extreme_degree(level > 0 ? q->numer : below_pads(q->numer), level > 0 ? level - 1 : 0, largest);
+    drop_data(&v);
+    return_word(call, degree);
+}
+
+/// Deg and Codeg: (p), (^p), (p, x), or a bare name.
+void builtin_Deg(BuiltinCall& call) {
+    bool largest = call.id == 9;
+    next_token(call.inf, call.flag);
+    if (at_char('(')) {
+        degree_in_parentheses(call, largest);
+        return;
+    }
+    if (at_char('[')) {
+        next_token(call.inf, call.flag);
+        error(largest ? Err::undefined_array : Err::degree_form);
+        quoly_set(0, call.n);
+        return;
+    }
+    quolyptr at = nullptr;
+    get_quoly_ptr(&at, call.inf, call.flag);
+    int32_t degree = 0;
+    if (at != nullptr && *at != nullptr && !(*at)->numb)
+        degree = extreme_degree(below_pads((*at)->numer), 0, largest);
+    return_word(call, degree);
+}
+
+// ---- derivative ----------------------------------------------------------------------------------------
+
+/// Deriv(p, x, k): the k-th derivative, k = 1 if it is not given.
+void builtin_Deriv(BuiltinCall& call) {
+    open_call(call);
+    if (at_char('^')) error(Err::location_not_wanted);
+    Value v;
+    get_the_data(call, &v);
+    need_comma(call);
+    int32_t level = read_level(call, Err::variable_not_declared);
+    int32_t k = next_argument(call) ? read_integer(call) : 1;
+    close_call(call);
+    take_argument(call, &v);
+    if (k < 0) {
+        error(Err::negative_derivative);
+        return;
+    }
+    for (; k > 0 && level > 0 && !((*call.n)->numb && iszero((*call.n)->ncoef)); k--)
+        quoly_differentiate(call.n, level);
+}
+
+// ---- equality ------------------------------------------------------------------------------------------
+
+/// Equal: 1 or 0. Equals: 1, -1 for opposite values, 0.
+void builtin_Equal(BuiltinCall& call) {
+    open_call(call);
+    Value a, b;
+    get_the_data(call, &a);
+    need_comma(call);
+    get_the_data(call, &b);
+    close_call(call);
+    int32_t answer = 0;
+    if (quoly_equal(value_of(&a), value_of(&b)))
+        answer = 1;
+    else if (call.id == 18 && quoly_negtive(value_of(&a), value_of(&b)))
+        answer = -1;
+    drop_data(&b);
+    drop_data(&a);
+    return_word(call, answer);
+}
+
+// ---- divisibility --------------------------------------------------------------------------------------
+
+/// *quotient := b / a if a, which has no denominator, divides b.
+static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotient) {
+    polynode leaf_a, leaf_b;
+    poly divisor = polynomial_of(a, &leaf_a, Err::rational_divisor);
+    poly numer = b->numb ? polynomial_of(b, &leaf_b, Err::rational_divisor) : b->numer;
+    poly q = nullptr;
+    if (!trial_poly_divide(numer, divisor, &q, polynames, 0, 0, 0)) {
+        free_poly(&q);
+        return false;
+    }
+    newquoly(quotient);
+    (*quotient)->numer = q;
+    if (b->numb || b->denom == nullptr) {
+        polynum_to_quoly(*quotient);
+        return true;
+    }
+    poly_assign(b->denom, &(*quotient)->denom);
+    check_quoly(quotient, laurent);
+    return true;
+}
+
+/// The divisor of the functions below; at a pushed level a faulty one is replaced by 1.
+static void read_divisor(BuiltinCall& call, Value* a) {
+    get_the_data(call, a);
+    const quolynode* q = value_of(a);
+    bool fraction = !q->numb && q->denom != nullptr;
+    if (!fraction && !quoly_iszero(q)) return;
+    error(fraction ? Err::rational_divisor : Err::division_by_zero);
+    quoly_set(1, &a->own);
+    a->hold.at = &a->own;
+}
+
+/// Sdiv(a, ^b): b is replaced by the quotient if there is one.
+static void divide_in_place(BuiltinCall& call, Value* a) {
+    ResultPlace place;
+    read_result_place(call, &place);
+    close_call(call);
+    varptr p = tok_char(place.name) == 0 ? nullptr : find_var(place.name);
+    quoly quotient = nullptr;
+    bool yes = p != nullptr && divide_value(value_of(a), p->val, &quotient);
+    if (yes) set_quotient(&place, &quotient);
+    drop_data(a);
+    return_word(call, yes);
+}
+
+/// Divides(a, b, q), Odiv(a, b), Sdiv(a, ^b): 1 if a divides b.
+void builtin_Divides(BuiltinCall& call) {
+    open_call(call);
+    Value a;
+    read_divisor(call, &a);
+    need_comma(call);
+    if (call.id == 80) {
+        divide_in_place(call, &a);
+        return;
+    }
+    Value b;
+    get_the_data(call, &b);
+    ResultPlace place = {};
+    bool wanted = next_argument(call);
+    if (wanted) read_result_place(call, &place);
+    close_call(call);
+    quoly quotient = nullptr;
+    bool yes = divide_value(value_of(&a), value_of(&b), &quotient);
+    if (!yes) quoly_set(1, &quotient);
+    drop_data(&b);
+    drop_data(&a);
+    set_quotient(&place, &quotient);
+    return_word(call, yes);
+}
+
+/// r := a | b and q := a \ b together.
+static void remainder_and_quotient(const quolynode* a, const quolynode* b, quolyptr r, quolyptr q) {
+    if (a->numb && b->numb) {
+        init_quoly_node(r);
+        init_quoly_node(q);
+        mod_and_div(a->ncoef, b->ncoef, (*q)->ncoef, (*r)->ncoef);
+        return;
+    }
+    polynode leaf_a, leaf_b;
+    poly n = polynomial_of(a, &leaf_a, Err::rational_function_argument);
+    poly m = polynomial_of(b, &leaf_b, Err::rational_function_argument);
+    poly rem = nullptr, quot = nullptr;
+    if (n == nullptr || m == nullptr) {
+        poly_set(0, &rem);
+        poly_set(0, &quot);
+    } else {
+        poly_mod_and_div(n, m, &rem, &quot, polynames);
+    }
+    poly_to_quoly(&rem, r);
+    poly_to_quoly(&quot, q);
+}
+
+/// Remquot(a, b, q): the value is a | b, q takes the quotient.
+void builtin_Remquot(BuiltinCall& call) {
+    open_call(call);
+    Value a, b;
+    get_the_data(call, &a);
+    need_comma(call);
+    get_the_data(call, &b);
+    if (quoly_iszero(value_of(&b))) {
+        error(Err::division_by_zero);
+        quoly_set(1, &b.own);
+        b.hold.at = &b.own;
+    }
+    need_comma(call);
+    ResultPlace place;
+    read_result_place(call, &place);
+    close_call(call);
+    quoly quotient = nullptr;
+    remainder_and_quotient(value_of(&a), value_of(&b), call.n, &quotient);
+    drop_data(&b);
+    drop_data(&a);
+    set_quotient(&place, &quotient);
+}
+
+// ---- greatest common divisor ---------------------------------------------------------------------------
+
+/// The gcd of all numbers in p and g, in words.
+static int32_t gcd_of_words(const polynode* p, int32_t g) {
+    for (; p != nullptr && g != 1; p = p->next)
+        g = p->numb ? smallgcd(g, p->ncoef->lint) : gcd_of_words(p->pcoef, g);
+    return g;
+}
+
+/// *n := the gcd of the number x and the polynomial p. gcd(0, p) is p in normal form.
+static void gcd_number_poly(const number* x, poly p, quolyptr n) {
+    if (iszero(x)) {
+        poly normal = nullptr;
+        Lpolygcd2(p, p, &normal, polynames);
+        poly_to_quoly(&normal, n);
+        return;
+    }
+    quoly content = nullptr;
+    if (modularmode) {
+        quoly_set(finf ? 1 : smallgcd(gcd_of_words(p, x->lint), modulus), n);
+        return;
+    }
+    poly numbers = nullptr;
+    gcd_coefs(p, &numbers);
+    poly_to_quoly(&numbers, &content);
+    scalar_to_quoly(x, n);
+    gcdnum(n, &content);
+}
+
+/// Denominators play no part.
+static const number* number_in(const quolynode* q) {
+    if (q->numb) return q->ncoef;
+    return is_number(q->numer) ? q->numer->ncoef : nullptr;
+}
+
+static void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
+    const number *x = number_in(a), *y = number_in(b);
+    if (x != nullptr && y != nullptr) {
+        quoly second = nullptr;
+        scalar_to_quoly(x, n);
+        scalar_to_quoly(y, &second);
+        gcdnum(n, &second);
+    } else if (x != nullptr) {
+        gcd_number_poly(x, b->numer, n);
+    } else if (y != nullptr) {
+        gcd_number_poly(y, a->numer, n);
+    } else {
+        poly r = nullptr;
+        Lpolygcd2(a->numer, b->numer, &r, polynames);
+        poly_to_quoly(&r, n);
+    }
+}
+
+void builtin_GCD(BuiltinCall& call) {
+    open_call(call);
+    Value a, b;
+    get_the_data(call, &a);
+    need_comma(call);
+    get_the_data(call, &b);
+    close_call(call);
+    const quolynode *x = value_of(&a), *y = value_of(&b);
+    if (verbose && ((!x->numb && x->denom != nullptr) || (!y->numb && y->denom != nullptr)))
+        printf("Warning. An argument to GCD is a rational function. Denominators ignored. \n");
+    gcd_of_values(x, y, call.n);
+    drop_data(&b);
+    drop_data(&a);
+}
+
+/// Numcon: the numeric content.
+void builtin_Numcon(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    take_argument(call, &v);
+    quoly q = *call.n;
+    if (q->numb && (iszero(q->ncoef) || !lintmode)) {
+        quoly_abs(q);
+    } else if (q->numb) {
+        quoly_set(1, call.n);
+    } else if (q->rat) {
+        quoly_abs(q);
+    } else if (q->denom != nullptr) {
+        error(Err::rational_not_allowed);
+        set_zero(call.n);
+    } else {
+        poly content = nullptr;
+        gcd_coefs(q->numer, &content);
+        return_poly(call, &content);
+    }
+}
+
+// ---- levels --------------------------------------------------------------------------------------------
+
+static int32_t deepest_level(const polynode* p, int32_t level) {
+    int32_t deepest = is_number(p) ? 0 : level;
+    for (; p != nullptr; p = p->next)
+        if (!p->numb) deepest = maxx(deepest, deepest_level(p->pcoef, level + 1));
+    return deepest;
+}
+
+/// Every variable moves k levels deeper (k > 0) or towards level 1. False if there is no such level.
+static bool move_levels(polyptrr p, int32_t k) {
+    if (*p == nullptr || is_number(*p)) return true;
+    if (k > 0) {
+        if (deepest_level(*p, 1) + k > number_polys) return false;
+        add_pad(p, k);
+        return true;
+    }
+    if (poly_level(*p) + k < 1) return false;
+    for (; k < 0; k++) {
+        poly pad = *p;
+        *p = pad->pcoef;
+        free_node(pad);
+    }
+    return true;
+}
+
+/// Lower(e, k) and Raise(e, k); k = 1 if it is not given.
+void builtin_Lower(BuiltinCall& call) {
+    open_call(call);
+    Value v;
+    get_the_data(call, &v);
+    int32_t k = next_argument(call) ? read_integer(call) : 1;
+    close_call(call);
+    take_argument(call, &v);
+    quoly q = *call.n;
+    if (q->numb || k == 0) return;
+    if (k < -k_max_polys || k > k_max_polys) k = k_max_polys;
+    if (call.id == 69) k = -k;
+    poly numer = nullptr, denom = nullptr;
+    poly_assign(q->numer, &numer);
+    if (q->denom != nullptr) poly_assign(q->denom, &denom);
+    if (move_levels(&numer, k) && move_levels(&denom, k)) {
+        free_poly(&q->numer);
+        free_poly(&q->denom);
+        q->numer = numer;
+        q->denom = denom;
+        return;
+    }
+    free_poly(&numer);
+    free_poly(&denom);
+    error(Err::variable_argument);
+}
+}  // namespace tolvex

@@ -1,0 +1,105 @@
+#include "language/builtin_table.h"
+
+#include "language/ports.h"
+#include "numbers/data_files.h"
+
+#include <cstdio>
+#include <cstdlib>
+namespace tolvex {
+static int16_t sorted_rows[k_builtin_rows];  // ids in strcmp order of their names
+
+static int compare_rows(const void* a, const void* b) {
+    return strcmp(builtin[*static_cast<const int16_t*>(a)][0], builtin[*static_cast<const int16_t*>(b)][0]);
+}
+
+void init_builtins() {
+    for (int16_t id = 0; id < k_builtin_rows; id++) sorted_rows[id] = id;
+    qsort(sorted_rows, k_builtin_rows, sizeof sorted_rows[0], compare_rows);
+}
+
+int32_t builtin_id(const tokentipe& name) {
+    int32_t low = 0, high = k_builtin_rows - 1;
+    while (low <= high) {
+        int32_t middle = (low + high) / 2;
+        int order = strcmp(tok_text(name), builtin[sorted_rows[middle]][0]);
+        if (order == 0) return sorted_rows[middle];
+        if (order < 0)
+            high = middle - 1;
+        else
+            low = middle + 1;
+    }
+    return -1;
+}
+
+namespace {
+struct BuiltinRoutines {
+    BuiltinRoutine of[k_builtin_rows] = {};
+    // ORDER BUILTIN_IDS: the id is the row of the name in the message file
+    constexpr BuiltinRoutines() {
+        of[1] = builtin_Bin;
+        of[2] = of[62] = builtin_Char;
+        of[4] = of[9] = builtin_Deg;
+        of[5] = builtin_Coef;
+        of[10] = builtin_Denom;
+        of[11] = builtin_Deriv;
+        of[15] = of[60] = of[80] = builtin_Divides;
+        of[17] = of[18] = builtin_Equal;
+        of[22] = builtin_Ignore;
+        of[26] = builtin_GCD;
+        of[28] = builtin_Height;
+        of[31] = builtin_Isprime;
+        of[33] = builtin_Killden;
+        of[35] = builtin_Lcoef;
+        of[36] = builtin_Level;
+        of[37] = builtin_Lmon;
+        of[38] = builtin_Log;
+        of[39] = of[69] = builtin_Lower;
+        of[40] = builtin_Lterm;
+        of[43] = of[44] = builtin_Mcoef;
+        of[47] = builtin_Modmode;
+        of[48] = builtin_Modulus;
+        of[49] = builtin_Monless;
+        of[51] = builtin_Move;
+        of[23] = of[52] = builtin_Ncoef;
+        of[53] = builtin_Nmcoef;
+        of[55] = builtin_Ntcoef;
+        of[56] = builtin_Numb;
+        of[57] = builtin_Numcon;
+        of[58] = builtin_Numer;
+        of[59] = builtin_Numvars;
+        of[65] = builtin_Prime;
+        of[68] = of[70] = builtin_Rand;
+        of[71] = builtin_Rat;
+        of[72] = builtin_Rcoef;
+        of[74] = builtin_Remquot;
+        of[89] = builtin_Sqrt;
+        of[91] = builtin_Swap;
+        of[95] = builtin_Terms;
+        of[96] = builtin_Fterms;
+        of[97] = builtin_Time;
+        of[98] = builtin_Bell;
+        of[102] = builtin_True;
+        of[103] = builtin_Var;
+        of[104] = builtin_Vars;
+        of[105] = builtin_Zap;
+        of[106] = builtin_ZZ1;
+        of[108] = builtin_ZZ3;
+        of[109] = builtin_Zcoef;
+    }
+};
+constexpr BuiltinRoutines routines;
+}  // namespace
+
+bool builtin_function(FILE* inf, quolyptr n, nameptr* flag) {
+    int32_t id = builtin_id(token);
+    if (id < 0) return false;
+    BuiltinRoutine routine = routines.of[id];
+    if (routine == nullptr) {
+        printf("not implemented\n");
+        return_to_top();
+    }
+    BuiltinCall call = {inf, n, flag, id};
+    routine(call);
+    return true;
+}
+}  // namespace tolvex

@@ -1,0 +1,60 @@
+#pragma once
+/// language/evaluator.h: what the files of the evaluator share.
+///
+/// Purpose    the working form of a value under way: a private quoly, or the location of a variable's.
+/// Invariant  a Value on the list of held operands is whole: statements and command levels may run.
+#include "language/expre.h"
+#include "language/language_modes.h"
+#include "language/tokens/scanner.h"
+#include "quoly/quoly_basic.h"
+#include "storage/failure.h"
+namespace tolvex {
+/// True if the current token is the single character c.
+inline bool at_char(char c) { return token.name[0] == static_cast<unsigned char>(c) && token.name[1] == 0; }
+inline bool is_lower(unsigned char c) { return c >= 'a' && c <= 'z'; }
+inline bool is_upper(unsigned char c) { return c >= 'A' && c <= 'Z'; }
+inline bool is_digit(unsigned char c) { return c >= '0' && c <= '9'; }
+
+/// Reads over the character c, or reports that it is missing and goes on as if it were there.
+bool expect(FILE* inf, nameptr* flag, char c, Err missing);
+
+/// One operand: `at` is &own, or the location of a value that somebody else owns.
+struct Value {
+    held_operand hold;
+    quoly own;
+};
+/// An operand read by fact(); 0 if it has no value. The caller ends with release().
+void read_factor(FILE* inf, Value* v, nameptr* flag);
+/// The same by an expression in parentheses, brackets or commas: a plain "|" is the remainder sign in it.
+void read_expression(FILE* inf, Value* v, nameptr* flag);
+inline quoly value_of(const Value* v) { return *v->hold.at; }
+inline bool is_private(const Value* v) { return v->hold.at == v->hold.own; }
+/// Lets statements run: v is inherited if its variable is changed (language/language_modes.h).
+inline void hold(Value* v) {
+    v->hold.below = eval_state.held;
+    eval_state.held = &v->hold;
+}
+inline void let_go(Value* v) { eval_state.held = v->hold.below; }
+inline void release(Value* v) { free_quoly(&v->own); }
+/// *n := the value, moved if it is private, copied otherwise. v is released.
+void take_value(Value* v, quolyptr n);
+
+/// n := 0, whatever it was.
+inline void set_zero(quolyptr n) {
+    free_quoly(n);
+    quoly_set(0, n);
+}
+/// Words of n that were computed with modular arithmetic suspended become residues.
+void reduce_words(quolyptr n);
+/// A factor read with modular arithmetic suspended; it must be a number (else `code`, then 0). Its word is
+/// returned, k_no_word if it has none.
+int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expression);
+
+/// What a factor may begin with: *qp := the location or n. True if postfix signs may follow, false after a
+/// prefix sign, whose own factor has taken them.
+bool primary(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag);
+/// "^", "!", "#", then any number of derivative signs.
+void postfix(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag);
+/// Runs the built-in function whose name is the current token; false if there is none of that name.
+bool builtin_function(FILE* inf, quolyptr n, nameptr* flag);
+}  // namespace tolvex

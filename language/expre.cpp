@@ -1,0 +1,478 @@
+#include "language/expre.h"
+
+#include "language/evaluator.h"
+#include "language/stack_bound.h"
+#include "language/symbols.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/residue.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_add.h"
+#include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
+#include "storage/interrupt.h"
+#include "storage/scratch.h"
+namespace tolvex {
+// ---- operands ------------------------------------------------------------------------------------------
+
+bool expect(FILE* inf, nameptr* flag, char c, Err missing) {
+    if (at_char(c)) {
+        next_token(inf, flag);
+        return true;
+    }
+    error(missing);
+    return false;
+}
+
+/// The routines leave an empty location where an error was resumed: such a value is 0.
+static void make_whole(quolyptr* qp, quolyptr n) {
+    if (*qp != nullptr && **qp != nullptr) return;
+    *qp = n;
+    if (*n == nullptr) quoly_set(0, n);
+}
+
+void read_factor(FILE* inf, Value* v, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    v->own = nullptr;
+    v->hold.own = &v->own;
+    fact(inf, &v->hold.at, &v->own, &aux, &colpos, flag, 0);
+    make_whole(&v->hold.at, &v->own);
+}
+
+void take_value(Value* v, quolyptr n) {
+    if (is_private(v)) {
+        free_quoly(n);
+        *n = v->own;
+        v->own = nullptr;
+    } else {
+        quoly_assign(value_of(v), n);
+    }
+}
+
+// ---- products ------------------------------------------------------------------------------------------
+
+/// The operator that the current token stands for, 0 if the term ends here. A name or "(" is a product.
+static char multiplying_sign() {
+    unsigned char c = tok_char(token);
+    if (c == '*' || c == '/' || c == '\\' || c == '(') return static_cast<char>(c == '(' ? '1' : c);
+    if (c == '|') return eval_state.bar_closes ? 0 : '|';
+    if ((is_lower(c) && !tok_is(token, "or") && !tok_is(token, "and")) || is_upper(c)) return '1';
+    return 0;
+}
+
+/// n := left (sign) right, left being at *qp.
+static void combine(char sign, boolean nogcd, const Value* left, const Value* right, quolyptr n) {
+    quoly m = value_of(right);
+    bool in_place = is_private(left);
+    switch (sign) {
+    case '/':
+        if (in_place)
+            fast_quoly_quot(n, m, nogcd);
+        else
+            quoly_quot(value_of(left), m, n, nogcd);
+        break;
+    case '\\':
+    case '|':
+        quoly_mod_or_div(value_of(left), m, n, sign);
+        break;
+    default:
+        if (in_place)
+            fast_quoly_mult(n, m);
+        else
+            quoly_mult(value_of(left), m, n);
+    }
+}
+
+/// One operator and its right operand. A bare variable on either side is read where it lives.
+static void multiply_once(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag, char sign) {
+    boolean nogcd = 0;
+    if (sign != '1') next_token(inf, flag);
+    if (sign == '/' && at_char('/')) {
+        nogcd = 1;
+        next_token(inf, flag);
+    }
+    if (sign != '1' && at_char('/')) error(Err::slash_after_operator);
+    make_whole(qp, n);
+    Value left;
+    left.hold = {*qp, n, nullptr};
+    hold(&left);
+    poll_interrupt();
+    Value right;
+    read_factor(inf, &right, flag);
+    hold(&right);
+    combine(sign, nogcd, &left, &right, n);
+    let_go(&right);
+    let_go(&left);
+    release(&right);
+    *qp = n;
+}
+
+void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
+    fact(inf, qp, n, aux, colpos, flag, 0);
+    for (char sign = multiplying_sign(); sign != 0; sign = multiplying_sign())
+        multiply_once(inf, qp, n, flag, sign);
+}
+
+// ---- sums ----------------------------------------------------------------------------------------------
+
+// A long sum of polynomials is added up like a binary counter: place k holds the sum of 2^k terms, so that a
+// sum of n terms costs n log n steps and not n^2.
+static constexpr int32_t k_counter_places = 40;
+static constexpr int32_t k_plain_terms = 16;  // terms added one by one before the counter is worth its while
+
+static bool is_plain_polynomial(const quolynode* q) { return !q->numb && q->denom == nullptr; }
+
+struct SumCounter {
+    quoly place[k_counter_places];
+};
+
+static void count_in(SumCounter* sum, quoly carry) {
+    int32_t k = 0;
+    for (; k < k_counter_places - 1 && sum->place[k] != nullptr; k++) {
+        best_quoly_add(&sum->place[k], carry);
+        carry = sum->place[k];
+        sum->place[k] = nullptr;
+    }
+    if (sum->place[k] != nullptr)
+        best_quoly_add(&sum->place[k], carry);
+    else
+        sum->place[k] = carry;
+}
+
+static void count_out(SumCounter* sum, quolyptr n) {
+    for (quoly& place : sum->place) {
+        if (place == nullptr) continue;
+        quoly part = place;
+        place = nullptr;
+        if (is_plain_polynomial(part) && is_plain_polynomial(*n)) {
+            best_quoly_add(&part, *n);
+            *n = part;
+        } else {
+            best_quoly_add(n, part);
+        }
+    }
+}
+
+/// n := left + or - right; both are operands of the present sum.
+static void add_once(bool minus, const Value* left, Value* right, quolyptr n) {
+    quoly m = value_of(right);
+    if (is_private(left)) {
+        if (is_private(right)) {
+            right->own = nullptr;
+            minus ? best_quoly_sub(n, m) : best_quoly_add(n, m);
+        } else {
+            minus ? fast_quoly_sub(n, m) : fast_quoly_add(n, m);
+        }
+    } else if (minus) {
+        quoly_sub(value_of(left), m, n);
+    } else {
+        quoly_add(value_of(left), m, n);
+    }
+}
+
+/// The operand after "+" or "-".
+static void read_term(FILE* inf, Value* v, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    v->own = nullptr;
+    v->hold.own = &v->own;
+    term(inf, &v->hold.at, &v->own, &aux, &colpos, flag);
+    make_whole(&v->hold.at, &v->own);
+}
+
+static void add_next_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    bool minus = at_char('-');
+    next_token(inf, flag);
+    make_whole(qp, n);
+    Value left;
+    left.hold = {*qp, n, nullptr};
+    hold(&left);
+    poll_interrupt();
+    Value right;
+    read_term(inf, &right, flag);
+    hold(&right);
+    add_once(minus, &left, &right, n);
+    let_go(&right);
+    let_go(&left);
+    release(&right);
+    *qp = n;
+}
+
+static bool at_sum_sign() { return at_char('+') || at_char('-'); }
+
+/// The rest of a sum that has become long: polynomials go to the counter, everything else to *n at once.
+[[gnu::noinline]] static void long_sum(FILE* inf, quolyptr n, nameptr* flag) {
+    ScratchMark mark = scratch_mark();
+    auto* sum = scratch_array<SumCounter>(1);
+    *sum = {};
+    held_operand here = {n, n, eval_state.held};
+    eval_state.held = &here;
+    while (at_sum_sign()) {
+        bool minus = at_char('-');
+        next_token(inf, flag);
+        poll_interrupt();
+        Value right;
+        read_term(inf, &right, flag);
+        if (is_private(&right) && is_plain_polynomial(right.own) && is_plain_polynomial(*n)) {
+            if (minus) quoly_inplace(right.own);
+            count_in(sum, right.own);
+            continue;
+        }
+        Value left;
+        left.hold = {n, n, nullptr};
+        hold(&right);
+        add_once(minus, &left, &right, n);
+        let_go(&right);
+        release(&right);
+    }
+    count_out(sum, n);
+    eval_state.held = here.below;
+    scratch_release(mark);
+}
+
+/// The loop over "+" and "-" after the first term.
+static void rest_of_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    for (int32_t i = 0; at_sum_sign(); i++) {
+        if (i >= k_plain_terms && is_plain_polynomial(*n)) {
+            long_sum(inf, n, flag);
+            return;
+        }
+        add_next_term(inf, qp, n, flag);
+    }
+}
+
+// ---- plain values --------------------------------------------------------------------------------------
+
+/// *n := a copy of *qp unless the value is there already.
+static void own_result(quolyptr qp, quolyptr n) {
+    make_whole(&qp, n);
+    if (qp != n) quoly_assign(*qp, n);
+}
+
+void old_fact(FILE* inf, quolyptr n, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    quolyptr qp = n;
+    fact(inf, &qp, n, &aux, &colpos, flag, 0);
+    own_result(qp, n);
+}
+
+void old_term(FILE* inf, quolyptr n, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    quolyptr qp = n;
+    term(inf, &qp, n, &aux, &colpos, flag);
+    own_result(qp, n);
+}
+
+/// The value of an expression where it lives: no assignment is read.
+static void plain_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    term(inf, qp, n, &aux, &colpos, flag);
+    rest_of_sum(inf, qp, n, flag);
+}
+
+void old_expre(FILE* inf, quolyptr n, nameptr* flag) {
+    quolyptr qp = n;
+    plain_sum(inf, &qp, n, flag);
+    own_result(qp, n);
+}
+
+void read_expression(FILE* inf, Value* v, nameptr* flag) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    v->own = nullptr;
+    v->hold.own = v->hold.at = &v->own;
+    plain_sum(inf, &v->hold.at, &v->own, flag);
+    make_whole(&v->hold.at, &v->own);
+    eval_state.bar_closes = saved;
+}
+
+// ---- assignment ----------------------------------------------------------------------------------------
+
+/// The word that an increment shows: the residue, the word, or the least significant digit.
+static int32_t low_word(const number* x) { return lintmode ? x->lint : x->tail->value; }
+
+/// x := x + step in place, touching the least significant digit only. False, and nothing changed, if that
+/// digit would overflow or take the other sign.
+static bool add_to_im(imptr x, int32_t step) {
+    if (modularmode) {
+        x->lint = mod_add(x->lint, residue_of_int(step), modulus);
+        return true;
+    }
+    if (lintmode) {
+        x->lint = static_cast<int32_t>(static_cast<uint32_t>(x->lint) + static_cast<uint32_t>(step));
+        return true;
+    }
+    int32_t digit = x->tail->value + step;  // both below 2^28 in magnitude
+    if (digit > k_max_digit || digit < -k_max_digit) return false;
+    if (x->size > 1 && digit != 0 && (digit < 0) != (x->head->value < 0)) return false;
+    x->tail->value = digit;
+    return true;
+}
+
+/// The number in the polynomial that stands alone, nil if there is none.
+static imptr constant_term(const polynode* p) {
+    while (p != nullptr) {
+        if (p->exp != 0)
+            p = p->next;
+        else if (p->numb)
+            return p->ncoef;
+        else
+            p = p->pcoef;
+    }
+    return nullptr;
+}
+
+/// A polynomial target: its constant term is changed where it stands; one that comes or goes is added.
+static bool do_poly(quolyptr target, int32_t step, int32_t* shown) {
+    imptr constant = constant_term((*target)->numer);
+    if (constant != nullptr) {
+        if (!add_to_im(constant, step)) return false;
+        *shown = low_word(constant);
+        if (!iszero(constant)) return true;
+        add_to_im(constant, -step);  // a zero term has no place in the chain
+    }
+    quoly addend = nullptr;
+    quoly_set(0, &addend);
+    add_to_im(addend->ncoef, step);
+    *shown = constant != nullptr ? 0 : low_word(addend->ncoef);
+    best_quoly_add(target, addend);
+    return true;
+}
+
+/// The operand of ":+" and ":-": 1, or a factor whose number has one digit.
+static int32_t read_step(FILE* inf, nameptr* flag) {
+    unsigned char c = tok_char(token);
+    if (!is_lower(c) && !is_digit(c) && c != '(') return 1;
+    Value v;
+    read_factor(inf, &v, flag);
+    const quolynode* q = value_of(&v);
+    int32_t step = 0;
+    if (!q->numb)
+        error(Err::increment_not_number);
+    else if (!lintmode && q->ncoef->size > 1)
+        error(Err::increment_too_long);
+    else
+        step = low_word(q->ncoef);
+    release(&v);
+    return step;
+}
+
+/// The location of the variable, created with the value 0 if it has gone meanwhile.
+static quolyptr target_again(tokentipe& name) {
+    varptr p = find_var(name);
+    if (p == nullptr || p->val == nullptr) {
+        quoly zero = nullptr;
+        quoly_set(0, &zero);
+        insert_var(name, zero, &p);
+    }
+    return &p->val;
+}
+
+static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr* flag) {
+    bool minus = at_char('-');
+    next_token(inf, flag);
+    int32_t step = read_step(inf, flag);
+    if (minus) step = static_cast<int32_t>(0u - static_cast<uint32_t>(step));
+    quolyptr target = target_again(name);
+    own_value(target);
+    int32_t shown = 0;
+    bool done = false;
+    if ((*target)->numb) {
+        done = add_to_im((*target)->ncoef, step);
+        shown = low_word((*target)->ncoef);
+    } else if ((*target)->denom != nullptr) {
+        error(Err::rational_not_allowed);
+        done = true;
+    } else {
+        done = do_poly(target, step, &shown);
+    }
+    if (!done) error(Err::increment_range);
+    quoly_set(0, n);
+    setvalue(shown, (*n)->ncoef);
+    *qp = n;
+}
+
+static void assign(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr* flag) {
+    next_token(inf, flag);
+    old_expre(inf, n, flag);
+    varptr p = nullptr;
+    insert_var(name, *n, &p);
+    *n = nullptr;
+    if (*flag == nullptr)
+        quoly_assign(p->val, n);  // for display
+    else
+        quoly_set(0, n);  // the statements of a body need no copies
+    *qp = n;
+}
+
+/// What follows the ":" after the single term at *qp, which is a variable of that name if *n is nil.
+[[gnu::noinline]] static void after_colon(FILE* inf, quolyptr* qp, quolyptr n, tokentipe name,
+                                          nameptr* flag) {
+    next_token(inf, flag);
+    bool assignable = *n == nullptr && *qp != n && is_lower(tok_char(name));
+    if (at_char('=') || at_char('+') || at_char('-')) {
+        if (!assignable)
+            error(Err::assignment_left_value);
+        else if (at_char('='))
+            assign(inf, qp, n, name, flag);
+        else
+            increment(inf, qp, n, name, flag);
+        return;
+    }
+    if (at_char(';') && *flag == nullptr)
+        tok_set(token, ":");  // "x:;" is the value without display
+    else
+        error(Err::assignment_form);
+}
+
+void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
+    tokentipe name = token;
+    term(inf, qp, n, aux, colpos, flag);
+    if (at_char(':'))
+        after_colon(inf, qp, n, name, flag);
+    else
+        rest_of_sum(inf, qp, n, flag);
+}
+
+// ---- factors -------------------------------------------------------------------------------------------
+
+/// "*x": the value leaves the variable, which is left at 1.
+static void move_out(quolyptr* qp, quolyptr n) {
+    own_value(*qp);
+    *n = **qp;
+    **qp = nullptr;
+    quoly_set(1, *qp);
+    *qp = n;
+}
+
+/// True if a "*" in front of a variable's name was read.
+static bool read_move_sign(FILE* inf, nameptr* flag) {
+    if (!at_char('*')) return false;
+    next_token(inf, flag);
+    if (is_lower(tok_char(token))) return true;
+    error(Err::move_needs_variable);
+    return false;
+}
+
+void fact(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t*, nameptr* flag, boolean) {
+    free_quoly(n);
+    *aux = nullptr;
+    *qp = n;
+    if (stack_is_low()) {
+        error(Err::nested_too_deeply);
+        return;
+    }
+    bool moving = read_move_sign(inf, flag);
+    if (moving && number_polys > 0 && its_a_polyname(token) != 0) {
+        error(Err::move_of_polyvar);
+        moving = false;
+    }
+    bool open = primary(inf, qp, n, flag);
+    if (moving && *qp != n && *qp != nullptr && **qp != nullptr) move_out(qp, n);
+    if (open) postfix(inf, qp, n, flag);
+}
+}  // namespace tolvex

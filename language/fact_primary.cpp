@@ -1,0 +1,265 @@
+#include "language/evaluator.h"
+#include "language/locations.h"
+#include "language/parse.h"
+#include "language/symbols.h"
+#include "numbers/decimal_io.h"
+#include "numbers/num_assign.h"
+#include "numbers/residue.h"
+#include "numbers/ring_switch.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_vars.h"
+#include "quoly/canonical.h"
+#include "quoly/quoly_add.h"
+#include "quoly/quoly_quot.h"
+
+#include <cstdio>
+namespace tolvex {
+namespace {
+/// What a primary works on: the stream, the cursor, where the value goes and where it is found.
+struct Reader {
+    FILE* inf;
+    quolyptr n;
+    nameptr* flag;
+    quolyptr at;  // n, or the location of a variable; nil: none
+};
+
+// ---- names and numbers ---------------------------------------------------------------------------------
+
+void polynomial_variable(Reader& r, int32_t level) {
+    poly p = nullptr;
+    base_poly(&p, level);
+    poly_to_quoly(&p, r.n);
+    next_token(r.inf, r.flag);
+}
+
+/// A name that no table knows. In front of ":" it becomes a variable with the value 0.
+void unknown_name(Reader& r, tokentipe& name) {
+    quoly zero = nullptr;
+    quoly_set(0, &zero);
+    if (at_char(':')) {
+        varptr p = nullptr;
+        insert_var(name, zero, &p);
+        r.at = &p->val;
+        return;
+    }
+    *r.n = zero;
+    r.at = r.n;
+    if (tok_is(name, "quit"))
+        fputs(" The quit command is &q.\n", stdout);
+    else
+        error(Err::undefined_variable, tok_text(name));
+}
+
+bool read_name(Reader& r) {
+    int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
+    if (level != 0) {
+        polynomial_variable(r, level);
+        return true;
+    }
+    tokentipe name = token;
+    next_token(r.inf, r.flag);
+    if (at_char('[')) {
+        error(Err::undefined_array, tok_text(name));
+        return true;
+    }
+    retrieve(name, &r.at, r.n, r.inf, r.flag);
+    if (r.at == nullptr) unknown_name(r, name);
+    return true;
+}
+
+bool read_number(Reader& r) {
+    int32_t digits = 0;
+    init_quoly_node(r.n);
+    new_readin(r.inf, (*r.n)->ncoef, r.flag, &digits);
+    if (at_char('.')) {
+        quoly fraction = nullptr;
+        get_decimal_part(&fraction, r.inf, r.flag);
+        best_quoly_add(r.n, fraction);
+    }
+    return true;
+}
+
+bool read_fraction(Reader& r) {
+    get_decimal_part(r.n, r.inf, r.flag);
+    return true;
+}
+
+bool read_function(Reader& r) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    if (!builtin_function(r.inf, r.n, r.flag)) error(Err::unknown_function);
+    eval_state.bar_closes = saved;
+    return true;
+}
+
+/// 'c': the code of the character.
+bool read_character(Reader& r) {
+    boolean eoln = 0;
+    dumbscanner(r.inf, &token, r.flag, &eoln);
+    if (*r.flag == nullptr && tok_char(token) == ';' && at_end(r.inf)) error(Err::end_of_file_inside);
+    int32_t code = eoln ? '\n' : tok_char(token);
+    quoly_set(modularmode ? residue_of_int(code) : code, r.n);
+    next_token(r.inf, r.flag);
+    expect(r.inf, r.flag, '\'', Err::unterminated_character);
+    return true;
+}
+
+// ---- signs ---------------------------------------------------------------------------------------------
+
+bool read_parenthesis(Reader& r) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    next_token(r.inf, r.flag);
+    old_expre(r.inf, r.n, r.flag);
+    expect(r.inf, r.flag, ')', Err::close_paren_expected);
+    eval_state.bar_closes = saved;
+    return true;
+}
+
+bool read_minus(Reader& r) {
+    next_token(r.inf, r.flag);
+    Value v;
+    read_factor(r.inf, &v, r.flag);
+    if (is_private(&v)) {
+        quoly_inplace(v.own);
+        take_value(&v, r.n);
+    } else {
+        quoly_makeneg(value_of(&v), r.n);
+    }
+    return false;
+}
+
+bool read_integer_part(Reader& r) {
+    next_token(r.inf, r.flag);
+    old_fact(r.inf, r.n, r.flag);
+    quoly_great_int(r.n);
+    return false;
+}
+
+bool read_absolute_value(Reader& r) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 1;
+    next_token(r.inf, r.flag);
+    old_expre(r.inf, r.n, r.flag);
+    quoly_abs(*r.n);
+    eval_state.bar_closes = saved;
+    expect(r.inf, r.flag, '|', Err::close_bar_expected);
+    return true;
+}
+
+/// "_x": a factor computed with ordinary integers in the middle of modular arithmetic.
+bool read_suspended(Reader& r) {
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    next_token(r.inf, r.flag);
+    old_fact(r.inf, r.n, r.flag);
+    restore_modular(was_modular);
+    if (was_modular) reduce_words(r.n);
+    return false;
+}
+
+/// A statement as a factor.
+bool read_statement(Reader& r) {
+    parse(r.inf, r.n, r.flag);
+    if (*r.n == nullptr) quoly_set(0, r.n);
+    return true;
+}
+
+/// "<": the value of the previous statement; "<[" the system array, "<F" the stored control statement.
+bool read_previous(Reader& r) {
+    next_token(r.inf, r.flag);
+    if (at_char('['))
+        error(Err::system_array_undefined);
+    else if (tok_is(token, "F"))
+        error(Err::no_stored_statement);
+    else if (prevnum != nullptr)
+        r.at = &prevnum;
+    return true;
+}
+
+bool read_array_of_arrays(Reader&) {
+    error(Err::array_of_arrays_empty);
+    return true;
+}
+
+bool no_factor(Reader&) {
+    error(Err::bad_factor);
+    return true;
+}
+
+// ---- the table by first character ----------------------------------------------------------------------
+
+struct PrimaryTable {
+    bool (*of[256])(Reader&) = {};
+    constexpr PrimaryTable() {
+        for (auto& f : of) f = no_factor;
+        for (int c = 'a'; c <= 'z'; c++) of[c] = read_name;
+        for (int c = 'A'; c <= 'Z'; c++) of[c] = read_function;
+        for (int c = '0'; c <= '9'; c++) of[c] = read_number;
+        of['!'] = of['&'] = of['?'] = of['@'] = read_statement;
+        of['.'] = read_fraction;
+        of['\''] = read_character;
+        of['('] = read_parenthesis;
+        of['-'] = read_minus;
+        of['$'] = read_integer_part;
+        of['|'] = read_absolute_value;
+        of['_'] = read_suspended;
+        of['<'] = read_previous;
+        of['%'] = read_array_of_arrays;
+    }
+};
+constexpr PrimaryTable primaries;
+
+// ---- words as residues ---------------------------------------------------------------------------------
+
+void reduce_poly_words(polyptrr p) {
+    polyptrr link = p;
+    while (*link != nullptr) {
+        poly t = *link;
+        bool gone = false;
+        if (t->numb) {
+            t->ncoef->lint = residue_of_int(t->ncoef->lint);
+            gone = t->ncoef->lint == 0;
+        } else {
+            reduce_poly_words(&t->pcoef);
+            gone = is_number(t->pcoef) && t->pcoef->ncoef->lint == 0;
+        }
+        if (!gone) {
+            link = &t->next;
+            continue;
+        }
+        *link = t->next;
+        t->next = nullptr;
+        free_poly(&t);
+    }
+    fix_top(p);
+}
+}  // namespace
+
+void reduce_words(quolyptr n) {
+    quoly q = *n;
+    if (q->numb) {
+        q->ncoef->lint = residue_of_int(q->ncoef->lint);
+        return;
+    }
+    reduce_poly_words(&q->numer);
+    if (q->denom == nullptr) {
+        polynum_to_quoly(q);
+        return;
+    }
+    reduce_poly_words(&q->denom);
+    if (is_number(q->denom) && q->denom->ncoef->lint == 0) {
+        error(Err::division_by_zero);
+        set_zero(n);
+        return;
+    }
+    check_quoly(n, laurent);
+}
+
+bool primary(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    Reader r = {inf, n, flag, n};
+    bool open = primaries.of[tok_char(token)](r);
+    *qp = r.at;
+    return open;
+}
+}  // namespace tolvex

@@ -1,0 +1,75 @@
+#include "language/locations.h"
+
+#include "language/evaluator.h"
+#include "language/symbols.h"
+#include "numbers/decimal_io.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_mult.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_quot.h"
+namespace tolvex {
+/// The variable whose name is the current token.
+static void named_location(quolyptr* qp, FILE* inf, nameptr* flag) {
+    *qp = nullptr;
+    if (number_polys > 0 && its_a_polyname(token) != 0) {
+        error(Err::polyvar_as_name);
+        return;
+    }
+    tokentipe name = token;
+    next_token(inf, flag);
+    if (at_char('[')) {
+        error(Err::undefined_array, tok_text(name));
+        return;
+    }
+    retrieve(name, qp, nullptr, inf, flag);
+    if (*qp == nullptr) error(Err::undefined_variable, tok_text(name));
+}
+
+void get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag) {
+    *qp = nullptr;
+    if (is_lower(tok_char(token))) {
+        named_location(qp, inf, flag);
+    } else if (at_char('<')) {
+        next_token(inf, flag);
+        if (at_char('['))
+            error(Err::system_array_undefined);
+        else
+            *qp = &prevnum;
+    } else if (at_char('%')) {
+        error(Err::array_of_arrays_empty);
+    } else {
+        error(Err::by_reference_needed);
+    }
+}
+
+void new_get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag) {
+    *qp = nullptr;
+    if (is_lower(tok_char(token)))
+        named_location(qp, inf, flag);
+    else
+        error(Err::by_reference_needed);
+}
+
+void get_decimal_part(quolyptr n, FILE* inf, nameptr* flag) {
+    if (lintmode) {
+        error(Err::not_in_word_mode);
+        quoly_set(0, n);
+        return;
+    }
+    next_token(inf, flag);
+    if (!is_digit(tok_char(token))) {
+        error(Err::no_digit_after_point);
+        quoly_set(0, n);
+        return;
+    }
+    int32_t digits = 0;
+    init_quoly_node(n);
+    new_readin(inf, (*n)->ncoef, flag, &digits);
+    quoly power = nullptr;
+    init_quoly_node(&power);
+    num_assign(&number_10, power->ncoef);
+    number_power(power->ncoef, digits);
+    fast_quoly_quot(n, power, 0);
+    free_quoly(&power);
+}
+}  // namespace tolvex

@@ -1,0 +1,65 @@
+#include "language/parse.h"
+
+#include "language/evaluator.h"
+#include "language/ports.h"
+#include "language/rubout.h"
+#include "language/write_out.h"
+namespace tolvex {
+// ---- one routine a kind of statement -------------------------------------------------------------------
+
+static void empty_statement(FILE*, quolyptr, nameptr*) { tok_set(token, "@"); }
+
+static void command_statement(FILE* inf, quolyptr n, nameptr* flag) { run_command(inf, n, flag); }
+
+static void delete_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    rubout(inf, flag);
+    quoly_set(0, n);
+}
+
+/// "[": there is no array yet that could be meant.
+static void array_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    next_token(inf, flag);
+    error(is_lower(tok_char(token)) ? Err::undefined_array : Err::array_expected);
+    quoly_set(0, n);
+}
+
+/// An expression or an assignment. A value that lives in a variable is copied, since it becomes the previous
+/// value.
+static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    colm_ptrptr aux = nullptr;
+    int32_t colpos = 0;
+    quolyptr qp = n;
+    expre(inf, &qp, n, &aux, &colpos, flag);
+    if (qp != n && qp != nullptr && *qp != nullptr)
+        quoly_assign(*qp, n);
+    else if (*n == nullptr)
+        quoly_set(0, n);
+}
+
+using StatementReader = void (*)(FILE* inf, quolyptr n, nameptr* flag);
+
+struct StatementTable {
+    StatementReader of[256] = {};
+    constexpr StatementTable() {
+        for (auto& f : of) f = value_statement;
+        of[';'] = empty_statement;
+        of['&'] = command_statement;
+        of['!'] = write_out;
+        of['?'] = read_in;
+        of['@'] = delete_statement;
+        of['['] = of['"'] = of['~'] = array_statement;
+    }
+};
+static constexpr StatementTable statements;
+
+void parse(FILE* inf, quolyptr n, nameptr* flag) { statements.of[tok_char(token)](inf, n, flag); }
+
+// A statement between the bars of an outer one is a world of its own; what the outer one holds stays held.
+void run_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    free_quoly(n);
+    parse(inf, n, flag);
+    eval_state.bar_closes = saved;
+}
+}  // namespace tolvex

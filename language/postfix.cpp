@@ -1,0 +1,82 @@
+#include "language/evaluator.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_mult.h"
+#include "numbers/ring_switch.h"
+#include "numbers/shape_num.h"
+#include "quoly/quoly_deriv.h"
+#include "quoly/quoly_mult.h"
+namespace tolvex {
+/// *n := the value at *qp as one that may be changed.
+static void make_private(quolyptr* qp, quolyptr n) {
+    if (*qp == n && *n != nullptr) return;
+    if (*qp != nullptr && **qp != nullptr)
+        quoly_assign(**qp, n);
+    else if (*n == nullptr)
+        quoly_set(0, n);
+    *qp = n;
+}
+
+void get_exponent(FILE* inf, nameptr* flag, imptr m, boolean one_factor) {
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    Value v;
+    one_factor ? read_factor(inf, &v, flag) : read_expression(inf, &v, flag);
+    if (value_of(&v)->numb) {
+        num_assign(value_of(&v)->ncoef, m);
+    } else {
+        error(Err::exponent_not_number, "^");
+        setvalue(1, m);
+    }
+    release(&v);
+    restore_modular(was_modular);
+}
+
+int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expression) {
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    Value v;
+    whole_expression ? read_expression(inf, &v, flag) : read_factor(inf, &v, flag);
+    int32_t word = 0;
+    if (value_of(&v)->numb)
+        word = convert_to_int(value_of(&v)->ncoef);
+    else
+        error(code);
+    release(&v);
+    restore_modular(was_modular);
+    return word;
+}
+
+static void apply_power(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    next_token(inf, flag);
+    Value base;
+    make_private(qp, n);
+    base.hold = {n, n, nullptr};
+    hold(&base);
+    number exponent = {};
+    get_exponent(inf, flag, &exponent, 1);
+    let_go(&base);
+    raise_to_power(n, &exponent);
+    free_num(&exponent);
+}
+
+static void apply_factorial(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    make_private(qp, n);
+    next_token(inf, flag);
+    if ((*n)->numb)
+        factorial((*n)->ncoef);
+    else
+        error(Err::factorial_of_non_number, "!");
+}
+
+void postfix(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    if (at_char('^'))
+        apply_power(inf, qp, n, flag);
+    else if (at_char('!'))
+        apply_factorial(inf, qp, n, flag);
+    while (at_char('"')) {
+        make_private(qp, n);
+        quoly_differentiate(n, 1);
+        next_token(inf, flag);
+    }
+}
+}  // namespace tolvex

@@ -1,0 +1,126 @@
+#include "language/symbols.h"
+
+#include "language/builtin_table.h"
+#include "language/language_modes.h"
+#include "language/stack_bound.h"
+#include "quoly/quoly_audit.h"
+#include "quoly/quoly_basic.h"
+#include "storage/audit.h"
+#include "storage/failure.h"
+namespace tolvex {
+static inline varptr* bucket_of(tokentipe& name) {
+    if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
+    return &sca_store[name.address];
+}
+
+/// The link that points to the variable of that name; it points to nil if there is none.
+static varptr* link_of(tokentipe& name) {
+    varptr* link = bucket_of(name);
+    while (*link != nullptr && strcmp(tok_text((*link)->let), tok_text(name)) != 0) link = &(*link)->next;
+    return link;
+}
+
+varptr find_var(tokentipe& name) { return *link_of(name); }
+
+void retrieve(tokentipe& name, quolyptr* qp, quolyptr, FILE*, nameptr*) {
+    varptr p = find_var(name);
+    *qp = p == nullptr ? nullptr : &p->val;
+}
+
+void spec_retrieve(tokentipe& name, quolyptr n, quolyptr* qp) {
+    *qp = n;
+    varptr p = find_var(name);
+    if (p == nullptr) error(Err::undefined_variable, tok_text(name));
+    if (p == nullptr || p->val == nullptr)
+        quoly_set(0, n);
+    else
+        quoly_assign(p->val, n);
+}
+
+void insert_var(tokentipe& name, quoly value, varptr* p) {
+    varptr* link = link_of(name);
+    if (*link != nullptr) {
+        *p = *link;
+        free_value(&(*p)->val);
+    } else {
+        varptr* bucket = bucket_of(name);
+        *p = pool_pop<&varnode::next>(var_garb, nullptr);
+        (*p)->let = name;
+        (*p)->qp = nullptr;
+        (*p)->next = *bucket;
+        *bucket = *p;
+    }
+    if (value != nullptr && value->numb) value->arr_arg = 0;
+    (*p)->val = value;
+}
+
+bool delete_var(tokentipe& name) {
+    varptr* link = link_of(name);
+    varptr p = *link;
+    if (p == nullptr) return false;
+    *link = p->next;
+    free_value(&p->val);
+    pool_push<&varnode::next>(var_garb, p);
+    return true;
+}
+
+/// The outermost evaluator that holds *loc gets it; the others, which end before it does, look there.
+/// False if nobody holds it.
+static bool bequeath(quolyptr loc) {
+    held_operand* heir = nullptr;
+    for (held_operand* h = eval_state.held; h != nullptr; h = h->below)
+        if (h->at == loc && h->own != loc) heir = h;
+    if (heir == nullptr) return false;
+    *heir->own = *loc;
+    for (held_operand* h = eval_state.held; h != nullptr; h = h->below)
+        if (h->at == loc) h->at = heir->own;
+    return true;
+}
+
+void free_value(quolyptr loc) {
+    if (eval_state.held != nullptr && *loc != nullptr && bequeath(loc))
+        *loc = nullptr;
+    else
+        free_quoly(loc);
+}
+
+void own_value(quolyptr loc) {
+    if (eval_state.held == nullptr || *loc == nullptr) return;
+    quoly old = *loc;
+    if (!bequeath(loc)) return;
+    *loc = nullptr;
+    quoly_assign(old, loc);
+}
+
+void for_each_value(void (*f)(quolyptr value, void* context), void* context) {
+    for (varptr bucket : sca_store)
+        for (varptr p = bucket; p != nullptr; p = p->next)
+            if (p->val != nullptr) f(&p->val, context);
+    if (prevnum != nullptr) f(&prevnum, context);
+}
+
+#ifdef TOLVEX_CHECKED
+// The roots of this table for the leak audit of the checked build.
+static void reach_values() {
+    for (varptr bucket : sca_store) {
+        for (varptr p = bucket; p != nullptr; p = p->next) {
+            audit_reach<varnode>();
+            audit_reach_quoly(p->val);
+        }
+    }
+    audit_reach_quoly(prevnum);
+    audit_reach_quoly(sysnum);
+}
+#endif
+
+void init_symbols() {
+    for (varptr& bucket : sca_store) bucket = nullptr;
+    init_stack_bound();
+    init_builtins();
+#ifdef TOLVEX_CHECKED
+    audit_value_pools();
+    audit_pool<varnode>("varnode");
+    audit_roots(reach_values);
+#endif
+}
+}  // namespace tolvex

@@ -1,0 +1,209 @@
+#include "language/write_out.h"
+
+#include "language/evaluator.h"
+#include "language/ports.h"
+#include "language/symbols.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_display.h"
+
+#include <cstdlib>
+namespace tolvex {
+// ---- output --------------------------------------------------------------------------------------------
+
+static constexpr int32_t k_text_limit = 255;  // characters of a text that are kept, and the widest field
+
+/// What ":" says about an item.
+struct Suffix {
+    bool given;      // a width, or "char"
+    bool character;  // the value is the code of a byte
+    int32_t width;
+};
+
+static void fill(int32_t width, int32_t written) {
+    for (; written < width; written++) putchar(' ');
+}
+
+static int32_t read_width(FILE* inf, nameptr* flag) {
+    int32_t width = read_plain_word(inf, flag, Err::number_expected, true);
+    return width < 0 ? 0 : minn(width, k_text_limit);
+}
+
+static Suffix read_suffix(FILE* inf, nameptr* flag) {
+    Suffix s = {};
+    if (!at_char(':')) return s;
+    s.given = true;
+    next_token(inf, flag);
+    if (!tok_is(token, "char")) {
+        s.width = read_width(inf, flag);
+        return s;
+    }
+    s.character = true;
+    next_token(inf, flag);
+    if (at_char(':')) {
+        next_token(inf, flag);
+        s.width = read_width(inf, flag);
+    }
+    return s;
+}
+
+/// 'text': the opening quote is the current token.
+static void handle_quote(FILE* inf, nameptr* flag) {
+    char text[k_text_limit + 1];
+    int32_t length = 0;
+    boolean eoln = 0;
+    for (;;) {
+        dumbscanner(inf, &token, flag, &eoln);
+        if (at_char('\'') || tok_is(token, k_end_token)) break;
+        if (*flag == nullptr && at_char(';') && at_end(inf)) {
+            error(Err::end_of_file_inside);
+            break;
+        }
+        if (length < k_text_limit) text[length++] = eoln ? '\n' : static_cast<char>(tok_char(token));
+    }
+    next_token(inf, flag);
+    Suffix s = read_suffix(inf, flag);
+    fwrite(text, 1, static_cast<size_t>(length), stdout);
+    fill(s.width, length);
+}
+
+/// A number 1 to 255 as that byte, everything else as "?".
+static void write_character(const quolynode* q) {
+    int32_t code = q->numb ? big_quoly_convert_to_int(q) : 0;
+    putchar(code >= 1 && code <= k_text_limit ? code : '?');
+}
+
+/// A value that is followed by a width: no blank in front, blanks behind it.
+static void write_in_field(const quolynode* q, int32_t width) {
+    char* text = nullptr;
+    size_t length = 0;
+    FILE* f = open_memstream(&text, &length);
+    if (f == nullptr) {
+        quoly_display(stdout, 1, q);
+        return;
+    }
+    quoly_display(f, 1, q);
+    fclose(f);
+    const char* shown = text[0] == ' ' ? text + 1 : text;
+    fputs(shown, stdout);
+    size_t n = strlen(shown);
+    fill(width, n > k_text_limit ? width : static_cast<int32_t>(n));
+    free(text);
+}
+
+static void write_value(const quolynode* q, const Suffix& s) {
+    if (s.character) {
+        write_character(q);
+        fill(s.width, 1);
+    } else if (s.given) {
+        write_in_field(q, s.width);
+    } else {
+        quoly_display(stdout, 1, q);
+    }
+}
+
+/// One item of a list: a text, or an expression, which is shown where it lives for "^x".
+static void one_write_out(FILE* inf, nameptr* flag) {
+    if (at_char('\'')) {
+        handle_quote(inf, flag);
+        return;
+    }
+    if (at_char(';') || tok_is(token, k_end_token)) {
+        error(Err::output_not_closed, ";");
+        return;
+    }
+    if (at_char('^')) next_token(inf, flag);
+    Value v;
+    read_expression(inf, &v, flag);
+    hold(&v);
+    Suffix s = read_suffix(inf, flag);
+    let_go(&v);
+    write_value(value_of(&v), s);
+    release(&v);
+}
+
+static void write_list(FILE* inf, nameptr* flag) {
+    do {
+        next_token(inf, flag);
+        one_write_out(inf, flag);
+    } while (at_char(','));
+    if (at_char(';') || tok_is(token, k_end_token))
+        error(Err::output_not_closed, ";");
+    else
+        expect(inf, flag, ')', Err::output_separator);
+}
+
+void write_out(FILE* inf, quolyptr n, nameptr* flag) {
+    next_token(inf, flag);
+    bool flush = at_char('!');
+    if (flush) next_token(inf, flag);
+    if (at_char(';') || tok_is(token, k_end_token)) {
+        putchar('\n');
+    } else if (at_char('(')) {
+        write_list(inf, flag);
+    } else if (at_char('\'')) {
+        handle_quote(inf, flag);
+    } else {
+        Value v;
+        read_factor(inf, &v, flag);
+        quoly_display(stdout, 1, value_of(&v));
+        release(&v);
+    }
+    if (flush) fflush(stdout);
+    quoly_set(0, n);
+}
+
+// ---- reading -------------------------------------------------------------------------------------------
+
+/// The answer to the question for a variable; "@" leaves it as it is.
+static void read_answer(tokentipe& name, quolyptr n) {
+    char text[k_namelength + 8];
+    snprintf(text, sizeof text, "%s := ", tok_text(name));
+    nameptr from_terminal = nullptr;
+    FILE* terminal = open_answer(text);
+    if (at_char('@')) {
+        quoly_set(0, n);
+        return;
+    }
+    old_expre(terminal, n, &from_terminal);
+    if (!at_char(';') && !at_char(':') && !at_char('@')) {
+        error(Err::not_terminated);
+        set_zero(n);
+        return;
+    }
+    quoly value = nullptr;
+    quoly_assign(*n, &value);
+    varptr p = nullptr;
+    insert_var(name, value, &p);
+}
+
+void read_in(FILE* inf, quolyptr n, nameptr* flag) {
+    next_token(inf, flag);
+    if (at_char('[')) {
+        next_token(inf, flag);
+        error(Err::undefined_array);
+        quoly_set(0, n);
+        return;
+    }
+    tokentipe name = token;
+    if (!is_lower(tok_char(name)) || (number_polys > 0 && its_a_polyname(name) != 0)) {
+        error(is_lower(tok_char(name)) ? Err::polyvar_as_name : Err::question_needs_variable, tok_text(name));
+        quoly_set(0, n);
+        return;
+    }
+    next_token(inf, flag);
+    if (at_char('[')) {
+        error(Err::undefined_array, tok_text(name));
+        quoly_set(0, n);
+        return;
+    }
+    tokentipe saved_token = token;
+    boolean saved_tt = tt_flag;
+    char saved_leftover = leftover[0];
+    read_answer(name, n);
+    token = saved_token;
+    tt_flag = saved_tt;
+    leftover[0] = saved_tt ? 0 : saved_leftover;
+    leftover[1] = 0;
+    if (*flag != nullptr) set_zero(n);
+}
+}  // namespace tolvex

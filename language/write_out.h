@@ -1,0 +1,15 @@
+#pragma once
+/// language/write_out.h: the output statement "!" and the read statement "?".
+///
+/// Purpose    values and texts on the standard output, with field widths; a value asked from the terminal.
+/// Raises     105, 106 the list of an output; 227 a width; 103 end of file in a text; 3, 125, 129 reading.
+#include "language/tokens/token.h"
+#include "quoly/quoly.h"
+
+#include <cstdio>
+namespace tolvex {
+/// "!" is the current token. *n := 0.
+void write_out(FILE* inf, quolyptr n, nameptr* flag);
+/// "?" is the current token. *n: the value read, 0 in a stored list.
+void read_in(FILE* inf, quolyptr n, nameptr* flag);
+}  // namespace tolvex
