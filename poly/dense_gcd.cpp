@@ -1,0 +1,55 @@
+#include "poly/dense_gcd.h"
+
+#include "poly/dense_divide.h"
+#include "poly/dense_internal.h"
+#include "poly/dense_kernels.h"
+#include "storage/interrupt.h"
+
+#include <utility>
+namespace tolvex {
+uint32_t unit_inverse(const WordField& f, uint32_t a) {
+    if (f.table) return wf_inverse(f, a);
+    int64_t r0 = f.p, r1 = a, s0 = 0, s1 = 1;
+    while (r1 != 0) {
+        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
+        r0 = r1, r1 = r;
+        s0 = s1, s1 = s;
+    }
+    if (r0 != 1) return 0;
+    return static_cast<uint32_t>(s0 < 0 ? s0 + f.p : s0);
+}
+
+bool simple_onevar_gcd(const WordField& f, DensePoly x, DensePoly y, DensePoly* g) {
+    if (x.degree < y.degree) std::swap(x, y);
+    while (y.degree >= 0) {
+        poll_interrupt();
+        uint32_t inverse = unit_inverse(f, y.c[y.degree]);
+        if (inverse == 0) return false;
+        x.degree = wf_div_mod(f, x.c, x.degree, y.c, y.degree, inverse, nullptr);
+        std::swap(x, y);
+    }
+    *g = x;
+    return true;
+}
+
+bool wf_dense_gcd(const WordField& f, uint32_t* x, int32_t xdeg, uint32_t* y, int32_t ydeg, uint32_t** g,
+                  int32_t* gdeg) {
+    DensePoly u = {x, wf_degree(x, xdeg)}, v = {y, wf_degree(y, ydeg)}, r;
+    if (!simple_onevar_gcd(f, u, v, &r)) return false;
+    *g = r.c;
+    *gdeg = r.degree;
+    if (r.degree < 0) return true;
+    uint32_t inverse = unit_inverse(f, r.c[r.degree]);
+    if (inverse == 0) return false;
+    row_scale(f, r.c, r.degree + 1, inverse);
+    return true;
+}
+
+bool dense_gcd(int32_t* x, int32_t xdeg, int32_t* y, int32_t ydeg, int32_t** g, int32_t* gdeg) {
+    uint32_t* result = nullptr;
+    bool done = wf_dense_gcd(word_field_ring(), reinterpret_cast<uint32_t*>(x), xdeg,
+                             reinterpret_cast<uint32_t*>(y), ydeg, &result, gdeg);
+    *g = reinterpret_cast<int32_t*>(result);
+    return done;
+}
+}  // namespace tolvex
