@@ -108,10 +108,14 @@ static void multiply_once(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag, ch
     *qp = n;
 }
 
-void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
-    fact(inf, qp, n, aux, colpos, flag, 0);
+static void rest_of_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     for (char sign = multiplying_sign(); sign != 0; sign = multiplying_sign())
         multiply_once(inf, qp, n, flag, sign);
+}
+
+void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
+    fact(inf, qp, n, aux, colpos, flag, 0);
+    rest_of_term(inf, qp, n, flag);
 }
 
 // ---- sums ----------------------------------------------------------------------------------------------
@@ -278,6 +282,23 @@ void old_expre(FILE* inf, quolyptr n, nameptr* flag) {
     quolyptr qp = n;
     plain_sum(inf, &qp, n, flag);
     own_result(qp, n);
+}
+
+void half_fact(FILE* inf, quolyptr n, nameptr* flag) {
+    quolyptr qp = n;
+    postfix(inf, &qp, n, flag);
+}
+
+void half_term(FILE* inf, quolyptr n, nameptr* flag) {
+    quolyptr qp = n;
+    rest_of_term(inf, &qp, n, flag);
+}
+
+void half_expre(FILE* inf, quolyptr n, nameptr* flag) {
+    half_fact(inf, n, flag);
+    half_term(inf, n, flag);
+    quolyptr qp = n;
+    rest_of_sum(inf, &qp, n, flag);
 }
 
 void read_expression(FILE* inf, Value* v, nameptr* flag) {

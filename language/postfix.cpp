@@ -1,4 +1,5 @@
 #include "language/evaluator.h"
+#include "language/substitute.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_mult.h"
 #include "numbers/ring_switch.h"
@@ -68,11 +69,18 @@ static void apply_factorial(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) 
         error(Err::factorial_of_non_number, "!");
 }
 
+static void apply_substitution(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    make_private(qp, n);
+    get_evalquoly(inf, n, flag);
+}
+
 void postfix(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     if (at_char('^'))
         apply_power(inf, qp, n, flag);
     else if (at_char('!'))
         apply_factorial(inf, qp, n, flag);
+    else if (at_char('#'))
+        apply_substitution(inf, qp, n, flag);
     while (at_char('"')) {
         make_private(qp, n);
         quoly_differentiate(n, 1);

@@ -1,0 +1,206 @@
+#include "language/substitute.h"
+
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_add.h"
+#include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
+#include "storage/interrupt.h"
+#include "storage/scratch.h"
+namespace tolvex {
+// ---- evaluation ----------------------------------------------------------------------------------------
+
+namespace {
+/// The replacements of one substitution.
+struct Replacement {
+    const quoly* value;  // by level; nil: the variable stays
+    int32_t last;        // deepest level that is replaced
+};
+}  // namespace
+
+static void evaluate_poly(const polynode* p, int32_t level, const Replacement& r, quolyptr n);
+
+/// The polynomial p of that level as a value.
+static void as_value(const polynode* p, int32_t level, quolyptr n) {
+    poly c = nullptr;
+    if (p->numb)
+        node_assign(p, &c);
+    else
+        poly_assign(p, &c);
+    add_pad(&c, level - 1);
+    free_quoly(n);
+    poly_to_quoly(&c, n);
+}
+
+/// n := n x^e, x being the value of the variable.
+static void times_power(quolyptr n, quoly x, int32_t e) {
+    if (e == 0) return;
+    if (e == 1) {
+        fast_quoly_mult(n, x);
+        return;
+    }
+    quoly power = nullptr;
+    quoly_assign(x, &power);
+    if (e > 0) {
+        quoly_compute_power(&power, e);
+    } else {
+        quoly_reciprocal(&power);
+        if (e < -1) quoly_compute_power(&power, -e);
+    }
+    fast_quoly_mult(n, power);
+    free_quoly(&power);
+}
+
+/// The coefficient of the term t of `level`.
+static void evaluate_coefficient(const polynode* t, int32_t level, const Replacement& r, quolyptr n) {
+    if (t->numb)
+        as_value(t, level, n);
+    else
+        evaluate_poly(t->pcoef, level + 1, r, n);
+}
+
+static void evaluate_poly(const polynode* p, int32_t level, const Replacement& r, quolyptr n) {
+    if (level > r.last || is_number(p)) {
+        as_value(p, level, n);
+        return;
+    }
+    quoly kept = nullptr;
+    quoly x = r.value[level];
+    if (x == nullptr) {
+        poly variable = nullptr;
+        base_poly(&variable, level);
+        poly_to_quoly(&variable, &kept);
+        x = kept;
+    }
+    evaluate_coefficient(p, level, r, n);
+    for (; p->next != nullptr; p = p->next) {
+        poll_interrupt();
+        times_power(n, x, p->exp - p->next->exp);
+        quoly c = nullptr;
+        evaluate_coefficient(p->next, level, r, &c);
+        best_quoly_add(n, c);
+    }
+    times_power(n, x, p->exp);
+    free_quoly(&kept);
+}
+
+void total_eval(const quolynode* q, quolyptr n, const quoly* value, int32_t levels) {
+    Replacement r = {value, levels};
+    while (r.last > 0 && value[r.last] == nullptr) r.last--;
+    quoly result = nullptr;
+    if (q->numb || r.last == 0) {
+        quoly_assign(q, &result);
+    } else {
+        evaluate_poly(q->numer, 1, r, &result);
+        if (q->denom != nullptr) {
+            quoly denominator = nullptr;
+            evaluate_poly(q->denom, 1, r, &denominator);
+            fast_quoly_quot(&result, denominator, 0);
+            free_quoly(&denominator);
+        }
+    }
+    free_quoly(n);
+    *n = result;
+}
+
+// ---- reading the replacements --------------------------------------------------------------------------
+
+namespace {
+/// The replacements while they are read.
+struct Places {
+    quoly value[k_levels];
+    int32_t next;  // the level of the next place
+    bool named, plain;
+};
+}  // namespace
+
+static void store_place(Places* places, int32_t level, quoly value) {
+    free_quoly(&places->value[level]);
+    places->value[level] = value;
+}
+
+/// A value for the next place, of which *value may be the first factor already.
+static void plain_place(FILE* inf, Places* places, quoly value, nameptr* flag) {
+    if (value != nullptr)
+        half_expre(inf, &value, flag);
+    else
+        old_expre(inf, &value, flag);
+    if (places->named) error(Err::builtin_comma);
+    places->plain = true;
+    if (places->next > number_polys) {
+        error(Err::variable_argument);
+        free_quoly(&value);
+        return;
+    }
+    store_place(places, places->next, value);
+}
+
+/// One place of a list: nothing, "x = e", or an expression.
+static void read_place(FILE* inf, Places* places, nameptr* flag) {
+    places->next++;
+    if (at_char(',') || at_char(')')) {
+        if (places->next > number_polys) error(Err::variable_argument);
+        return;
+    }
+    int32_t level = is_lower(tok_char(token)) ? its_a_polyname(token) : 0;
+    if (level == 0) {
+        plain_place(inf, places, nullptr, flag);
+        return;
+    }
+    next_token(inf, flag);
+    quoly value = nullptr;
+    if (!at_char('=')) {
+        poly p = nullptr;
+        base_poly(&p, level);
+        poly_to_quoly(&p, &value);
+        plain_place(inf, places, value, flag);
+        return;
+    }
+    if (places->plain) error(Err::builtin_comma);
+    places->named = true;
+    next_token(inf, flag);
+    old_expre(inf, &value, flag);
+    store_place(places, level, value);
+}
+
+static void read_list(FILE* inf, Places* places, nameptr* flag) {
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    do {
+        next_token(inf, flag);
+        read_place(inf, places, flag);
+    } while (at_char(','));
+    expect(inf, flag, ')', Err::close_paren_expected);
+    eval_state.bar_closes = saved;
+}
+
+void get_evalquoly(FILE* inf, quolyptr n, nameptr* flag) {
+    ScratchMark mark = scratch_mark();
+    auto* places = scratch_array<Places>(1);
+    *places = {};
+    held_operand here = {n, n, eval_state.held};
+    eval_state.held = &here;
+    next_token(inf, flag);
+    if (at_char('(')) {
+        read_list(inf, places, flag);
+    } else if (at_char('[')) {
+        next_token(inf, flag);
+        error(Err::undefined_array);
+    } else {
+        quoly value = nullptr;
+        old_fact(inf, &value, flag);
+        if (number_polys == 0) {
+            error(Err::variable_argument);
+            free_quoly(&value);
+        } else {
+            store_place(places, 1, value);
+        }
+    }
+    total_eval(*n, n, places->value, number_polys);
+    eval_state.held = here.below;
+    for (int32_t level = 1; level <= number_polys; level++) free_quoly(&places->value[level]);
+    scratch_release(mark);
+}
+}  // namespace tolvex
