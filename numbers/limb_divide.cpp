@@ -1,5 +1,7 @@
-// Quotients of limb arrays. Knuth, The Art of Computer Programming 2, 4.3.1, algorithm D, with the reciprocal
-// of the divisor's two top limbs of Moeller and Granlund, "Improved division by invariant integers" (2011).
+// Quotients of limb arrays. Short ones: Knuth, The Art of Computer Programming 2, 4.3.1, algorithm D, with the
+// reciprocal of the divisor's two top limbs of Moeller and Granlund, "Improved division by invariant integers"
+// (2011). Long ones: Burnikel and Ziegler, "Fast recursive division" (1998), which turns a division into
+// products of half its length.
 #include "numbers/limbs.h"
 #include "storage/checked.h"
 #include "storage/interrupt.h"
@@ -9,6 +11,13 @@
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;
+
+// From this many limbs of divisor and quotient on, division is recursive. Measured.
+#ifdef TOLVEX_SMALL_LIMITS
+constexpr int64_t k_recursive = 4;
+#else
+constexpr int64_t k_recursive = 50;
+#endif
 
 limb high(wide v) { return static_cast<limb>(v >> 64); }
 
@@ -103,6 +112,63 @@ void divide_school(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
         if (q != nullptr) q[j] = digit;
     }
 }
+
+const limb k_one = 1;
+
+/// The claimed quotient q[0..qn) + top 2^(64 qn) was found with the upper limbs of b alone: b[0..bn) has
+/// `rest` more limbs below. Takes their share q * b[0..rest) off the remainder a[0..bn) and puts q right, which
+/// is at most 2 too large. tmp has room for bn limbs.
+void take_off_rest(limb* q, int64_t qn, limb& top, limb* a, const limb* b, int64_t bn, int64_t rest, limb* tmp) {
+    limbs_mul(tmp, q, qn, b, rest);
+    limb borrow = limbs_sub(a, a, bn, tmp, bn);
+    if (top != 0) borrow += limbs_sub(a + qn, a + qn, bn - qn, b, rest);
+    while (borrow != 0) {
+        top -= limbs_sub(q, q, qn, &k_one, 1);
+        borrow -= limbs_add(a, a, bn, b, bn);
+    }
+}
+
+/// q[0..n) := a[0..2n) / b[0..n), b normalised, n >= 2; returns the limb 0 or 1 above q. Remainder in a[0..n),
+/// zeros above. tmp has room for n limbs.
+limb divide_recursive(limb* q, limb* a, const limb* b, int64_t n, limb* tmp) {
+    if (n < k_recursive) {
+        limb top = limbs_compare(a + n, n, b, n) >= 0;
+        if (top != 0) limbs_sub(a + n, a + n, n, b, n);
+        divide_school(q, a, 2 * n, b, n);
+        return top;
+    }
+    poll_interrupt();
+    int64_t low = n / 2, up = n - low;
+    limb top = divide_recursive(q + low, a + 2 * low, b + low, up, tmp);
+    take_off_rest(q + low, up, top, a + low, b, n, low, tmp);
+    limb middle = divide_recursive(q, a + up, b + up, low, tmp);
+    take_off_rest(q, low, middle, a, b, n, up, tmp);
+    CHECK(middle == 0);  // a < b 2^(64 low) here
+    return top;
+}
+
+/// q[0..an-bn) := a / b, the top bn limbs of a below b, b normalised: blocks of bn quotient limbs, the first one
+/// shorter.
+void divide_blocks(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
+    ScratchMark mark = scratch_mark();
+    auto* tmp = scratch_array<limb>(bn);
+    int64_t at = an - bn, first = at % bn;
+    if (first > 0) {
+        at -= first;
+        if (first < k_recursive) {
+            divide_school(q + at, a + at, bn + first, b, bn);
+        } else {
+            int64_t rest = bn - first;
+            limb top = divide_recursive(q + at, a + at + rest, b + rest, first, tmp);
+            take_off_rest(q + at, first, top, a + at, b, bn, rest, tmp);
+        }
+    }
+    while (at > 0) {
+        at -= bn;
+        divide_recursive(q + at, a + at, b, bn, tmp);
+    }
+    scratch_release(mark);
+}
 }  // namespace
 
 limb limbs_divrem_1(limb* a, int64_t n, limb w) {
@@ -144,7 +210,11 @@ void limbs_divrem(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
     limb* d = u + an + 1;
     limbs_shift_left(d, b, bn, s);
     u[an] = limbs_shift_left(u, a, an, s);
-    divide_school(q, u, an + 1, d, bn);
+    if (bn < k_recursive || an - bn + 1 < k_recursive) {
+        divide_school(q, u, an + 1, d, bn);
+    } else {
+        divide_blocks(q != nullptr ? q : scratch_array<limb>(an - bn + 1), u, an + 1, d, bn);
+    }
     limbs_shift_right(a, u, bn, s);
     scratch_release(mark);
 }
