@@ -111,7 +111,9 @@ void builtin_Prime(BuiltinCall& call) {
 /// The square root of a factor: Sqrt 144 as well as Sqrt(144).
 void builtin_Sqrt(BuiltinCall& call) {
     next_token(call.inf, call.flag);
-    old_fact(call.inf, call.n, call.flag);
+    Value v;
+    read_bare_factor(call.inf, &v, call.flag);
+    take_value(&v, call.n);
     if ((*call.n)->rat && !lintmode) quoly_great_int(call.n);
     if ((*call.n)->numb)
         square_root((*call.n)->ncoef);

@@ -32,7 +32,7 @@ void builtin_Numer(BuiltinCall& call) {
     if (q->numb) return;
     free_poly(&q->denom);
     q->rat = 0;
-    polynum_to_quoly(q);
+    settle(q);
 }
 
 void builtin_Denom(BuiltinCall& call) {
@@ -60,7 +60,7 @@ void builtin_Killden(BuiltinCall& call) {
         quoly q = *at;
         free_poly(&q->denom);
         q->rat = 0;
-        polynum_to_quoly(q);
+        settle(q);
     }
     quoly_set(0, call.n);
 }
@@ -266,7 +266,7 @@ static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotie
     newquoly(quotient);
     (*quotient)->numer = q;
     if (b->numb || b->denom == nullptr) {
-        polynum_to_quoly(*quotient);
+        settle(*quotient);
         return true;
     }
     poly_assign(b->denom, &(*quotient)->denom);

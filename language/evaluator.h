@@ -39,6 +39,10 @@ inline void release(Value* v) { free_quoly(&v->own); }
 /// *n := the value, moved if it is private, copied otherwise. v is released.
 void take_value(Value* v, quolyptr n);
 
+/// q, whose numerator or denominator has been changed, becomes a plain number if it is one.
+inline void settle(quoly q) {
+    if (q->denom == nullptr && is_number(q->numer)) polynum_to_quoly(q);
+}
 /// n := 0, whatever it was.
 inline void set_zero(quolyptr n) {
     free_quoly(n);
@@ -50,6 +54,9 @@ void reduce_words(quolyptr n);
 /// returned, k_no_word if it has none.
 int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expression);
 
+/// A factor that leaves the postfix signs behind it to what stands in front: 2^3^2 has no meaning, Sqrt(9)^2
+/// is the square of a root.
+void read_bare_factor(FILE* inf, Value* v, nameptr* flag);
 /// What a factor may begin with: *qp := the location or n. True if postfix signs may follow, false after a
 /// prefix sign, whose own factor has taken them.
 bool primary(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag);

@@ -244,7 +244,7 @@ void reduce_words(quolyptr n) {
     }
     reduce_poly_words(&q->numer);
     if (q->denom == nullptr) {
-        polynum_to_quoly(q);
+        settle(q);
         return;
     }
     reduce_poly_words(&q->denom);

@@ -17,11 +17,28 @@ static void make_private(quolyptr* qp, quolyptr n) {
     *qp = n;
 }
 
+void read_bare_factor(FILE* inf, Value* v, nameptr* flag) {
+    bool minus = false;
+    for (; at_char('-'); minus = !minus) next_token(inf, flag);
+    if (at_char('*')) {
+        read_factor(inf, v, flag);
+    } else {
+        v->own = nullptr;
+        v->hold.own = v->hold.at = &v->own;
+        primary(inf, &v->hold.at, &v->own, flag);
+        make_private(&v->hold.at, &v->own);
+    }
+    if (minus) {
+        quoly_makeneg(value_of(v), &v->own);
+        v->hold.at = &v->own;
+    }
+}
+
 void get_exponent(FILE* inf, nameptr* flag, imptr m, boolean one_factor) {
     boolean was_modular = 0;
     check_modular(&was_modular);
     Value v;
-    one_factor ? read_factor(inf, &v, flag) : read_expression(inf, &v, flag);
+    one_factor ? read_bare_factor(inf, &v, flag) : read_expression(inf, &v, flag);
     if (value_of(&v)->numb) {
         num_assign(value_of(&v)->ncoef, m);
     } else {
@@ -36,7 +53,7 @@ int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expressio
     boolean was_modular = 0;
     check_modular(&was_modular);
     Value v;
-    whole_expression ? read_expression(inf, &v, flag) : read_factor(inf, &v, flag);
+    whole_expression ? read_expression(inf, &v, flag) : read_bare_factor(inf, &v, flag);
     int32_t word = 0;
     if (value_of(&v)->numb)
         word = convert_to_int(value_of(&v)->ncoef);
