@@ -1,7 +1,7 @@
-// Quotients of limb arrays. Short ones: Knuth, The Art of Computer Programming 2, 4.3.1, algorithm D, with the
-// reciprocal of the divisor's two top limbs of Moeller and Granlund, "Improved division by invariant integers"
-// (2011). Long ones: Burnikel and Ziegler, "Fast recursive division" (1998), which turns a division into
-// products of half its length.
+// Quotients of limb arrays. Short ones: Knuth, The Art of Computer Programming 2, 4.3.1, algorithm D, with
+// the reciprocal of the divisor's two top limbs of Moeller and Granlund, "Improved division by invariant
+// integers" (2011). Long ones: Burnikel and Ziegler, "Fast recursive division" (1998), which turns a division
+// into products of half its length.
 #include "numbers/limbs.h"
 #include "storage/checked.h"
 #include "storage/interrupt.h"
@@ -116,9 +116,10 @@ void divide_school(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
 const limb k_one = 1;
 
 /// The claimed quotient q[0..qn) + top 2^(64 qn) was found with the upper limbs of b alone: b[0..bn) has
-/// `rest` more limbs below. Takes their share q * b[0..rest) off the remainder a[0..bn) and puts q right, which
-/// is at most 2 too large. tmp has room for bn limbs.
-void take_off_rest(limb* q, int64_t qn, limb& top, limb* a, const limb* b, int64_t bn, int64_t rest, limb* tmp) {
+/// `rest` more limbs below. Takes their share q * b[0..rest) off the remainder a[0..bn) and puts q right,
+/// which is at most 2 too large. tmp has room for bn limbs.
+void take_off_rest(limb* q, int64_t qn, limb& top, limb* a, const limb* b, int64_t bn, int64_t rest,
+                   limb* tmp) {
     limbs_mul(tmp, q, qn, b, rest);
     limb borrow = limbs_sub(a, a, bn, tmp, bn);
     if (top != 0) borrow += limbs_sub(a + qn, a + qn, bn - qn, b, rest);
@@ -128,8 +129,8 @@ void take_off_rest(limb* q, int64_t qn, limb& top, limb* a, const limb* b, int64
     }
 }
 
-/// q[0..n) := a[0..2n) / b[0..n), b normalised, n >= 2; returns the limb 0 or 1 above q. Remainder in a[0..n),
-/// zeros above. tmp has room for n limbs.
+/// q[0..n) := a[0..2n) / b[0..n), b normalised, n >= 2; returns the limb 0 or 1 above q. Remainder in
+/// a[0..n), zeros above. tmp has room for n limbs.
 limb divide_recursive(limb* q, limb* a, const limb* b, int64_t n, limb* tmp) {
     if (n < k_recursive) {
         limb top = limbs_compare(a + n, n, b, n) >= 0;
@@ -147,8 +148,8 @@ limb divide_recursive(limb* q, limb* a, const limb* b, int64_t n, limb* tmp) {
     return top;
 }
 
-/// q[0..an-bn) := a / b, the top bn limbs of a below b, b normalised: blocks of bn quotient limbs, the first one
-/// shorter.
+/// q[0..an-bn) := a / b, the top bn limbs of a below b, b normalised: blocks of bn quotient limbs, the first
+/// one shorter.
 void divide_blocks(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
     ScratchMark mark = scratch_mark();
     auto* tmp = scratch_array<limb>(bn);

@@ -1,11 +1,11 @@
 // Number-theoretic transforms modulo two primes.
 //
 // A transform of length n takes a polynomial modulo x^n - 1 to its values at the n-th roots of unity by
-// splitting x^n - s^2 into x^(n/2) - s and x^(n/2) + s, down to length 1. Block j of every level belongs to the
-// same s = root[j] whatever the length (roots in bit-reversed order), so that one table serves all lengths, and
-// the constants do not change in the inner loop. Butterflies are those of Harvey, "Faster arithmetic for
-// number-theoretic transforms" (2014): values stay below 4 p between levels, products with a constant need no
-// division (Shoup). Lengths are 2^k and 3 2^k: the latter uses x^h - 1 and x^(h/2) - i only.
+// splitting x^n - s^2 into x^(n/2) - s and x^(n/2) + s, down to length 1. Block j of every level belongs to
+// the same s = root[j] whatever the length (roots in bit-reversed order), so that one table serves all
+// lengths, and the constants do not change in the inner loop. Butterflies are those of Harvey, "Faster
+// arithmetic for number-theoretic transforms" (2014): values stay below 4 p between levels, products with a
+// constant need no division (Shoup). Lengths are 2^k and 3 2^k: the latter uses x^h - 1 and x^(h/2) - i only.
 #include "numbers/limb_ntt.h"
 
 #include "storage/checked.h"
@@ -282,7 +282,7 @@ template <limb P> void from_values(limb* a, const Plan& plan) {
     scale(c2, q);
     Factor i = factor_i<P>(), half = factor_of<P>((P + 1) / 2);
     for (int64_t k = 0; k < q; k++) {
-        limb sum = c0[k];                                     // c0 + c2
+        limb sum = c0[k];                                      // c0 + c2
         limb difference = c2[k] + 2 * P - times<P>(c1[k], i);  // c0 - c2, below 3 P
         limb x = Field<P>::below_p(times<P>(sum + difference, half));
         c0[k] = x;
