@@ -18,6 +18,7 @@
 #include "storage/stash.h"
 
 #include <cstdio>
+#include <initializer_list>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
