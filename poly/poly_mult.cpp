@@ -22,14 +22,69 @@ static bool number_product(poly n, poly m, polyptrr p) {
     return true;
 }
 
-void poly_mult(poly n, poly m, polyptrr p, polypt) {
-    if (number_product(n, m, p)) return;
-    simple_standard(n, m, poly_length(n), poly_length(m), p);
+/// Terms of p, counted no further than to `cap`.
+static int64_t terms_up_to(const polynode* p, int64_t cap) {
+    int64_t count = 0;
+    for (; p != nullptr && count < cap; p = p->next)
+        count += p->numb ? 1 : terms_up_to(p->pcoef, cap - count);
+    return count;
 }
 
-void simplest_poly_mult(poly n, poly m, polyptrr p, int32_t, int32_t, int32_t, int32_t) {
+/// The packed method pays when neither operand is nearly a monomial and there are enough products of terms
+/// (measured by bench/time_poly_mult).
+static bool worth_packing(const polynode* n, const polynode* m) {
+    constexpr int64_t k_least_terms = 2, k_least_products = 4;
+    int64_t n_terms = terms_up_to(n, k_least_products), m_terms = terms_up_to(m, k_least_products);
+    return n_terms >= k_least_terms && m_terms >= k_least_terms && n_terms * m_terms >= k_least_products;
+}
+
+void poly_mult(poly n, poly m, polyptrr p, polypt pol) {
     if (number_product(n, m, p)) return;
-    simplest_standard(n, m, poly_length(n), poly_length(m), p);
+    boolean one_level_residues = 1;
+    int32_t n_last, m_last;
+    int32_t size1 = exp_poly_length(n, &n_last, &one_level_residues), size2 = size1;
+    m_last = n_last;
+    if (n != m) size2 = exp_poly_length(m, &m_last, &one_level_residues);
+    if (one_level_residues) {
+        simplest_poly_mult(n, m, p, size1, size2, n_last, m_last);
+        return;
+    }
+    if (modularmode && n->exp > 30 && m->exp > 30 && !laurent && try_fast_2_var(n, m)) {
+        fastest_poly2_mult(n, m, p);
+        return;
+    }
+    if (worth_packing(n, m) && packed_poly_mult(n, m, p)) return;
+    int32_t cutoff = pol != nullptr ? pol->polycut : poly_cutoff;
+    if (size1 < cutoff || size2 < cutoff)  // a sparse chain has a negative size
+        simple_standard(n, m, size1 < 0 ? -size1 : size1, size2 < 0 ? -size2 : size2, p);
+    else
+        karatsuba_poly_mult(n, m, p, pol);
+}
+
+void simplest_poly_mult(poly n, poly m, polyptrr p, int32_t size1, int32_t size2, int32_t expon,
+                        int32_t exp2) {
+    if (number_product(n, m, p)) return;
+    if (size1 == 0) {
+        boolean flag = 1;
+        size1 = exp_poly_length(n, &expon, &flag);
+        size2 = exp_poly_length(m, &exp2, &flag);
+    }
+    const bool long_enough = size1 >= fast_mult_cut && size2 >= fast_mult_cut;
+    const int64_t degrees = static_cast<int64_t>(n->exp) + m->exp;
+    if (size1 < 0) size1 = -size1;
+    if (size2 < 0) size2 = -size2;
+    const bool arrays =
+        long_enough && modulus > 2 && !finf && degrees <= fast_gcd_size && expon >= 0 && exp2 >= 0;
+    if (arrays && 4 * static_cast<int64_t>(size1) > n->exp && 4 * static_cast<int64_t>(size2) > m->exp)
+        fastest_standard(n, m, size1, size2, p);
+    else if (worth_packing(n, m) && packed_poly_mult(n, m, p))
+        return;
+    else if (arrays)
+        fastest_standard(n, m, size1, size2, p);
+    else if (long_enough)
+        karatsuba_poly_mult(n, m, p, nullptr);
+    else
+        simplest_standard(n, m, size1, size2, p);
 }
 
 void compute_power(polyptrr n, int32_t expont, polypt pol) {

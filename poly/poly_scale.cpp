@@ -3,7 +3,7 @@
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
-#include "storage/interrupt.h"
+#include "storage/failure.h"
 namespace tolvex {
 static bool is_one(const number* x) { return lintmode ? x->lint == 1 : is_longint(x, 1); }
 
@@ -44,6 +44,14 @@ void scalar_by_poly(const number* x, poly y, polyptrr q) {
     replace(q, fresh != nullptr ? fresh : zero_leaf());
 }
 
+/// The exponent of a product of two terms. Beyond a word it is refused; after a return from that, 0.
+static int32_t exponent_sum(int32_t a, int32_t b) {
+    int32_t sum;
+    if (!__builtin_add_overflow(a, b, &sum)) return sum;
+    error(Err::exponent_too_long);
+    return 0;
+}
+
 void node_by_poly(poly x, poly y, polyptrr q) {
     polynode x_leaf = leaf_alone(x);
     poly c = x->numb ? &x_leaf : x->pcoef;
@@ -58,7 +66,7 @@ void node_by_poly(poly x, poly y, polyptrr q) {
             free_leaf(product);
             continue;
         }
-        *at = chain_node(x->exp + t->exp, product);
+        *at = chain_node(exponent_sum(x->exp, t->exp), product);
         at = &(*at)->next;
     }
     replace(q, head != nullptr ? head : zero_leaf());
