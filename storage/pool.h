@@ -73,7 +73,7 @@ template <auto link, class R> inline void pool_push(R*& head, R* p) {
         PoolCounters& c = pool_counters<R>;
         R* oldest = static_cast<R*>(c.held[c.next_held]);
         c.held[c.next_held] = p;
-        c.next_held = (c.next_held + 1) % k_quarantine;
+        c.next_held = c.next_held + 1 < k_quarantine ? c.next_held + 1 : 0;
         p = oldest;
     }
     if (p != nullptr) {
