@@ -84,18 +84,6 @@ static poly gcd_classical(poly u, poly v, polypt pt) {
     return g;
 }
 
-// Zero divisors make the sequence a guess: what does not divide both operands is given up.
-static poly gcd_composite(poly u, poly v, polypt pt) {
-    poly g = gcd_classical(u, v, pt), q = nullptr;
-    bool divides = divide_trees(u, g, &q, pt);
-    free_poly(&q);
-    divides = divides && divide_trees(v, g, &q, pt);
-    free_poly(&q);
-    if (divides) return g;
-    free_poly(&g);
-    return poly_one();
-}
-
 // ---- the steps ----
 
 static int32_t span_of(const PackMeasure& m, int32_t level) {
@@ -106,6 +94,8 @@ static void measure_operands(polygcd_EnvRec& env) {
     pack_measure(env.u, &env.um);
     pack_measure(env.v, &env.vm);
     env.levels = maxx(env.um.levels, env.vm.levels);
+    for (int32_t i = env.um.levels; i < env.levels; i++) env.um.least[i] = env.um.most[i] = 0;
+    for (int32_t i = env.vm.levels; i < env.levels; i++) env.vm.least[i] = env.vm.most[i] = 0;
     for (int32_t i = 0; i < env.levels; i++) {
         bool shared = i < env.um.levels && i < env.vm.levels;
         env.bound[i] = shared ? minn(span_of(env.um, i), span_of(env.vm, i)) : 0;
@@ -159,6 +149,20 @@ static poly gcd_in_domain(poly u, poly v, polypt pt) {
     return gcd_classical(u, v, pt);
 }
 
+// Zero divisors: what is found for sure. Reduction by less than the whole common factor is still right.
+static poly gcd_composite(poly u, poly v, polypt pt) {
+    polygcd_EnvRec env;
+    env.u = u;
+    env.v = v;
+    env.pt = pt;
+    measure_operands(env);
+    if (env.um.terms == 1 || env.vm.terms == 1) return common_monomial(env);
+    poly g = nullptr;
+    if (gcd_by_units(env, &g)) return g;
+    if (try_divisor(env, v, env.vm, u, &g) || try_divisor(env, u, env.um, v, &g)) return g;
+    return common_monomial(env);
+}
+
 poly gcd_fresh(poly u, poly v, polypt pt) {
     if (is_number(u) || is_number(v)) return gcd_with_number(u, v);
     poly g = nullptr;
@@ -168,7 +172,8 @@ poly gcd_fresh(poly u, poly v, polypt pt) {
         v = v->pcoef;
         pt = pt->next;
     }
-    if (u == v || poly_equal(u, v))
+    bool unit_lead = !ring_is_composite() || mod_inverse_or_0(leading_coef(u)->ncoef->lint) != 0;
+    if (unit_lead && (u == v || poly_equal(u, v)))
         poly_assign(u, &g);
     else if (ring_is_composite())
         g = gcd_composite(u, v, pt);

@@ -123,9 +123,6 @@ bool bound_by_images(polygcd_EnvRec& env) {
     if (all_zero) return true;
     WordField f =
         modularmode ? word_field_ring() : word_field_prime(static_cast<uint32_t>(lrgpme[k_lrg_primes - 1]));
-    // A small field has few points, and each is unlucky with a fair chance.
-    for (int32_t round = f.p < 1000 ? 3 : 1; round > 0; round--)
-        if (one_point(env, f)) return true;
-    return false;
+    return one_point(env, f);
 }
 }  // namespace tolvex

@@ -44,6 +44,9 @@ bool bound_by_images(polygcd_EnvRec& env);
 bool gcd_over_field(polygcd_EnvRec& env, polyptrr g);
 /// Images modulo word primes, combined; the same promise over Z, integer content included.
 bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g);
+/// Modulo a composite, operands in one variable: Euclid with unit leading numbers. False: other operands, or
+/// a leading number that is no unit.
+bool gcd_by_units(polygcd_EnvRec& env, polyptrr g);
 /// True if g divides u and v, by dividing.
 bool divides_both(const polygcd_EnvRec& env, poly g);
 }  // namespace tolvex

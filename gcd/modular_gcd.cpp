@@ -17,6 +17,8 @@
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
+
+#include <cstring>
 namespace tolvex {
 namespace {
 constexpr int64_t k_univariate_limit = 1 << 24;  // longest array of one variable
@@ -60,12 +62,59 @@ static poly tree_of_residues(const PackPlan& plan, PackTerms* g) {
     return pack_tree(plan, nullptr, g->index, g->count, leaf_of_residue, g);
 }
 
+// Arithmetic modulo a composite: the reciprocal serves any modulus, inverses are asked for.
+bool gcd_by_units(polygcd_EnvRec& env, polyptrr g) {
+    PackPlan plan;
+    if (!plan_operands(env, &plan) || plan.count != 1) return false;
+    ScratchMark mark = scratch_mark();
+    WordField ring = word_field_ring();
+    PackTerms t[2] = {pack_residues(env.u, plan, env.um.least, env.um.terms, ring),
+                      pack_residues(env.v, plan, env.vm.least, env.vm.terms, ring)};
+    uint32_t* a[2];
+    int32_t degree[2];
+    for (int side = 0; side < 2; side++) {
+        a[side] = scratch_array<uint32_t>(plan.box);
+        memset(a[side], 0, static_cast<size_t>(plan.box) * sizeof(uint32_t));
+        for (int64_t i = 0; i < t[side].count; i++) a[side][t[side].index[i]] = t[side].residue[i];
+        degree[side] = static_cast<int32_t>(t[side].index[0]);
+    }
+    int big = degree[0] >= degree[1] ? 0 : 1;
+    bool units = true;
+    while (units && degree[1 - big] >= 0) {
+        poll_interrupt();
+        const uint32_t* y = a[1 - big];
+        int32_t dy = degree[1 - big], inverse = mod_inverse_or_0(static_cast<int32_t>(y[dy]));
+        units = inverse != 0;
+        if (units) degree[big] = wf_mod(ring, a[big], degree[big], y, dy, static_cast<uint32_t>(inverse));
+        big = 1 - big;
+    }
+    if (units) {
+        PackTerms out = {0, scratch_array<int64_t>(plan.box), {scratch_array<uint32_t>(plan.box)}};
+        for (int32_t e = degree[big]; e >= 0; e--) {
+            if (a[big][e] == 0) continue;
+            out.index[out.count] = e;
+            out.residue[out.count++] = a[big][e];
+        }
+        *g = tree_of_residues(plan, &out);
+    }
+    scratch_release(mark);
+    return units;
+}
+
+// From the enlarged field back to the ring in force; false: a coefficient lies outside, so the points were
+// unlucky.
+static bool restrict_terms(const WordField& f, PackTerms& g) {
+    for (int64_t i = 0; i < g.count; i++)
+        if (!wf_restrict(f, g.residue[i], &g.residue[i])) return false;
+    return true;
+}
+
 bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
     PackPlan plan;
     if (!plan_operands(env, &plan)) return false;
     ScratchMark mark = scratch_mark();
     BrownEnv brown = {};
-    brown.f = word_field_ring();
+    brown.f = plan.count == 1 ? word_field_ring() : word_field_enlarged();
     brown.radix = plan.radix;
     PackTerms u = pack_residues(env.u, plan, env.um.least, env.um.terms, brown.f);
     PackTerms v = pack_residues(env.v, plan, env.vm.least, env.vm.terms, brown.f);
@@ -75,7 +124,7 @@ bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
         brown.failed = false;
         ScratchMark inner = scratch_mark();
         PackTerms terms = brown_gcd(brown, u, v, plan.count);
-        if (!brown.failed) {
+        if (!brown.failed && restrict_terms(brown.f, terms)) {
             *g = tree_of_residues(plan, &terms);
             found = plan.count == 1 || is_number(*g) || divides_both(env, *g);
             if (!found) free_poly(g);

@@ -111,13 +111,13 @@ static void read_terms(PackReader& reader, const polynode* p, int32_t level, int
 static PackTerms run_reader(PackReader& reader, const polynode* p, const PackPlan& plan, const int32_t* low,
                             int64_t terms) {
     int32_t levels = plan.count == 0 ? 0 : plan.level[plan.count - 1] + 1;
-    for (int32_t i = 0; i <= levels; i++) reader.weight[i] = 0, reader.low[i] = 0;
+    // Levels outside the plan hold one exponent only, which counts as digit 0.
+    for (int32_t i = 0; i < k_levels; i++) reader.weight[i] = 0, reader.low[i] = 0, reader.below[i] = 0;
     for (int32_t k = 0; k < plan.count; k++) {
         int32_t level = plan.level[k];
         reader.weight[level] = plan.weight[k];
         reader.low[level] = low != nullptr ? low[level] : plan.low[k];
     }
-    reader.below[levels] = 0;
     for (int32_t i = levels - 1; i >= 0; i--)
         reader.below[i] = reader.below[i + 1] - reader.weight[i] * reader.low[i];
     reader.out.count = 0;

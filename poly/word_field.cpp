@@ -2,6 +2,19 @@
 
 #include "storage/interrupt.h"
 namespace tolvex {
+// Extended Euclid; logarithms in table fields.
+uint32_t wf_inverse(const WordField& f, uint32_t a) {
+    if (f.ext != nullptr) return a == 1 ? 1 : f.ext->order - (a - 1) + 1;
+    if (f.table) return f2t16inv[a];
+    int64_t r0 = f.p, r1 = a, s0 = 0, s1 = 1;
+    while (r1 != 0) {
+        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
+        r0 = r1, r1 = r;
+        s0 = s1, s1 = s;
+    }
+    return static_cast<uint32_t>(s0 < 0 ? s0 + f.p : s0);
+}
+
 int32_t wf_degree(const uint32_t* a, int32_t top) {
     while (top >= 0 && a[top] == 0) top--;
     return top;
@@ -27,7 +40,7 @@ static void one_step(const WordField& f, uint32_t* a, int32_t da, const uint32_t
     uint32_t q = wf_mul(f, a[da], lead_inverse);
     uint32_t* low = a + (da - db);
     if (f.table) {
-        for (int32_t i = 0; i <= db; i++) low[i] ^= wf_mul(f, q, b[i]);
+        for (int32_t i = 0; i <= db; i++) low[i] = wf_sub(f, low[i], wf_mul(f, q, b[i]));
         return;
     }
     uint64_t n = wf_neg(f, q);

@@ -10,16 +10,45 @@
 
 #include <cstdint>
 namespace tolvex {
+struct ExtensionTables;
 struct WordField {
-    uint64_t recip;  // floor(2^64 / p)
-    uint32_t p;      // the prime, or the number of elements
-    bool table;      // GF(2^8), GF(2^16)
+    uint64_t recip;              // floor(2^64 / p)
+    uint32_t p;                  // the prime, or the number of elements
+    bool table;                  // not a prime field: elements are codes, 0 and 1 those of zero and one
+    const ExtensionTables* ext;  // an extension of the ring in force; nil otherwise
+};
+/// A field of p^k elements over a small prime field, elements as logarithms: code 0 is zero, code i + 1 is
+/// g^i.
+struct ExtensionTables {
+    uint32_t prime, order;  // order: number of elements less 1
+    uint32_t minus_one;     // logarithm of -1
+    uint32_t* zech;         // logarithm of 1 + g^n, or `order` where that is 0
+    uint32_t* embed;        // code of the integer c, c = 0..prime-1
 };
 inline WordField word_field_prime(uint32_t p) {
-    return {static_cast<uint64_t>((static_cast<unsigned __int128>(1) << 64) / p), p, false};
+    return {static_cast<uint64_t>((static_cast<unsigned __int128>(1) << 64) / p), p, false, nullptr};
 }
 /// The ring in force, which is a field (modularmode, mod_is_prime or a table field).
-inline WordField word_field_ring() { return {modulus_recip, static_cast<uint32_t>(modulus), finf != 0}; }
+inline WordField word_field_ring() {
+    return {modulus_recip, static_cast<uint32_t>(modulus), finf != 0, nullptr};
+}
+/// The ring in force, or an extension of it with thousands of elements where it has few. Extensions of prime
+/// fields below 1024 and of GF(2^8); tables are kept for the last prime. A gcd that is monic does not change
+/// under extension of the field.
+WordField word_field_enlarged();
+/// The element of the ring in force that stands as code c; false if c lies outside of it.
+bool wf_restrict(const WordField& f, uint32_t c, uint32_t* element);
+
+uint32_t wf_ext_mul(const ExtensionTables& t, uint32_t a, uint32_t b);
+uint32_t wf_ext_add(const ExtensionTables& t, uint32_t a, uint32_t b);
+uint32_t wf_ext_neg(const ExtensionTables& t, uint32_t a);
+/// Products in GF(2^16) whatever table field is in force: the extension of GF(2^8), its low byte.
+inline uint32_t wf_wide_mul(uint32_t a, uint32_t b) {
+    if (a == 0 || b == 0) return 0;
+    uint32_t s = uint32_t{f2t16log[a]} + f2t16log[b];
+    return f2t16exp[s > 65534 ? s - 65535 : s];
+}
+
 /// z mod p for any z; not in a table field.
 inline uint32_t wf_reduce(const WordField& f, uint64_t z) {
     auto q = static_cast<uint64_t>((static_cast<unsigned __int128>(z) * f.recip) >> 64);
@@ -27,19 +56,23 @@ inline uint32_t wf_reduce(const WordField& f, uint64_t z) {
     return static_cast<uint32_t>(r >= f.p ? r - f.p : r);
 }
 inline uint32_t wf_mul(const WordField& f, uint32_t a, uint32_t b) {
-    if (__builtin_expect(f.table, 0)) return static_cast<uint32_t>(table_mult(a, b));
-    return wf_reduce(f, static_cast<uint64_t>(a) * b);
+    if (__builtin_expect(!f.table, 1)) return wf_reduce(f, static_cast<uint64_t>(a) * b);
+    if (f.ext != nullptr) return wf_ext_mul(*f.ext, a, b);
+    return f.p == 65536 ? wf_wide_mul(a, b) : static_cast<uint32_t>(table_mult(a, b));
 }
 inline uint32_t wf_add(const WordField& f, uint32_t a, uint32_t b) {
-    if (__builtin_expect(f.table, 0)) return a ^ b;
+    if (__builtin_expect(f.table, 0)) return f.ext != nullptr ? wf_ext_add(*f.ext, a, b) : a ^ b;
     uint32_t s = a + b;
     return s >= f.p ? s - f.p : s;
 }
+inline uint32_t wf_neg(const WordField& f, uint32_t a) {
+    if (__builtin_expect(f.table, 0)) return f.ext != nullptr ? wf_ext_neg(*f.ext, a) : a;
+    return a == 0 ? 0 : f.p - a;
+}
 inline uint32_t wf_sub(const WordField& f, uint32_t a, uint32_t b) {
-    if (__builtin_expect(f.table, 0)) return a ^ b;
+    if (__builtin_expect(f.table, 0)) return wf_add(f, a, wf_neg(f, b));
     return a >= b ? a - b : a + f.p - b;
 }
-inline uint32_t wf_neg(const WordField& f, uint32_t a) { return f.table || a == 0 ? a : f.p - a; }
 /// a^e, e >= 0.
 inline uint32_t wf_power(const WordField& f, uint32_t a, uint64_t e) {
     uint32_t r = 1;
@@ -49,20 +82,11 @@ inline uint32_t wf_power(const WordField& f, uint32_t a, uint64_t e) {
     }
     return r;
 }
-/// The inverse of a, which is not 0. Extended Euclid.
-inline uint32_t wf_inverse(const WordField& f, uint32_t a) {
-    if (f.table) return static_cast<uint32_t>(mod_inverse_or_0(static_cast<int32_t>(a)));
-    int64_t r0 = f.p, r1 = a, s0 = 0, s1 = 1;
-    while (r1 != 0) {
-        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
-        r0 = r1, r1 = r;
-        s0 = s1, s1 = s;
-    }
-    return static_cast<uint32_t>(s0 < 0 ? s0 + f.p : s0);
-}
+/// The inverse of a, which is not 0.
+uint32_t wf_inverse(const WordField& f, uint32_t a);
 /// The image of a leaf: a chain modulo p, or the residue itself.
 inline uint32_t wf_of_number(const WordField& f, const number* n) {
-    if (lintmode) return static_cast<uint32_t>(n->lint);
+    if (lintmode) return f.ext != nullptr ? f.ext->embed[n->lint] : static_cast<uint32_t>(n->lint);
     if (n->size == 1) {
         int32_t v = n->head->value;
         uint32_t magnitude = static_cast<uint32_t>(v < 0 ? -v : v);

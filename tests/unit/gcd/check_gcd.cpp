@@ -1,0 +1,163 @@
+// Identities of the gcd in every ground ring, and the engines compared with the remainder sequence.
+#include "gcd/content.h"
+#include "gcd/gcd_driver.h"
+#include "gcd/gcd_internal.h"
+#include "numbers/num_compare.h"
+#include "numbers/number_modes.h"
+#include "poly/div_general.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_mult.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "tests/support/random_poly.h"
+
+#include <string>
+using namespace tolvex;
+using namespace tolvex::test;
+namespace {
+struct PolyGuard {  // frees at the end of a test body; tests raise no errors
+    poly p = nullptr;
+    ~PolyGuard() { free_poly(&p); }
+    operator poly() const { return p; }
+    polyptrr operator&() { return &p; }
+};
+
+const Ring& pick_ring(int round) {
+    const Ring& r = all_rings[round % all_ring_count];
+    use_variables(4);
+    use_ring(r);
+    return r;
+}
+
+bool composite() { return ring_is_composite(); }
+
+bool divides(poly d, poly n) {
+    poly q = nullptr;
+    boolean failed = 0;
+    gen_poly_divide(n, d, &q, polynames, &failed);
+    free_poly(&q);
+    return !failed;
+}
+
+Shape random_shape(Rng& rng, bool sparse) {
+    Shape s{};
+    s.levels = random_int(rng, 1, 4);
+    s.terms = random_int(rng, 1, sparse ? 6 : 12);
+    s.max_exp = sparse ? random_int(rng, 1, 12) : random_int(rng, 1, 3);
+    const Coefs styles[] = {Coefs::small, Coefs::digit, Coefs::two_digits, Coefs::huge, Coefs::ones, Coefs::corners};
+    s.coefs = styles[random_int(rng, 0, 5)];
+    return s;
+}
+
+// A gcd over a domain in normal form.
+void expect_normal(poly g) {
+    if (modularmode) {
+        EXPECT_EQ(leading_coef(g)->ncoef->lint, 1);
+    } else {
+        EXPECT_EQ(chain_sign(leading_coef(g)->ncoef), 1);
+    }
+}
+}  // namespace
+
+PROPERTY(gcd_divides_both_and_cofactors_are_coprime, 600) {
+    const Ring& ring = pick_ring(round);
+    SCOPED_TRACE(ring.name);
+    int64_t before = live_records();
+    {
+        Shape s = random_shape(rng, rng() & 1);
+        PolyGuard a, b, c, u, v, g, qa, qb, h;
+        a.p = random_nonzero_poly(rng, s);
+        b.p = random_nonzero_poly(rng, s);
+        c.p = random_nonzero_poly(rng, s);
+        poly_mult(a, c, &u, polynames);
+        poly_mult(b, c, &v, polynames);
+        if (poly_iszero(u) || poly_iszero(v)) return;  // zero divisors
+        SCOPED_TRACE("u = " + text_of(u) + "   v = " + text_of(v));
+        Lpolygcd(u, v, &g, 0, polynames);
+        SCOPED_TRACE("g = " + text_of(g));
+        EXPECT_TRUE(poly_check(g, number_polys));
+        boolean failed = 0;
+        gen_poly_divide(u, g, &qa, polynames, &failed);
+        ASSERT_FALSE(failed);
+        gen_poly_divide(v, g, &qb, polynames, &failed);
+        ASSERT_FALSE(failed);
+        if (!composite()) {
+            expect_normal(g);
+            EXPECT_TRUE(divides(c, g));
+            Lpolygcd(qa, qb, &h, 0, polynames);
+            EXPECT_TRUE(poly_eq_1(h)) << text_of(h);
+        }
+    }
+    EXPECT_EQ(live_records(), before);
+    use_integers();
+}
+
+PROPERTY(gcd_is_homogeneous_and_symmetric, 300) {
+    const Ring& ring = pick_ring(round);
+    SCOPED_TRACE(ring.name);
+    if (!composite()) {
+        Shape s = random_shape(rng, rng() & 1);
+        PolyGuard a, b, c, u, v, g, g2, h;
+        a.p = random_nonzero_poly(rng, s);
+        b.p = random_nonzero_poly(rng, s);
+        c.p = random_nonzero_poly(rng, s);
+        poly_mult(a, c, &u, polynames);
+        poly_mult(b, c, &v, polynames);
+        Lpolygcd(a, b, &h, 0, polynames);
+        poly_mult(h, c, &h, polynames);
+        gcd_normal_form(&h.p);
+        Lpolygcd(u, v, &g, 0, polynames);
+        Lpolygcd(v, u, &g2, 0, polynames);
+        EXPECT_TRUE(poly_equal(g, h)) << text_of(g) << "  against  " << text_of(h);
+        EXPECT_TRUE(poly_equal(g, g2));
+    }
+    use_integers();
+}
+
+// The remainder sequence on its own against the driver.
+PROPERTY(engines_agree_with_the_remainder_sequence, 300) {
+    const Ring& ring = pick_ring(round);
+    SCOPED_TRACE(ring.name);
+    if (!composite()) {
+        Shape s{};
+        s.levels = random_int(rng, 1, 3);
+        s.terms = 5;
+        s.max_exp = 2;
+        PolyGuard a, b, c, u, v, g, w, cu, cv;
+        a.p = random_nonzero_poly(rng, s);
+        b.p = random_nonzero_poly(rng, s);
+        c.p = random_nonzero_poly(rng, s);
+        poly_mult(a, c, &u, polynames);
+        poly_mult(b, c, &v, polynames);
+        if (!is_number(u) && !is_number(v) && u.p->exp > 0 && v.p->exp > 0) {
+            cu.p = content_fresh(u, polynames);
+            cv.p = content_fresh(v, polynames);
+            u.p = without_content(u, cu, polynames);
+            v.p = without_content(v, cv, polynames);
+            w.p = prs_gcd(u, v, polynames);
+            gcd_normal_form(&w.p);
+            Lpolygcd(u, v, &g, 0, polynames);
+            EXPECT_TRUE(poly_equal(g, w)) << text_of(g) << "  against  " << text_of(w) << " of " << text_of(u)
+                                          << " and " << text_of(v);
+        }
+    }
+    use_integers();
+}
+
+PROPERTY(content_divides_and_leaves_a_primitive_part, 200) {
+    const Ring& ring = pick_ring(round);
+    SCOPED_TRACE(ring.name);
+    if (!composite()) {
+        PolyGuard p, c, q, rest;
+        p.p = random_nonzero_poly(rng, random_shape(rng, false));
+        if (!is_number(p)) {
+            content(p, &c, polynames, 0, 1, 1);
+            boolean failed = 0;
+            gen_poly_divide(p, c, &q, polynames, &failed);
+            ASSERT_FALSE(failed);
+            content(q, &rest, polynames, 0, 1, 1);
+            EXPECT_TRUE(poly_eq_1(rest)) << text_of(p) << " over " << text_of(c);
+        }
+    }
+    use_integers();
+}
