@@ -21,23 +21,6 @@
 #include "quoly/reduce.h"
 #include "storage/failure.h"
 namespace tolvex {
-uint64_t word_gcd(uint64_t a, uint64_t b) {
-    if (a == 0) return b;
-    if (b == 0) return a;
-    int shift = __builtin_ctzll(a | b);
-    a >>= __builtin_ctzll(a);
-    do {
-        b >>= __builtin_ctzll(b);
-        if (a > b) {
-            uint64_t t = a;
-            a = b;
-            b = t;
-        }
-        b -= a;
-    } while (b != 0);
-    return a << shift;
-}
-
 // ---- the ends of all operations ------------------------------------------------------------------------
 
 void receive_number(quolyptr p, imptr n) {

@@ -29,6 +29,9 @@ inline constexpr int32_t quolysize = 40;
 inline quoly quolygarb = nullptr;
 inline quoly quol_num_0 = nullptr, quol_num_1 = nullptr;  // right in either mode; never consumed
 
+/// Makes the two constants above. Needs the stashes and the number constants; a second call does nothing.
+void init_quoly_constants();
+
 /// *q := a record with numb, arr_arg, rat 0 and denom nil.
 inline void newquoly(quolyptr q) {
     *q = pool_pop<&quolynode::next>(quolygarb, quolystash);

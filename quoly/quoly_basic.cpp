@@ -9,6 +9,21 @@
 #include "poly/poly_test.h"
 #include "quoly/quoly_internal.h"
 namespace tolvex {
+/// A number that is right in either mode: its chain and its word.
+static quoly make_constant(const number& n) {
+    quoly q;
+    init_quoly_node(&q);
+    spec_num_assign(&n, q->ncoef);
+    q->ncoef->lint = n.lint;
+    return q;
+}
+
+void init_quoly_constants() {
+    if (quol_num_0 != nullptr) return;
+    quol_num_0 = make_constant(number_0);
+    quol_num_1 = make_constant(number_1);
+}
+
 void quoly_set(int32_t n, quolyptr q) { setvalue(n, numb_target(q)); }
 
 // A source inside the old value of *q is still read here: the old value goes last.

@@ -39,44 +39,52 @@ static void fraction_to_mod(quolyptr q) {
     check_quoly(q, laurent);
 }
 
+static void number_to_mod(imptr n) {
+    auto v = static_cast<int32_t>(chain_mod_word(n, static_cast<uint32_t>(finf ? 2 : modulus)));
+    special_free(n);
+    n->lint = v;
+}
+
 void quoly_change_to_mod(quolyptr q) {
+    if ((*q)->numb) {
+        number_to_mod((*q)->ncoef);
+        return;
+    }
     boolean was_modular = modularmode, was_lint = lintmode;
     modularmode = lintmode = 1;
-    if ((*q)->numb) {
-        imptr n = (*q)->ncoef;
-        auto v = static_cast<int32_t>(chain_mod_word(n, static_cast<uint32_t>(finf ? 2 : modulus)));
-        special_free(n);
-        n->lint = v;
-    } else {
-        fraction_to_mod(q);
-    }
+    fraction_to_mod(q);
     modularmode = was_modular;
     lintmode = was_lint;
+}
+
+static void number_from_mod(imptr n, bool symmetric) {
+    boolean was_lint = lintmode;
+    lintmode = 0;
+    int32_t v = n->lint;
+    n->size = 0;
+    setvalue(symmetric && v > half_modulus ? v - modulus : v, n);
+    lintmode = was_lint;
+}
+
+/// Over Z the image of a monic denominator is reduced already, but one that had no unique form may not be.
+static void fraction_from_mod(quolyptr q, bool symmetric) {
+    auto change = symmetric ? poly_change_from_mod_symmetric : poly_change_from_mod;
+    change(&(*q)->numer);
+    if ((*q)->denom != nullptr) change(&(*q)->denom);
+    RingState modular_ring = ring_capture();
+    ring_enter_integers();
+    check_quoly(q, laurent);
+    ring_assign(modular_ring);
 }
 
 void quoly_change_from_mod(quolyptr q) {
     bool table_field = finf || modulus == 256 || modulus == 65536;
     bool symmetric = alt_form_display && !table_field;
-    quoly v = *q;
-    if (!v->numb) {
-        boolean was_modular = modularmode, was_lint = lintmode;
-        modularmode = lintmode = 1;
-        auto change = symmetric ? poly_change_from_mod_symmetric : poly_change_from_mod;
-        change(&v->numer);
-        if (v->denom != nullptr) change(&v->denom);
-        modularmode = was_modular;
-        lintmode = was_lint;
-    }
-    RingState state = ring_capture();
-    ring_enter_integers();
-    if (v->numb) {
-        int32_t n = v->ncoef->lint;
-        v->ncoef->size = 0;
-        setvalue(symmetric && n > state.half_modulus ? n - state.modulus : n, v->ncoef);
+    if ((*q)->numb) {
+        number_from_mod((*q)->ncoef, symmetric);
     } else {
-        check_quoly(q, laurent);
+        fraction_from_mod(q, symmetric);
     }
-    ring_assign(state);
 }
 
 // ---- variable lists ------------------------------------------------------------------------------------

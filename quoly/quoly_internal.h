@@ -58,9 +58,6 @@ inline bool rational_words(const quolynode* q, int32_t* n, int32_t* d) {
     *d = bottom->head->value;
     return true;
 }
-/// Greatest common divisor of magnitudes; gcd(0, b) = b.
-uint64_t word_gcd(uint64_t a, uint64_t b);
-
 /// After an operation that was allowed to use up n or m: gives back what is left of them, unless it is *p.
 void drop_used(quoly n, quoly m, quolyptr p, uint32_t uses);
 

@@ -1,5 +1,6 @@
 #include "quoly/quoly_rats.h"
 
+#include "numbers/limbs.h"
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"

@@ -1,5 +1,6 @@
 #include "quoly/quoly_scalar.h"
 
+#include "numbers/limbs.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_gcd.h"
