@@ -7,6 +7,7 @@
 #include <initializer_list>
 namespace tolvex {
 void* checked_malloc(size_t bytes) {
+    if (bytes == 0) bytes = 1;  // nil always means failure
     void* p = std::malloc(bytes);
     if (p == nullptr) {
         mem_error();

@@ -32,6 +32,16 @@ Block* new_block(Block* below, size_t size) {
     return b;
 }
 
+/// Gives back the blocks kept above b.
+void drop_above(Block* b) {
+    for (Block* p = b->above; p != nullptr;) {
+        Block* next = p->above;
+        free(p);
+        p = next;
+    }
+    b->above = nullptr;
+}
+
 unsigned char* aligned(unsigned char* p) {
     return reinterpret_cast<unsigned char*>((reinterpret_cast<uintptr_t>(p) + k_align - 1) & ~(k_align - 1));
 }
@@ -50,10 +60,7 @@ void scratch_release(ScratchMark mark) {
             return;
         }
         POOL_POISON(b->base(), b->size);
-        if (b->size > k_kept || current->above != b) {
-            if (current->above == b) current->above = nullptr;
-            free(b);
-        }
+        if (b->size > k_kept) drop_above(current);
     }
     used = mark.used;
     if (current != nullptr) POOL_POISON(current->base() + used, current->size - used);
@@ -65,8 +72,8 @@ void* scratch_bytes(size_t bytes) {
     if (bytes + k_align > current->size - used) {
         Block* next = current->above;
         if (next != nullptr && next->size < bytes + k_align) {
-            free(next);
-            current->above = next = nullptr;
+            drop_above(current);
+            next = nullptr;
         }
         if (next == nullptr) {
             size_t size = current->size * 2;

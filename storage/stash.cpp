@@ -1,6 +1,8 @@
 #include "storage/stash.h"
 
+#include "storage/checked.h"
 #include "storage/failure.h"
+#include "storage/memory.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,6 +32,7 @@ void open_all_stashes() {
 }
 
 bool get_block(stash_rec* pstash) {
+    if (pstash->slug_size > k_block_bytes) return false;  // no block holds such a slug
     if (extra_blocks == nullptr && !more_mem()) return false;
     stashblock* b = extra_blocks;
     extra_blocks = b->pblock;
@@ -92,13 +95,9 @@ int32_t* get_small(int32_t number) {
     constexpr int32_t k_chunk_words = 131072;  // 512 KiB
     static int32_t* nextloc = nullptr;
     static int32_t numleft = 0;
-    if (numleft < number) {
-        auto* chunk = static_cast<int32_t*>(std::malloc(k_chunk_words * sizeof(int32_t)));
-        if (chunk == nullptr) {
-            mem_error();
-            tolvex_error("out of memory.\n");
-        }
-        nextloc = chunk;
+    CHECK(number >= 0 && number <= k_chunk_words);
+    if (numleft < number) {  // the rest of the old chunk is abandoned
+        nextloc = static_cast<int32_t*>(checked_malloc(k_chunk_words * sizeof(int32_t)));
         numleft = k_chunk_words;
     }
     int32_t* p = nextloc;
