@@ -1,6 +1,6 @@
 // Binomial coefficients, in each form that a number has. Declared in numbers/residue.h.
 #include "numbers/data_files.h"
-#include "numbers/limbs.h"
+#include "numbers/limb_product.h"
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_divide.h"
@@ -11,7 +11,7 @@
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
-#include <cmath>
+#include <bit>
 namespace tolvex {
 namespace {
 /// A product of integers in Z/m whose factors in the primes of m are counted apart, so that it can be divided
@@ -57,39 +57,16 @@ int32_t binom_by_steps(int32_t a, int32_t b) {
     return result;
 }
 
-/// Bits of C(a, b), b <= a - b, by Stirling's formula: at most some bits off.
-double binom_bits(double a, double b) {
-    return (std::lgamma(a + 1) - std::lgamma(b + 1) - std::lgamma(a - b + 1)) / std::log(2.0);
-}
-
-/// r[0..n) := product of first..last; returns n. Halving keeps the operands of the big products of equal
-/// length.
-int64_t product_of_range(limb* r, int64_t first, int64_t last) {
-    if (last - first < 8) {
-        int64_t n = 1;
-        r[0] = 1;
-        for (int64_t f = first; f <= last; f++) {
-            limb carry = limbs_mul_1(r, r, n, static_cast<limb>(f));
-            if (carry != 0) r[n++] = carry;
-        }
-        return n;
-    }
-    poll_interrupt();
-    int64_t middle = first + (last - first) / 2;
-    ScratchMark mark = scratch_mark();
-    limb* low = scratch_array<limb>((middle - first + 2) / 2 + 1);  // factors are below 2^32
-    limb* high = scratch_array<limb>((last - middle + 1) / 2 + 1);
-    int64_t low_n = product_of_range(low, first, middle), high_n = product_of_range(high, middle + 1, last);
-    limbs_mul(r, high, high_n, low, low_n);
-    int64_t n = limbs_trim(r, low_n + high_n);
-    scratch_release(mark);
-    return n;
-}
-
+/// x := first ... last, 1 for an empty range.
 void chain_of_range(imptr x, int64_t first, int64_t last) {
+    if (first > last) {
+        num_make_digit(x, 1);
+        return;
+    }
+    auto low = static_cast<limb>(first), high = static_cast<limb>(last);
     ScratchMark mark = scratch_mark();
-    limb* r = scratch_array<limb>((last - first + 2) / 2 + 2);
-    int64_t n = product_of_range(r, first, last);
+    limb* r = scratch_array<limb>(limbs_range_room(low, high));
+    int64_t n = limbs_range_product(r, low, high);
     chain_from_limbs(x, r, n, false);
     scratch_release(mark);
 }
@@ -151,13 +128,13 @@ int32_t lint_binom(int32_t a, int32_t b) {
 
 void rat_binom(int32_t a, int32_t b, imptr ans) {
     constexpr int32_t k_table_rows = 152;
-    constexpr double k_bits = 2147483648.0;  // 1.2 gigabytes as a chain
+    constexpr int64_t k_bits = INT64_C(1) << 32;  // of the product that is divided: half a gigabyte
     if (b > a - b) b = a - b;
     if (a <= k_table_rows && a >= 3) {
         binom_from_table(a, b, ans);
         return;
     }
-    if (binom_bits(a, b) > k_bits) {
+    if (static_cast<int64_t>(b) * std::bit_width(static_cast<uint32_t>(a)) > k_bits) {
         error(Err::binomial_too_large);
         special_free(ans);
         num_make_digit(ans, 0);

@@ -194,8 +194,9 @@ void append(Digits* digits, char c) {
 /// token; the history gets those that it can hold.
 void append_run(FILE* inf, Digits* digits) {
     int64_t start_of_run = digits->count;
-    int c = peek_char(inf);
-    for (; is_digit(c); c = peek_char(inf)) append(digits, static_cast<char>(read_char(inf)));
+    int c = read_char(inf);
+    for (; is_digit(c); c = read_char(inf)) append(digits, static_cast<char>(c));
+    if (c != EOF) ungetc(c, inf);
     int64_t first = digits->count - start_of_run > k_ring_size ? digits->count - k_ring_size : start_of_run;
     tokentipe digit = {};
     digit.address = -1;

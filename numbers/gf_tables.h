@@ -14,10 +14,11 @@ extern int16_t f256sqr[256];  // square roots
 extern int16_t f256inv[256];
 extern uint16_t f2t16exp[65536], f2t16log[65536], f2t16inv[65536], f2t16sqr[65536];
 
+/// x y in the table field in force. The masks change no element; they keep every index inside its table.
 inline int32_t table_mult(uint32_t x, uint32_t y) {
-    if (f256) return f256prod[x][y];
+    if (f256) return f256prod[x & 255][y & 255];
     if (x == 0 || y == 0) return 0;
-    uint32_t s = static_cast<uint32_t>(f2t16log[x]) + f2t16log[y];
+    uint32_t s = static_cast<uint32_t>(f2t16log[x & 65535]) + f2t16log[y & 65535];
     return f2t16exp[s > 65534 ? s - 65535 : s];
 }
 }  // namespace tolvex

@@ -49,8 +49,8 @@ void mod_number_power(int32_t base, int64_t expon, int32_t* ans);  ///< expon >=
 /// Any integer as an element of the ring in force: reduced; in a table field the code n mod 256 (65536) of
 /// |n|.
 int32_t residue_of_int(int64_t n);
-/// Binomial coefficients: residues, words (wrapping), chains. a >= b >= 0. Error 279 if it cannot be held.
-int32_t mod_binom(int32_t a, int32_t b);
-int32_t lint_binom(int32_t a, int32_t b);
-void rat_binom(int32_t a, int32_t b, imptr ans);
+/// Binomial coefficients for a >= b >= 0. Error 279 if the value does not fit a word, or the memory; then 0.
+int32_t mod_binom(int32_t a, int32_t b);          ///< in the ring in force; by Lucas' theorem modulo a prime
+int32_t lint_binom(int32_t a, int32_t b);         ///< a word
+void rat_binom(int32_t a, int32_t b, imptr ans);  ///< a chain; up to a = 152 from the table
 }  // namespace tolvex
