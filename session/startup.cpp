@@ -18,10 +18,10 @@
 #include "storage/stash.h"
 
 #include <cstdio>
-#include <initializer_list>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -37,15 +37,21 @@ static constexpr int32_t k_text_length = 255;
 static bool read_quoted(FILE* inf, nameptr* flag, char* text) {
     int32_t n = 0;
     Err fault = Err{};
-    for (;;) {
+    while (fault == Err{}) {
         boolean line_end = 0;
-        if (*flag == nullptr && at_end(inf)) fault = Err::end_of_file_inside;
-        if (fault != Err{}) break;
+        if (*flag == nullptr && at_end(inf)) {
+            fault = Err::end_of_file_inside;
+            break;
+        }
         dumbscanner(inf, &token, flag, &line_end);
         if (tok_is(token, "'")) break;
-        if (n == k_text_length) fault = Err::text_too_long;
-        if (line_end || tok_is(token, k_end_token)) fault = Err::bad_file_name;
-        text[n++] = static_cast<char>(tok_char(token));
+        if (line_end || tok_is(token, k_end_token)) {
+            fault = Err::bad_file_name;
+        } else if (n == k_text_length) {
+            fault = Err::text_too_long;
+        } else {
+            text[n++] = static_cast<char>(tok_char(token));
+        }
     }
     text[n] = 0;
     if (fault != Err{}) {
@@ -69,8 +75,8 @@ void set_prompt(const char* text) {
     printf(" Prompt now:%s\n", prompt);
 }
 
-/// `&(M = text)`; the first token of the text is current.
-static void set_prompt_form(FILE* inf, nameptr* flag) {
+/// `&(M = text)`, and the names of files; the first token of the text is current.
+static void set_text_form(FILE* inf, nameptr* flag, const char* letter) {
     char text[k_text_length + 1];
     if (tok_is(token, "'")) {
         if (!read_quoted(inf, flag, text)) return;
@@ -78,11 +84,16 @@ static void set_prompt_form(FILE* inf, nameptr* flag) {
         strcpy(text, tok_text(token));
         next_token(inf, flag);
     }
+    bool names_file = strcmp(letter, "M") != 0;
     if (!tok_is(token, ")")) {
         error(Err::switch_close_paren);
-        return;
+    } else if (names_file && (*text == 0 || strcmp(text, " ") == 0)) {
+        error(Err::bad_file_name);
+    } else if (names_file) {
+        error(Err::switch_unknown, letter);
+    } else {
+        set_prompt(text);
     }
-    set_prompt(text);
 }
 
 // ---- numbers -------------------------------------------------------------------------------------------
@@ -126,7 +137,8 @@ static bool read_number(SwitchForm& form, int32_t* v) {
     restore_modular(modular);
     bool may_be_negative = strcmp(form.letter, "D") == 0;
     if (!number) {
-        error(form.row != nullptr ? form.row->set_not_number : Err::switch_not_number, form.letter);
+        bool own = form.row != nullptr && form.row->set_not_number != Err{};
+        error(own ? form.row->set_not_number : Err::switch_not_number, form.letter);
     } else if (*v < 0 && !may_be_negative) {
         error(Err::switch_negative);
     } else {
@@ -228,8 +240,8 @@ void set_switch(FILE* inf, quolyptr n, nameptr* flag) {
         return;
     }
     next_token(inf, flag);
-    if (strcmp(form.letter, "M") == 0) {
-        set_prompt_form(inf, flag);
+    if (strcmp(form.letter, "M") == 0 || strcmp(form.letter, "R") == 0 || strcmp(form.letter, "S") == 0) {
+        set_text_form(inf, flag, form.letter);
     } else if (strcmp(form.letter, "p") == 0) {
         set_ring_form(form);
     } else {
