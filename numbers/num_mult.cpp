@@ -145,28 +145,21 @@ void multout(int32_t first, int32_t last, imptr ans) {
 }
 
 void factorial(imptr n) {
-    // The greatest arguments whose factorial fits a word, and whose square fits a word of modular mode.
+    // The greatest argument whose factorial fits a word, and the greatest one of modular mode.
     constexpr int32_t k_word_limit = 12, k_modular_limit = 46340;
-    if (lintmode ? n->lint < 0 : n->head->value < 0 || n->size > 1) {
+    bool out_of_range = lintmode ? n->lint < 0 : n->head->value < 0 || n->size > 1;
+    if (modularmode && !finf && n->lint < modulus && n->lint > k_modular_limit) out_of_range = true;
+    if (out_of_range) {
         error(Err::factorial_range);
-        return;
-    }
-    if (modularmode) {
-        int32_t v = n->lint;
-        if (finf) {  // there, the integers are 0 and 1 only
-            n->lint = v < 2;
-        } else if (v >= modulus) {
-            n->lint = 0;
-        } else if (v > k_modular_limit) {
-            error(Err::factorial_range);
-        } else {
-            multout(1, v, n);
-        }
+        setvalue(0, n);
+    } else if (modularmode && finf) {  // there, the integers are 0 and 1 only
+        n->lint = n->lint < 2;
+    } else if (modularmode && n->lint >= modulus) {
+        n->lint = 0;
+    } else if (lintmode && !modularmode && n->lint > k_word_limit) {
+        error(Err::factorial_word_range);
+        n->lint = 0;
     } else if (lintmode) {
-        if (n->lint > k_word_limit) {
-            error(Err::factorial_word_range);
-            return;
-        }
         multout(1, n->lint, n);
     } else {
         auto v = static_cast<uint32_t>(n->head->value);
