@@ -40,8 +40,8 @@ inline limb mul_plain(limb* r, const limb* a, int64_t n, limb w, limb carry) {
 
 #if defined(__x86_64__) && defined(__GNUC__)
 // Processors with mulx, adcx and adox add on two carry chains at once, which no compiler makes of the plain
-// form: blocks of limbs in machine code, about twice as fast. H and L alternate as high word of one product and
-// carry into the next.
+// form: blocks of limbs in machine code, about twice as fast. H and L alternate as high word of one product
+// and carry into the next.
 bool two_carry_chains() {
     unsigned a, b, c, d;
     constexpr unsigned k_bmi2 = 1u << 8, k_adx = 1u << 19;
@@ -49,8 +49,7 @@ bool two_carry_chains() {
 }
 const bool fast_carries = two_carry_chains();
 
-#define MUL_STEP(at, in, out)                                                                                \
-    "mulx " #at "(%[a]), %[l], %[" out "]\n\tadcx %[" in "], %[l]\n\t"
+#define MUL_STEP(at, in, out) "mulx " #at "(%[a]), %[l], %[" out "]\n\tadcx %[" in "], %[l]\n\t"
 #define ADD_STEP(at, in, out) MUL_STEP(at, in, out) "adox " #at "(%[r]), %[l]\n\tmov %[l], " #at "(%[r])\n\t"
 // r - x is the complement of (complement of r) + x.
 #define SUB_STEP(at, in, out)                                                                                \
@@ -62,7 +61,7 @@ const bool fast_carries = two_carry_chains();
 #define EIGHT(step) FOUR(step) TWO(step, 32, 40) TWO(step, 48, 56)
 // The exclusive or clears both carries; the last two instructions fold them into the carry word.
 #define BLOCK(steps)                                                                                         \
-    asm volatile("xor %k[z], %k[z]\n\t" steps "adcx %[z], %[c]\n\tadox %[z], %[c]"                            \
+    asm volatile("xor %k[z], %k[z]\n\t" steps "adcx %[z], %[c]\n\tadox %[z], %[c]"                           \
                  : [c] "+&r"(carry), [h] "=&r"(h), [l] "=&r"(l), [t] "=&r"(t), [z] "=&r"(z)                  \
                  : [a] "r"(a), [r] "r"(r), "d"(w)                                                            \
                  : "memory", "cc")
