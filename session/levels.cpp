@@ -6,6 +6,7 @@
 #include "language/tokens/scanner.h"
 #include "numbers/data_files.h"
 #include "numbers/ring_switch.h"
+#include "quoly/quoly_mult.h"
 #include "session/jumps.h"
 #include "session/loop.h"
 #include "session/messages.h"
@@ -56,6 +57,7 @@ void clear_statement_counters() {
     matrix_eval = syst_dump = 0;
     startexpr = prev_expr = currentchar = nullptr;
     levelcount = 1;
+    quotient_by_zero = 1;
     time_level = 1;
     for (TimePair& off : time_off) off = {};
     time_to_quit = 0;
@@ -174,19 +176,23 @@ static void open_level() {
         panic_stop();
     }
     SuspendedStatement below = suspend_statement();
+    bool at_prompt = !line_open;
     breaktime[time_level] = time_now();
     levelcount++;
+    quotient_by_zero = 0;  // above level 1 a division by 0 is a warning, and its value 0
     time_level++;
     time_off[time_level] = {};
     enter_pushed_level();
     run_level();
     levelcount--;
+    quotient_by_zero = levelcount == 1;
     time_level--;
     TimePair now = time_now();
     time_off[time_level].seconds += now.seconds - breaktime[time_level].seconds;
     time_off[time_level].ticks += now.ticks - breaktime[time_level].ticks;
     printf("*** Resuming earlier command level\n");
     fflush(Output);
+    if (at_prompt) drop_open_line();  // nothing has been read below: the line of `&_p` is no statement there
     resume_statement(below);
 }
 
@@ -207,17 +213,20 @@ extern "C" {
 static void note_interrupt(int) { interrupt_pending = 1; }
 }
 
-void install_interrupt_handler() {
+void let_interrupts_break_reads(bool yes) {
     struct sigaction act = {};
     act.sa_handler = note_interrupt;
     sigemptyset(&act.sa_mask);
-    act.sa_flags = 0;  // a read that waits for the terminal comes back
+    act.sa_flags = yes ? 0 : SA_RESTART;
     sigaction(SIGINT, &act, nullptr);
 }
+
+void install_interrupt_handler() { let_interrupts_break_reads(false); }
 
 void take_interrupt() {
     if (interrupts_held > 0) return;
     interrupt_pending = 0;
+    let_interrupts_break_reads(false);
     new_level();
 }
 

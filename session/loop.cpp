@@ -11,6 +11,7 @@
 #include "session/levels.h"
 #include "storage/audit.h"
 #include "storage/failure.h"
+#include "storage/interrupt.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -68,6 +69,18 @@ static void flush_before_reading() {
     if (!line_is_buffered()) fflush(Output);
 }
 
+// While the first character of a line is awaited an interrupt breaks the read off, so that a level opens at
+// once; everywhere else reads and writes are restarted, so that none is cut short.
+int await_character() {
+    if (line_is_buffered()) return peek_char(Input);
+    fflush(Output);
+    let_interrupts_break_reads(true);
+    poll_interrupt();
+    int c = peek_char(Input);
+    let_interrupts_break_reads(false);
+    return c;
+}
+
 void drop_open_line() {
     if (line_open) drop_line(Input);
     line_open = 0;
@@ -75,8 +88,7 @@ void drop_open_line() {
 }
 
 void read_first_token() {
-    flush_before_reading();
-    int c = peek_char(Input);
+    int c = await_character();
     for (; c == ' ' || c == '\t' || c == '\r'; c = peek_char(Input)) read_char(Input);
     if (c == EOF) jump_to_farewell();
     scanner(Input, &token, &zilch);
@@ -111,6 +123,7 @@ static void drop_prompt_characters() {
 static void prompt_step() {
     leftover[0] = 0;
     write_prompt();
+    flush_before_reading();
     int c = peek_char(Input);
     for (; c == ' ' || c == '\t' || c == '\r'; c = peek_char(Input)) read_char(Input);
     if (c != '\n') return;

@@ -35,6 +35,8 @@ void run_level();
 void do_prompts();
 /// Drops the rest of the line of the standard input that is under way, if any.
 void drop_open_line();
+/// The first character of a line, not read yet; all output is on the screen before it is waited for.
+int await_character();
 /// The first token of a statement or an answer; at the end of the input the session ends.
 void read_first_token();
 /// True if the current token may end a statement.

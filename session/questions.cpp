@@ -71,9 +71,8 @@ FILE* open_answer(const char* text) {
 
 void ask_line(const char* text, char* line, int32_t size) {
     QuestionMark mark = begin(text);
-    fflush(Output);
     int32_t n = 0;
-    int c = peek_char(Input);
+    int c = await_character();
     for (; c != '\n' && c != EOF; c = peek_char(Input)) {
         read_char(Input);
         line_open = 1;
