@@ -1,6 +1,7 @@
 #include "poly/dense_mult.h"
 
 #include "poly/dense_kernels.h"
+#include "poly/dense_ntt.h"
 #include "storage/failure.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
@@ -13,9 +14,11 @@ namespace {
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int32_t k_karatsuba_entries = 4;
 constexpr int32_t k_table_karatsuba_entries = 4;
+constexpr int32_t k_ntt_entries = 12;
 #else
-constexpr int32_t k_karatsuba_entries = 96;
+constexpr int32_t k_karatsuba_entries = 160;
 constexpr int32_t k_table_karatsuba_entries = 32;
+constexpr int32_t k_ntt_entries = 280;
 #endif
 }  // namespace
 
@@ -81,7 +84,11 @@ void wf_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* 
     }
     if (bn < (f.table ? k_table_karatsuba_entries : k_karatsuba_entries))
         school_mult(f, a, an, b, bn, c);
-    else if (an >= 2 * bn)
+    else if (!f.table && bn >= k_ntt_entries && an / 8 < bn && ntt_fits(an, bn))
+        ntt_mult(f, a, an, b, bn, c);
+    else if (!f.table && bn >= k_ntt_entries && ntt_fits(4 * bn, bn) && an / 8 >= bn)
+        piecewise(f, a, an, b, bn, c, 4 * bn);
+    else if (an / 2 >= bn)
         piecewise(f, a, an, b, bn, c, bn);
     else
         karatsuba(f, a, an, b, bn, c);
