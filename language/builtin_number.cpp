@@ -10,8 +10,12 @@
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
+#include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
 #include "quoly/quoly_scalar.h"
+#include "storage/interrupt.h"
+
+#include <cstdio>
 namespace tolvex {
 // ---- constants -----------------------------------------------------------------------------------------
 
@@ -180,6 +184,91 @@ void builtin_Rand(BuiltinCall& call) {
     setvalue_any(modularmode ? residue_of_int(rand_denom_n) : rand_denom_n, denominator->ncoef);
     fast_quoly_quot(call.n, denominator, 0);
     free_quoly(&denominator);
+}
+
+// ---- powers --------------------------------------------------------------------------------------------
+
+/// The bits of an exponent from the top down.
+struct BitReader {
+    const number* e;
+    const numnode* digit;
+    int32_t bit;
+};
+
+static BitReader bits_of(const number* e) {
+    if (lintmode) return {e, nullptr, 30};
+    return {e, e->head, k_digit_bits - 1};
+}
+
+/// The next bit, -1 after the last one.
+static int32_t next_bit(BitReader* r) {
+    if (r->bit < 0) {
+        if (lintmode || r->digit->next == nullptr) return -1;
+        r->digit = r->digit->next;
+        r->bit = k_digit_bits - 1;
+    }
+    return ((lintmode ? r->e->lint : r->digit->value) >> r->bit--) & 1;
+}
+
+/// *n := *n^e | m by squaring from the top bit, reduced after every step. e is not negative.
+static void power_by_squaring(quolyptr n, const number* e, quoly m) {
+    quoly base = *n, result = nullptr;
+    quoly_set(1, &result);
+    *n = nullptr;
+    quoly_mod_or_div(base, m, &base, '|');
+    quoly_mod_or_div(result, m, &result, '|');
+    BitReader reader = bits_of(e);
+    bool begun = false;
+    for (int32_t bit = next_bit(&reader); bit >= 0; bit = next_bit(&reader)) {
+        poll_interrupt();
+        if (begun) {
+            quoly_mult(result, result, &result);
+            quoly_mod_or_div(result, m, &result, '|');
+        }
+        if (bit == 1) {
+            fast_quoly_mult(&result, base);
+            quoly_mod_or_div(result, m, &result, '|');
+            begun = true;
+        }
+    }
+    free_quoly(&base);
+    *n = result;
+}
+
+static bool has_denominator(const quolynode* q) { return !q->numb && q->denom != nullptr && !q->rat; }
+
+/// Powermod(a, e), Powermod(a, e, m): a^e, or its remainder by m. e may have any length.
+void builtin_Powermod(BuiltinCall& call) {
+    open_call(call);
+    Value a, m, e;
+    get_the_data(call, &a);
+    need_comma(call);
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    get_the_data(call, &e);
+    restore_modular(was_modular);
+    bool reduced = next_argument(call);
+    if (reduced) get_the_data(call, &m);
+    close_call(call);
+    const quolynode* x = value_of(&e);
+    take_value(&a, call.n);
+    if (!x->numb) {
+        error(Err::number_expected);
+    } else if (lintmode ? x->ncoef->lint < 0 : chain_sign(x->ncoef) < 0) {
+        printf("*** bad exponent (negative): \n");
+        error(Err::negative_power);
+    } else if (!reduced) {
+        raise_to_power(call.n, x->ncoef);
+    } else if (has_denominator(value_of(&m)) || (has_denominator(*call.n) && !value_of(&m)->numb)) {
+        error(Err::rational_function_argument);
+    } else if (quoly_iszero(value_of(&m))) {
+        error(Err::division_by_zero);
+    } else {
+        power_by_squaring(call.n, x->ncoef, value_of(&m));
+    }
+    if (reduced) drop_data(&m);
+    drop_data(&e);
+    drop_data(&a);
 }
 
 // ---- sizes ---------------------------------------------------------------------------------------------

@@ -67,6 +67,7 @@ struct BuiltinRoutines {
         of[57] = builtin_Numcon;
         of[58] = builtin_Numer;
         of[59] = builtin_Numvars;
+        of[64] = builtin_Powermod;
         of[65] = builtin_Prime;
         of[68] = of[70] = builtin_Rand;
         of[71] = builtin_Rat;

@@ -96,11 +96,11 @@ bool read_function(Reader& r) {
 bool read_character(Reader& r) {
     boolean eoln = 0;
     dumbscanner(r.inf, &token, r.flag, &eoln);
-    if (*r.flag == nullptr && tok_char(token) == ';' && at_end(r.inf)) error(Err::end_of_file_inside);
-    int32_t code = eoln ? '\n' : tok_char(token);
+    int32_t code = tok_char(token);
     quoly_set(modularmode ? residue_of_int(code) : code, r.n);
     next_token(r.inf, r.flag);
-    expect(r.inf, r.flag, '\'', Err::unterminated_character);
+    bool cut_off = *r.flag == nullptr && at_char(';') && at_end(r.inf);
+    expect(r.inf, r.flag, '\'', cut_off ? Err::end_of_file_inside : Err::unterminated_character);
     return true;
 }
 

@@ -14,19 +14,53 @@ static void delete_scalar(FILE* inf, nameptr* flag) {
     if (!delete_var(name)) error(Err::undefined_variable, tok_text(name));
 }
 
+/// "[": no array exists, so all of them are deleted, and none can be.
+static void delete_array(FILE* inf, nameptr* flag) {
+    next_token(inf, flag);
+    bool every = at_char('*');
+    if (every) next_token(inf, flag);
+    if (at_char('<')) {
+        error(Err::system_array_not_deleted);
+    } else if (every && at_char('*')) {
+        next_token(inf, flag);
+        expect(inf, flag, ']', Err::close_bracket_expected);
+    } else {
+        error(Err::undefined_array);
+    }
+}
+
+/// "<": the older definitions of a function, or all arrays of a name but the last.
+static void delete_older(FILE* inf, nameptr* flag) {
+    next_token(inf, flag);
+    if (at_char('[')) {
+        delete_array(inf, flag);
+        return;
+    }
+    if (!is_upper(tok_char(token))) {
+        error(Err::delete_older_form);
+        return;
+    }
+    tokentipe name = token;
+    next_token(inf, flag);
+    if (at_char('>'))
+        error(Err::no_function_to_delete, tok_text(name));
+    else
+        error(Err::greater_expected_after_name);
+}
+
 /// One item of a deletion: variables exist, functions and arrays do not.
 static void single_rubout(FILE* inf, nameptr* flag) {
     unsigned char c = tok_char(token);
-    if (is_lower(c)) {
+    if (is_lower(c))
         delete_scalar(inf, flag);
-    } else if (is_upper(c)) {
+    else if (is_upper(c))
         error(Err::no_function_to_delete);
-    } else if (c == '[') {
-        next_token(inf, flag);
-        error(Err::undefined_array);
-    } else {
+    else if (c == '[')
+        delete_array(inf, flag);
+    else if (c == '<')
+        delete_older(inf, flag);
+    else
         error(Err::delete_form);
-    }
 }
 
 void rubout(FILE* inf, nameptr* flag) {

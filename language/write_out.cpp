@@ -121,9 +121,16 @@ static void one_write_out(FILE* inf, nameptr* flag) {
     release(&v);
 }
 
+/// "&o" in front of a list sends it to the output file; none is open.
+static void output_file(FILE* inf, nameptr* flag) {
+    next_token(inf, flag);
+    error(tok_is(token, "o") ? Err::no_output_file : Err::not_the_output_file);
+}
+
 static void write_list(FILE* inf, nameptr* flag) {
     do {
         next_token(inf, flag);
+        if (at_char('&')) output_file(inf, flag);
         one_write_out(inf, flag);
     } while (at_char(','));
     if (at_char(';') || tok_is(token, k_end_token))
