@@ -6,8 +6,6 @@
 #include <cstring>
 namespace tolvex {
 namespace {
-uint64_t random_state = 0x9E3779B97F4A7C15u;  // xorshift64*, Vigna 2016
-
 /// A polynomial in the last variable y, index = exponent.
 struct Dense {
     uint32_t* c;
@@ -43,14 +41,6 @@ struct Level {
     Interpolant h;
 };
 }  // namespace
-
-uint32_t random_unit(const WordField& f) {
-    random_state ^= random_state >> 12;
-    random_state ^= random_state << 25;
-    random_state ^= random_state >> 27;
-    uint64_t word = (random_state * 0x2545F4914F6CDD1Du) >> 33;
-    return 1 + static_cast<uint32_t>(word % (f.p - 1));
-}
 
 static Dense dense_room(int64_t entries) { return {scratch_array<uint32_t>(entries), -1}; }
 
@@ -355,7 +345,7 @@ PackTerms brown_gcd(BrownEnv& env, const PackTerms& a, const PackTerms& b, int32
     const WordField& f = env.f;
     Level l = {};
     level_open(env, l, a, b, env.radix[places - 1]);
-    uint32_t point = random_unit(f);
+    uint32_t point = wf_random_unit(f);
     int64_t tries = 4 * (l.bound + l.radix) + 64;
     if (tries > f.p) tries = f.p;
     bool settles = !env.careful && f.p > 65536;

@@ -20,7 +20,4 @@ struct BrownEnv {
 /// The monic gcd of a and b in the first `places` variables, neither 0. Nothing when env.failed comes out
 /// true.
 PackTerms brown_gcd(BrownEnv& env, const PackTerms& a, const PackTerms& b, int32_t places);
-/// A pseudo-random element other than 0, from a generator of its own: random values of the user do not
-/// change.
-uint32_t random_unit(const WordField& f);
 }  // namespace tolvex

@@ -1,7 +1,6 @@
 // One pass over an operand at a random point gives its images in every variable at once: if w is the value of
 // a term, adding w to entry e_j of array j for each variable x_j collects f with all other variables set, as
 // a polynomial in x_j / point_j. The scaling changes no degree.
-#include "gcd/brown_gcd.h"
 #include "gcd/gcd_internal.h"
 #include "numbers/primes.h"
 #include "storage/scratch.h"
@@ -66,7 +65,7 @@ static int32_t span_of(const PackMeasure& m, int32_t level) {
 // Points and power tables for both operands.
 static void choose_point(const polygcd_EnvRec& env, ImagePass* p) {
     for (int32_t i = 0; i < env.levels; i++) {
-        p->point[i] = random_unit(*p->f);
+        p->point[i] = wf_random_unit(*p->f);
         int32_t top = minn(maxx(span_of(env.um, i), span_of(env.vm, i)) + 1, k_power_table);
         p->power[i] = scratch_array<uint32_t>(top);
         p->power[i][0] = 1;

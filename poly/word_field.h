@@ -96,6 +96,9 @@ inline uint32_t wf_of_number(const WordField& f, const number* n) {
     return chain_mod_word(n, f.p);
 }
 
+/// A pseudo-random element other than 0, from a generator of its own: the user's random values do not change.
+uint32_t wf_random_unit(const WordField& f);
+
 /// One-variable polynomials as arrays of elements, index = exponent. A degree of -1 is zero.
 int32_t wf_degree(const uint32_t* a, int32_t top);
 /// a := a mod b in place; b has degree db >= 0 and inverse leading element lead_inverse. Returns the new
