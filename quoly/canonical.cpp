@@ -110,26 +110,14 @@ static quoly rational_target(quolyptr p) {
     return q;
 }
 
-static void move_chain(imptr from, imptr to) {
-    special_free(to);
-    to->head = from->head;
-    to->tail = from->tail;
-    to->size = from->size;
-    from->size = 0;
-}
-
-void receive_rational(quolyptr p, imptr numer, imptr denom) {
-    if (is_longint(denom, 1)) {
-        special_free(denom);
-        imptr n;
-        newimag(&n);
-        move_chain(numer, n);
-        receive_number(p, n);
+void receive_rational_limbs(quolyptr p, Limbs numer, bool negative, Limbs denom) {
+    if (denom.n == 1 && denom.at[0] == 1) {
+        chain_replace(numb_target(p), numer.at, numer.n, negative);
         return;
     }
     quoly q = rational_target(p);
-    move_chain(numer, q->numer->ncoef);
-    move_chain(denom, q->denom->ncoef);
+    chain_replace(q->numer->ncoef, numer.at, numer.n, negative);
+    chain_replace(q->denom->ncoef, denom.at, denom.n, false);
 }
 
 void receive_rational_words(quolyptr p, int64_t numer, int64_t denom) {

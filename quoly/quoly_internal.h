@@ -6,6 +6,7 @@
 ///            target record, classified.
 /// Ownership  a view borrows; receive_* use up what they are given and give back the old parts of *p last, so
 ///            that an operand may be the target.
+#include "numbers/limbs.h"
 #include "quoly/quoly.h"
 namespace tolvex {
 /// Which operands an operation may use up.
@@ -39,8 +40,8 @@ void receive_poly(quolyptr p, poly n);     ///< *p := n, a number or not
 /// *p := numer / denom, where the two are coprime, the denominator monic or positive; nil: none. Classifies:
 /// a number as denominator is divided in or makes a rational number; 0 is error 210.
 void receive_fraction(quolyptr p, poly numer, poly denom);
-/// *p := numer / denom for coprime chains, denom > 0; both are moved out of the given records.
-void receive_rational(quolyptr p, imptr numer, imptr denom);
+/// *p := numer / denom for coprime magnitudes; denom is not 0. Parts of *p may have been operands.
+void receive_rational_limbs(quolyptr p, Limbs numer, bool negative, Limbs denom);
 /// The same for words.
 void receive_rational_words(quolyptr p, int64_t numer, int64_t denom);
 

@@ -1,25 +1,97 @@
 #include "quoly/quoly_rats.h"
 
 #include "numbers/limbs.h"
-#include "numbers/num_add.h"
-#include "numbers/num_assign.h"
-#include "numbers/num_compare.h"
-#include "numbers/num_gcd.h"
-#include "numbers/num_mult.h"
-#include "numbers/num_sign.h"
 #include "quoly/quoly_internal.h"
+
+#include <cstring>
 namespace tolvex {
-/// A rational operand as two chains; the denominator of a number is nil.
-struct Rational {
-    const number* n;
-    const number* d;
-};
-static Rational rational_parts(const quolynode* q) {
-    if (q->numb) return {q->ncoef, nullptr};
-    return {q->numer->ncoef, q->denom->ncoef};
-}
 static uint64_t magnitude(int64_t v) {
     return v < 0 ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v);
+}
+
+// ---- limbs ---------------------------------------------------------------------------------------------
+
+/// A rational operand in limb arrays; an integer has the denominator 1.
+struct Rational {
+    Limbs n, d;
+    bool negative;
+};
+
+static limb k_one = 1;
+static bool is_one(Limbs a) { return a.n == 1 && a.at[0] == 1; }
+
+static Rational unpacked(LimbArena& arena, const quolynode* q) {
+    const number* n = q->numb ? q->ncoef : q->numer->ncoef;
+    Rational r = {arena_unpack(arena, n->head, n->size), {&k_one, 1}, n->head->value < 0};
+    if (!q->numb) r.d = arena_unpack(arena, q->denom->ncoef->head, q->denom->ncoef->size);
+    return r;
+}
+
+static Limbs copy_of(LimbArena& arena, Limbs a) {
+    limb* r = arena_take(arena, a.n);
+    memcpy(r, a.at, static_cast<size_t>(a.n) * sizeof(limb));
+    return {r, a.n};
+}
+
+static Limbs one_limb(LimbArena& arena, limb v) {
+    limb* r = arena_take(arena, 1);
+    *r = v;
+    return {r, 1};
+}
+
+/// gcd(a, b), neither 0. Against one limb a remainder is enough.
+static Limbs gcd_of(LimbArena& arena, Limbs a, Limbs b) {
+    if (is_one(a) || is_one(b)) return {&k_one, 1};
+    if (a.n < b.n) {
+        Limbs t = a;
+        a = b;
+        b = t;
+    }
+    if (b.n == 1) return one_limb(arena, word_gcd(limbs_mod_1(a.at, a.n, b.at[0]), b.at[0]));
+    Limbs x = copy_of(arena, a), y = copy_of(arena, b);
+    limb* r = arena_take(arena, b.n);
+    return {r, limbs_gcd(r, x.at, x.n, y.at, y.n)};
+}
+
+/// a / g, which is exact.
+static Limbs quotient(LimbArena& arena, Limbs a, Limbs g) {
+    if (is_one(g)) return a;
+    Limbs rest = copy_of(arena, a);
+    if (g.n == 1) {
+        limbs_divrem_1(rest.at, rest.n, g.at[0]);
+        return {rest.at, limbs_trim(rest.at, rest.n)};
+    }
+    limb* q = arena_take(arena, a.n - g.n + 1);
+    limbs_divrem(q, rest.at, rest.n, g.at, g.n);
+    return {q, limbs_trim(q, a.n - g.n + 1)};
+}
+
+static Limbs product(LimbArena& arena, Limbs a, Limbs b) {
+    if (a.n == 0 || b.n == 0) return {&k_one, 0};
+    if (is_one(a)) return b;
+    if (is_one(b)) return a;
+    limb* r = arena_take(arena, a.n + b.n);
+    limbs_mul(r, a.at, a.n, b.at, b.n);
+    return {r, limbs_trim(r, a.n + b.n)};
+}
+
+/// a + b or a - b of signed magnitudes; *negative: in, the sign of a; out, the sign of the result.
+static Limbs signed_sum(LimbArena& arena, Limbs a, bool* negative, Limbs b, bool b_negative) {
+    bool a_negative = *negative;
+    if (limbs_compare(a.at, a.n, b.at, b.n) < 0) {
+        Limbs t = a;
+        a = b;
+        b = t;
+        *negative = b_negative;
+    }
+    limb* r = arena_take(arena, a.n + 1);
+    r[a.n] = 0;
+    if (a_negative == b_negative) {
+        r[a.n] = limbs_add(r, a.at, a.n, b.at, b.n);
+    } else {
+        limbs_sub(r, a.at, a.n, b.at, b.n);
+    }
+    return {r, limbs_trim(r, a.n + 1)};
 }
 
 // ---- sums ----------------------------------------------------------------------------------------------
@@ -36,77 +108,27 @@ static void add_words(int32_t n1, int32_t d1, int32_t n2, int32_t d2, quolyptr p
     receive_rational_words(p, t / h, (g / h) * c1 * c2);
 }
 
-/// t := a b, or a copy of a for a nil b.
-static void times(const number* a, const number* b, imptr t) {
-    if (b == nullptr) {
-        num_assign(a, t);
-    } else {
-        fast_mult(a, b, t);
-    }
-}
-
-/// t := t + s or t - s.
-static void combine(imptr t, const number* s, bool subtract) {
-    if (subtract) {
-        fastdiff(t, s);
-    } else {
-        fastsum(t, s);
-    }
-}
-
-/// One of the denominators is missing: no common factor can arise.
-static void add_to_integer(Rational a, Rational b, quolyptr p, bool subtract) {
-    number top = {}, product = {}, bottom = {};
-    times(a.n, b.d, &top);
-    times(b.n, a.d, &product);
-    combine(&top, &product, subtract);
-    special_free(&product);
-    num_assign(a.d != nullptr ? a.d : b.d, &bottom);
-    receive_rational(p, &top, &bottom);
-}
-
 void add_rats(const quolynode* n, const quolynode* m, quolyptr p, bool subtract) {
     int32_t n1, d1, n2, d2;
     if (rational_words(n, &n1, &d1) && rational_words(m, &n2, &d2)) {
         add_words(n1, d1, subtract ? -n2 : n2, d2, p);
         return;
     }
-    Rational a = rational_parts(n), b = rational_parts(m);
-    if (a.d == nullptr || b.d == nullptr) {
-        add_to_integer(a, b, p, subtract);
-        return;
-    }
-    number g = {}, c1 = {}, c2 = {}, top = {}, product = {}, bottom = {};
-    boolean coprime = 0;
-    extgcd(a.d, b.d, &g, &c1, &c2, &coprime);
-    times(a.n, coprime ? b.d : &c2, &top);
-    times(b.n, coprime ? a.d : &c1, &product);
-    combine(&top, &product, subtract);
-    special_free(&product);
-    if (iszero(&top)) {
-        setvalue(1, &bottom);
-    } else if (coprime) {
-        fast_mult(a.d, b.d, &bottom);
+    LimbArena arena;
+    Rational a = unpacked(arena, n), b = unpacked(arena, m);
+    Limbs g = gcd_of(arena, a.d, b.d), c1 = quotient(arena, a.d, g), c2 = quotient(arena, b.d, g);
+    bool negative = a.negative;
+    Limbs top = signed_sum(arena, product(arena, a.n, c2), &negative, product(arena, b.n, c1),
+                           b.negative != subtract);
+    if (top.n == 0) {
+        receive_rational_words(p, 0, 1);
     } else {
         // Only the gcd of the denominators can still have something in common with the numerator.
-        number h = {}, reduced = {}, rest = {};
-        boolean done = 0;
-        extgcd(&top, &g, &h, &reduced, &rest, &done);
-        if (done) {
-            fast_mult(a.d, &c2, &bottom);
-        } else {
-            fast_mult(&c1, &c2, &bottom);
-            fast_mult(&bottom, &rest, &bottom);
-            special_free(&top);
-            top = reduced;
-            special_free(&rest);
-        }
-        special_free(&h);
+        Limbs h = gcd_of(arena, top, g);
+        Limbs bottom = product(arena, product(arena, c1, quotient(arena, g, h)), c2);
+        receive_rational_limbs(p, quotient(arena, top, h), negative, bottom);
     }
-    special_free(&g);
-    special_free(&c1);
-    special_free(&c2);
-    receive_rational(p, &top, &bottom);
+    arena_end(arena);
 }
 
 // ---- products and quotients ----------------------------------------------------------------------------
@@ -119,40 +141,28 @@ static void mult_words(int64_t n1, int64_t d1, int64_t n2, int64_t d2, quolyptr 
     receive_rational_words(p, bottom < 0 ? -top : top, bottom < 0 ? -bottom : bottom);
 }
 
-/// The same for chains; a nil denominator is 1.
-static void mult_parts(Rational a, Rational b, quolyptr p) {
-    number top = {}, bottom = {};
-    number g = {}, n1 = {}, d2 = {}, n2 = {}, d1 = {};
-    if (a.d == nullptr) a.d = &number_1;
-    if (b.d == nullptr) b.d = &number_1;
-    if (iszero(a.n) || iszero(b.n)) {
+/// The same in limbs, signs apart.
+static void mult_limbs(LimbArena& arena, Rational a, Rational b, quolyptr p) {
+    if (a.n.n == 0 || b.n.n == 0) {
         receive_rational_words(p, 0, 1);
         return;
     }
-    boolean apart1 = 0, apart2 = 0;
-    extgcd(a.n, b.d, &g, &n1, &d2, &apart1);
-    extgcd(b.n, a.d, &g, &n2, &d1, &apart2);
-    special_free(&g);
-    fast_mult(apart1 ? a.n : &n1, apart2 ? b.n : &n2, &top);
-    fast_mult(apart2 ? a.d : &d1, apart1 ? b.d : &d2, &bottom);
-    special_free(&n1);
-    special_free(&d2);
-    special_free(&n2);
-    special_free(&d1);
-    if (chain_sign(&bottom) < 0) {
-        in_place_neg(&top);
-        in_place_neg(&bottom);
-    }
-    receive_rational(p, &top, &bottom);
+    Limbs g1 = gcd_of(arena, a.n, b.d), g2 = gcd_of(arena, b.n, a.d);
+    Limbs top = product(arena, quotient(arena, a.n, g1), quotient(arena, b.n, g2));
+    Limbs bottom = product(arena, quotient(arena, a.d, g2), quotient(arena, b.d, g1));
+    receive_rational_limbs(p, top, a.negative != b.negative, bottom);
 }
 
 void mult_rats(const quolynode* n, const quolynode* m, quolyptr p) {
     int32_t n1, d1, n2, d2;
     if (rational_words(n, &n1, &d1) && rational_words(m, &n2, &d2)) {
         mult_words(n1, d1, n2, d2, p);
-    } else {
-        mult_parts(rational_parts(n), rational_parts(m), p);
+        return;
     }
+    LimbArena arena;
+    Rational a = unpacked(arena, n), b = unpacked(arena, m);
+    mult_limbs(arena, a, b, p);
+    arena_end(arena);
 }
 
 void quot_rats(const quolynode* n, const quolynode* m, quolyptr p) {
@@ -161,7 +171,9 @@ void quot_rats(const quolynode* n, const quolynode* m, quolyptr p) {
         mult_words(n1, d1, d2, n2, p);
         return;
     }
-    Rational b = rational_parts(m);
-    mult_parts(rational_parts(n), {b.d != nullptr ? b.d : &number_1, b.n}, p);
+    LimbArena arena;
+    Rational a = unpacked(arena, n), b = unpacked(arena, m);
+    mult_limbs(arena, a, {b.d, b.n, b.negative}, p);
+    arena_end(arena);
 }
 }  // namespace tolvex

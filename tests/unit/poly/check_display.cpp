@@ -1,5 +1,5 @@
-// Random polynomials, displayed and read back: the same value, in both forms, on terminals and in files, with short
-// lines, in every ring, with and without negative exponents.
+// Random polynomials, displayed and read back: the same value, in both forms, on terminals and in files, with
+// short lines, in every ring, with and without negative exponents.
 #include "language/tokens/scanner.h"
 #include "numbers/display_modes.h"
 #include "poly/poly_display.h"
@@ -20,7 +20,8 @@ PROPERTY(displayed_text_reads_back, 800) {
     do_line_sup = 0;
     bool terminal = rng() % 2 == 0;
     dispcutoff = static_cast<int16_t>(rng() % 2 == 0 ? 76 : 5 + rng() % 30);
-    poly p = random_poly(rng, {number_polys, 12, 4, round % 2 ? Coefs::small : Coefs::corners, laurent ? -3 : 0});
+    poly p =
+        random_poly(rng, {number_polys, 12, 4, round % 2 ? Coefs::small : Coefs::corners, laurent ? -3 : 0});
 
     char* data = nullptr;
     size_t size = 0;

@@ -1,5 +1,5 @@
-// Field axioms on random values, the canonical form after every operation, the in-place forms against the plain ones,
-// in every ground ring, with and without negative exponents, for 0 to 3 variables.
+// Field axioms on random values, the canonical form after every operation, the in-place forms against the
+// plain ones, in every ground ring, with and without negative exponents, for 0 to 3 variables.
 #include "numbers/number_modes.h"
 #include "quoly/canonical.h"
 #include "quoly/quoly_add.h"
@@ -54,7 +54,8 @@ static void drop(quoly a) { free_quoly(&a); }
 PROPERTY(sums, 352) {
     Round r(round);
     Setting setting(r.ring, r.vars, r.laurent_on);
-    quoly a = random_value(rng, r.vars, 4), b = random_value(rng, r.vars, 4), c = random_value(rng, r.vars, 3);
+    quoly a = random_value(rng, r.vars, 4), b = random_value(rng, r.vars, 4),
+          c = random_value(rng, r.vars, 3);
     Live before = value_records();
     same(add(a, b), add(b, a), "a + b = b + a");
     quoly ab = add(a, b), bc = add(b, c);
@@ -76,7 +77,8 @@ PROPERTY(sums, 352) {
 PROPERTY(products, 352) {
     Round r(round);
     Setting setting(r.ring, r.vars, r.laurent_on);
-    quoly a = random_value(rng, r.vars, 3), b = random_value(rng, r.vars, 3), c = random_value(rng, r.vars, 2);
+    quoly a = random_value(rng, r.vars, 3), b = random_value(rng, r.vars, 3),
+          c = random_value(rng, r.vars, 2);
     Live before = value_records();
     same(mul(a, b), mul(b, a), "a b = b a");
     quoly ab = mul(a, b), bc = mul(b, c), sum = add(b, c), ac = mul(a, c);

@@ -393,7 +393,8 @@ TEST(Reduce, NegativeExponentsNeverTouchTheSwitches) {
     Setting setting(0, 1, true);
     verbose = 1;
     try_rat = rat_yes = 1;
-    poly n = poly_of("x - x^-1"), m = poly_of("x + 2 + x^-1"), wrong = poly_of("x+5"), a = nullptr, b = nullptr;
+    poly n = poly_of("x - x^-1"), m = poly_of("x + 2 + x^-1"), wrong = poly_of("x+5"), a = nullptr,
+         b = nullptr;
     testing::internal::CaptureStdout();
     reduce(n, m, &wrong, &a, &b);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -482,7 +483,8 @@ TEST(Convert, PlainResiduesWithoutTheSymmetricDisplay) {
     EXPECT_EQ(shown_and_dropped(q), " 6x + 4");
 }
 
-static std::string with_number(const std::string& text, int32_t level, const std::string& number_text, bool good) {
+static std::string with_number(const std::string& text, int32_t level, const std::string& number_text,
+                               bool good) {
     quoly q = value(text), v = value(number_text);
     EXPECT_EQ(quoly_put_number(&q, level, v), good) << text;
     EXPECT_FALSE(quoly_contains_level(q, level));

@@ -9,8 +9,8 @@
 
 #include <string>
 namespace tolvex::test {
-/// Puts a ground ring in force: 0 the integers, 256 and 65536 the table fields, else the residues modulo m. With it
-/// `vars` variables x, y, z (x is level 1). Everything is put back at the end.
+/// Puts a ground ring in force: 0 the integers, 256 and 65536 the table fields, else the residues modulo m.
+/// With it `vars` variables x, y, z (x is level 1). Everything is put back at the end.
 class Setting {
   public:
     Setting(int32_t m, int32_t vars, bool with_laurent = false);
@@ -19,8 +19,8 @@ class Setting {
     Setting& operator=(const Setting&) = delete;
 };
 
-/// Evaluates an expression by the rules of the language: + - * / ^, products by juxtaposition, parentheses. Line
-/// breaks with or without continuation mark are blanks; ";" ends it.
+/// Evaluates an expression by the rules of the language: + - * / ^, products by juxtaposition, parentheses.
+/// Line breaks with or without continuation mark are blanks; ";" ends it.
 quoly value(const std::string& text);
 /// The text of q as quoly_display writes it, to the terminal or to a file.
 std::string text_of(const quolynode* q, bool terminal = true, bool* open = nullptr);
