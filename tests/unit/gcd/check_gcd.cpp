@@ -44,7 +44,8 @@ Shape random_shape(Rng& rng, bool sparse) {
     s.levels = random_int(rng, 1, 4);
     s.terms = random_int(rng, 1, sparse ? 6 : 12);
     s.max_exp = sparse ? random_int(rng, 1, 12) : random_int(rng, 1, 3);
-    const Coefs styles[] = {Coefs::small, Coefs::digit, Coefs::two_digits, Coefs::huge, Coefs::ones, Coefs::corners};
+    const Coefs styles[] = {Coefs::small, Coefs::digit, Coefs::two_digits,
+                            Coefs::huge,  Coefs::ones,  Coefs::corners};
     s.coefs = styles[random_int(rng, 0, 5)];
     return s;
 }
@@ -137,8 +138,8 @@ PROPERTY(engines_agree_with_the_remainder_sequence, 300) {
             w.p = prs_gcd(u, v, polynames);
             gcd_normal_form(&w.p);
             Lpolygcd(u, v, &g, 0, polynames);
-            EXPECT_TRUE(poly_equal(g, w)) << text_of(g) << "  against  " << text_of(w) << " of " << text_of(u)
-                                          << " and " << text_of(v);
+            EXPECT_TRUE(poly_equal(g, w))
+                << text_of(g) << "  against  " << text_of(w) << " of " << text_of(u) << " and " << text_of(v);
         }
     }
     use_integers();
