@@ -10,37 +10,59 @@ uint64_t magnitude_of(int32_t digit) {
     return static_cast<uint64_t>(v < 0 ? -v : v);
 }
 
-/// Writes the low `size` digits of a[0..n) into the nodes from p, most significant first. The limbs above
-/// a[n-1] count as 0.
-void write_digits(numptr p, const limb* a, int64_t n, int64_t size, bool negative) {
+/// Hands out digits in the order of the free list and links them; no digit leaves the list before the end.
+/// Chains go back as they are, so that the digits of a new chain mostly follow each other in memory.
+struct DigitSource {
+#ifdef TOLVEX_CHECKED
+    numptr next() { return newnum(); }
+    void finish(numptr last) { last->next = nullptr; }
+#else
+    numptr free = numhead;
+    numptr next() {
+        numptr d = free;
+        if (__builtin_expect(d == nullptr, 0)) {
+            d = static_cast<numptr>(fresh_slug(numstash));
+            d->next = nullptr;
+        }
+        free = d->next;
+        return d;
+    }
+    void finish(numptr last) {
+        numhead = free;
+        last->next = nullptr;
+    }
+#endif
+};
+
+/// x, which owns no chain, becomes the lowest `size` digits of a[0..n), most significant first.
+void write_digits(imptr x, const limb* a, int64_t n, int64_t size, bool negative) {
+    DigitSource source;
     int64_t at = (size - 1) * k_digit_bits;  // bit position of the digit in hand
-    for (int64_t i = 0; i < size; i++, at -= k_digit_bits, p = p->next) {
+    numptr last = nullptr;
+    const int32_t flip = negative ? -1 : 0;  // (v ^ flip) - flip is +-v
+    for (int64_t i = 0; i < size; i++, at -= k_digit_bits) {
         int64_t word = at >> 6;
         int shift = static_cast<int>(at & 63);
         uint64_t d = a[word] >> shift;
         if (shift > 64 - k_digit_bits && word + 1 < n) d |= a[word + 1] << (64 - shift);
-        auto v = static_cast<int32_t>(d & k_max_digit);
-        p->value = negative ? -v : v;
+        numptr p = source.next();
+        p->value = (static_cast<int32_t>(d & k_max_digit) ^ flip) - flip;
+        if (last == nullptr) {
+            x->head = p;
+        } else {
+            last->next = p;
+        }
+        last = p;
     }
+    source.finish(last);
+    x->tail = last;
+    x->size = static_cast<int32_t>(size);
 }
 
 /// Number of digits of a[0..n), a[n-1] not 0.
 int64_t digits_of(const limb* a, int64_t n) {
     int64_t bits = 64 * n - std::countl_zero(a[n - 1]);
     return (bits + k_digit_bits - 1) / k_digit_bits;
-}
-
-/// A chain of `count` fresh digits, linked, the last one's link nil.
-void take_digits(int64_t count, numptrptr head, numptrptr tail) {
-    numptr last = newnum();
-    *head = last;
-    for (int64_t i = 1; i < count; i++) {
-        numptr d = newnum();
-        last->next = d;
-        last = d;
-    }
-    last->next = nullptr;
-    *tail = last;
 }
 }  // namespace
 
@@ -80,24 +102,8 @@ void chain_replace(imptr x, const limb* a, int64_t n, bool negative) {
     }
     int64_t size = digits_of(a, n);
     CHECK(size <= INT32_MAX);
-    if (size < x->size) {  // give the leading nodes back
-        numptr last = x->head;
-        for (int64_t i = x->size - size - 1; i > 0; i--) last = last->next;
-        numptr rest = last->next;
-        free_chain(x->head, last);
-        x->head = rest;
-    } else if (size > x->size) {  // new nodes in front
-        numptr head, tail;
-        take_digits(size - x->size, &head, &tail);
-        if (x->size > 0) {
-            tail->next = x->head;
-        } else {
-            x->tail = tail;
-        }
-        x->head = head;
-    }
-    x->size = static_cast<int32_t>(size);
-    write_digits(x->head, a, n, size, negative);
+    special_free(x);  // its digits are the next ones on the free list
+    write_digits(x, a, n, size, negative);
 }
 
 void chain_set_int64(imptr x, int64_t v) {

@@ -11,7 +11,7 @@ namespace {
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int64_t k_karatsuba = 4, k_transform = 40;
 #else
-constexpr int64_t k_karatsuba = 26, k_transform = 1200;
+constexpr int64_t k_karatsuba = 36, k_transform = 1200;
 #endif
 
 /// Scratch limbs that karatsuba takes for operands of n limbs: 2 (n/2 + 1) a level, in a geometric series.
@@ -31,11 +31,20 @@ bool absolute_difference(limb* r, const limb* a, int64_t an, const limb* b, int6
     return negative;
 }
 
+/// Operands of one short length.
+void mul_short(limb* r, const limb* a, const limb* b, int64_t n) {
+    if (a == b) {
+        limbs_sqr_school(r, a, n);
+    } else {
+        limbs_mul_school(r, a, n, b, n);
+    }
+}
+
 /// r[0..2n) := a[0..n) * b[0..n) with the middle product (a1 - a0) (b1 - b0), which is one limb shorter than
 /// that of the sums (Knuth, The Art of Computer Programming 2, 4.3.3). a may be b.
 void karatsuba(limb* r, const limb* a, const limb* b, int64_t n, limb* room) {
     if (n < k_karatsuba) {
-        limbs_mul_school(r, a, n, b, n);
+        mul_short(r, a, b, n);
         return;
     }
     int64_t low = (n + 1) / 2, high = n - low;
@@ -68,7 +77,7 @@ void karatsuba(limb* r, const limb* a, const limb* b, int64_t n, limb* room) {
 /// Operands of one length.
 void mul_balanced(limb* r, const limb* a, const limb* b, int64_t n) {
     if (n < k_karatsuba) {
-        limbs_mul_school(r, a, n, b, n);
+        mul_short(r, a, b, n);
         return;
     }
     if (n >= k_transform) {
@@ -106,17 +115,41 @@ void limbs_mul_school(limb* r, const limb* a, int64_t an, const limb* b, int64_t
     for (int64_t j = 1; j < bn; j++) r[an + j] = limbs_addmul_1(r + j, a, an, b[j]);
 }
 
+void limbs_sqr_school(limb* r, const limb* a, int64_t n) {
+    // The products of different limbs once, doubled, and the squares on the diagonal.
+    r[0] = 0;
+    if (n > 1) {
+        r[n] = limbs_mul_1(r + 1, a + 1, n - 1, a[0]);
+        for (int64_t i = 1; i + 1 < n; i++)
+            r[n + i] = limbs_addmul_1(r + 2 * i + 1, a + i + 1, n - i - 1, a[i]);
+    }
+    r[2 * n - 1] = 0;
+    limb carry = 0, shifted_out = 0;
+    for (int64_t i = 0; i < n; i++) {
+        unsigned __int128 s = static_cast<unsigned __int128>(a[i]) * a[i];
+        limb x = r[2 * i], y = r[2 * i + 1];
+        unsigned __int128 t =
+            static_cast<unsigned __int128>(x << 1 | shifted_out) + static_cast<limb>(s) + carry;
+        r[2 * i] = static_cast<limb>(t);
+        t = static_cast<unsigned __int128>(y << 1 | x >> 63) + static_cast<limb>(s >> 64) +
+            static_cast<limb>(t >> 64);
+        r[2 * i + 1] = static_cast<limb>(t);
+        carry = static_cast<limb>(t >> 64);
+        shifted_out = y >> 63;
+    }
+}
+
 void limbs_mul(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
     if (an < bn) {
         std::swap(a, b);
         std::swap(an, bn);
     }
-    if (bn < k_karatsuba) {
+    if (an == bn && an < k_transform) {
+        mul_balanced(r, a, b, an);
+    } else if (bn < k_karatsuba) {
         limbs_mul_school(r, a, an, b, bn);
     } else if (bn >= k_transform && an < 3 * bn) {
         limbs_mul_transform(r, a, an, b, bn);
-    } else if (an == bn) {
-        mul_balanced(r, a, b, an);
     } else {
         mul_in_pieces(r, a, an, b, bn);
     }

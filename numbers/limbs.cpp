@@ -77,6 +77,25 @@ const bool fast_carries = two_carry_chains();
 limb addmul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(ADD_STEP, addmul_plain); }
 limb submul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(SUB_STEP, submul_plain); }
 limb mul_unrolled(limb* r, const limb* a, int64_t n, limb w) { UNROLLED(PUT_STEP, mul_plain); }
+
+// Sums and differences in blocks of eight with the carry in the flag, which every x86-64 has.
+#define LINE(op, at) "mov " #at "(%[a]), %[l]\n\t" op " " #at "(%[b]), %[l]\n\tmov %[l], " #at "(%[r])\n\t"
+#define EIGHT_LINES(op)                                                                                      \
+    LINE(op, 0) LINE(op, 8) LINE(op, 16) LINE(op, 24) LINE(op, 32) LINE(op, 40) LINE(op, 48) LINE(op, 56)
+#define CARRY_BLOCKS(op)                                                                                     \
+    limb carry = 0, l;                                                                                       \
+    for (; i + 8 <= n; i += 8, a += 8, b += 8, r += 8)                                                       \
+        asm volatile("neg %[c]\n\t" EIGHT_LINES(op) "sbb %[c], %[c]\n\tneg %[c]"                             \
+                     : [c] "+&r"(carry), [l] "=&r"(l)                                                        \
+                     : [a] "r"(a), [b] "r"(b), [r] "r"(r)                                                    \
+                     : "memory", "cc");                                                                      \
+    return carry
+
+limb add_blocks(limb* r, const limb* a, const limb* b, int64_t n, int64_t& i) { CARRY_BLOCKS("adc"); }
+limb sub_blocks(limb* r, const limb* a, const limb* b, int64_t n, int64_t& i) { CARRY_BLOCKS("sbb"); }
+#undef CARRY_BLOCKS
+#undef EIGHT_LINES
+#undef LINE
 #undef UNROLLED
 #undef BLOCK
 #undef EIGHT
@@ -91,6 +110,8 @@ constexpr bool fast_carries = false;
 limb addmul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return addmul_plain(r, a, n, w, 0); }
 limb submul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return submul_plain(r, a, n, w, 0); }
 limb mul_unrolled(limb* r, const limb* a, int64_t n, limb w) { return mul_plain(r, a, n, w, 0); }
+limb add_blocks(limb*, const limb*, const limb*, int64_t, int64_t&) { return 0; }
+limb sub_blocks(limb*, const limb*, const limb*, int64_t, int64_t&) { return 0; }
 #endif
 }  // namespace
 
@@ -107,13 +128,13 @@ limb limbs_mul_1(limb* r, const limb* a, int64_t n, limb w) {
 }
 
 limb limbs_add(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
-    unsigned long long carry = 0;
-    for (int64_t i = 0; i < bn; i++) {
+    int64_t i = 0;
+    limb carry = add_blocks(r, a, b, bn, i);
+    for (; i < bn; i++) {
         wide t = static_cast<wide>(a[i]) + b[i] + carry;
         r[i] = static_cast<limb>(t);
         carry = static_cast<limb>(t >> 64);
     }
-    int64_t i = bn;
     for (; i < an && carry != 0; i++) {
         r[i] = a[i] + 1;
         carry = r[i] == 0;
@@ -124,13 +145,13 @@ limb limbs_add(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
 }
 
 limb limbs_sub(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
-    limb borrow = 0;
-    for (int64_t i = 0; i < bn; i++) {
+    int64_t i = 0;
+    limb borrow = sub_blocks(r, a, b, bn, i);
+    for (; i < bn; i++) {
         wide t = static_cast<wide>(a[i]) - b[i] - borrow;
         r[i] = static_cast<limb>(t);
         borrow = static_cast<limb>(t >> 64) & 1;
     }
-    int64_t i = bn;
     for (; i < an && borrow != 0; i++) {
         borrow = a[i] == 0;
         r[i] = a[i] - 1;

@@ -70,6 +70,8 @@ inline Limbs arena_unpack(LimbArena& arena, numptr p, int32_t size) {
 
 /// r[0..an+bn) := a * b, schoolbook; an >= bn >= 1; r overlaps neither.
 void limbs_mul_school(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn);
+/// r[0..2n) := a^2, schoolbook; n >= 1; r does not overlap a.
+void limbs_sqr_school(limb* r, const limb* a, int64_t n);
 /// r[0..an+bn) := a * b; an, bn >= 1; r overlaps neither. a may be b (then it squares).
 void limbs_mul(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn);
 /// r[0..n+1) += a[0..n) * w ... returns the carry limb.
