@@ -50,6 +50,8 @@ unsigned char* aligned(unsigned char* p) {
 ScratchMark scratch_mark() { return {current, used}; }
 
 void scratch_release(ScratchMark mark) {
+    // What lies above `used` of the block in use is poisoned already; a block left behind is poisoned whole.
+    [[maybe_unused]] size_t top = current == mark.block ? used : SIZE_MAX;
     while (current != mark.block) {
         Block* b = current;
         current = b->below;
@@ -63,7 +65,8 @@ void scratch_release(ScratchMark mark) {
         if (b->size > k_kept) drop_above(current);
     }
     used = mark.used;
-    if (current != nullptr) POOL_POISON(current->base() + used, current->size - used);
+    if (current != nullptr)
+        POOL_POISON(current->base() + used, (top < current->size ? top : current->size) - used);
 }
 
 void* scratch_bytes(size_t bytes) {
