@@ -73,6 +73,23 @@ void sparse_product(benchmark::State& state) {
     use_integers();
 }
 
+/// One level, all exponents 0..n, coefficients of one digit.
+void dense_product(benchmark::State& state) {
+    set_up_once();
+    use_ring(static_cast<int32_t>(state.range(1)));
+    Rng rng(3);
+    auto degree = static_cast<int32_t>(state.range(0));
+    poly f = dense_poly(rng, degree, Coefs::digit), g = dense_poly(rng, degree, Coefs::digit), h = nullptr;
+    for (auto _ : state) {
+        poly_mult(f, g, &h, nullptr);
+        state.PauseTiming();
+        free_poly(&h);
+        state.ResumeTiming();
+    }
+    free_poly(&f), free_poly(&g);
+    use_integers();
+}
+
 /// Small products: the list method (0) against the packed one (1), terms by terms.
 void small_product(benchmark::State& state) {
     set_up_once();
@@ -96,5 +113,8 @@ BENCHMARK(simplex_power_of)->ArgsProduct({{14, 20}, {0, 32003}})->Unit(benchmark
 BENCHMARK(sparse_product)
     ->ArgsProduct({{100, 500, 1500}, {0, 32003, 2147483629}})
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(dense_product)
+    ->ArgsProduct({{30, 100, 300, 1000, 3000, 10000, 30000}, {0, 2, 32003, 2147483629}})
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(small_product)->ArgsProduct({{2, 3, 4, 5, 6, 8, 10, 12, 16, 20}, {0, 1}, {0, 32003}});
 BENCHMARK_MAIN();

@@ -6,6 +6,7 @@
 ///            have one digit.
 /// Ownership  a `fresh` number owns no chain yet; results of clone, sum and product are new records.
 /// Modes      any.
+/// Raises     exponent_sum: exponent_too_long.
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
@@ -13,6 +14,7 @@
 #include "numbers/num_sign.h"
 #include "numbers/residue.h"
 #include "poly/poly.h"
+#include "storage/failure.h"
 namespace tolvex {
 /// Word arithmetic of lintmode outside modular mode wraps around.
 inline int32_t word_add(int32_t x, int32_t y) {
@@ -178,6 +180,13 @@ inline polynode leaf_alone(const polynode* p) {
     polynode shell = *p;
     shell.next = nullptr;
     return shell;
+}
+/// The exponent of a product of two terms. Beyond a word it is refused; after a return from that, 0.
+inline int32_t exponent_sum(int32_t a, int32_t b) {
+    int32_t sum;
+    if (!__builtin_add_overflow(a, b, &sum)) return sum;
+    error(Err::exponent_too_long);
+    return 0;
 }
 /// x^exp c as one node of a chain, next nil; c is used up and not 0. At exponent 0 a number stands bare.
 inline poly chain_node(int32_t exp, poly c) {

@@ -52,6 +52,43 @@ void walk_terms(const polynode* p, const Key* weight, Key start, int32_t level, 
     }
 }
 
+/// The chain of plan level i of a box, slots from `base`, without pads above it; nil if nothing is there.
+template <class Box>
+poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, int32_t i, int64_t base) {
+    const PackedLevel& l = plan.level[i];
+    const int64_t step = weight[i];
+    const int32_t least = l.least_n + l.least_m;
+    const bool last = i == plan.count - 1;
+    const int32_t pads = last ? 0 : plan.level[i + 1].real - l.real - 1;
+    poly head = nullptr;
+    polyptrr at = &head;
+    for (int64_t e = static_cast<int64_t>(l.span_n) + l.span_m; e >= 0; e--) {
+        int64_t slot = base + e * step;
+        poly c;
+        if (last) {
+            if (box.zero(slot)) continue;
+            c = box.leaf(slot);
+        } else {
+            c = box_chain(plan, weight, box, i + 1, slot);
+        }
+        if (c == nullptr) continue;
+        if (pads > 0) add_pad(&c, pads);
+        *at = chain_node(static_cast<int32_t>(e + least), c);
+        at = &(*at)->next;
+    }
+    *at = nullptr;
+    return head;
+}
+
+/// The polynomial whose coefficient of a key is at that place of the box: box.zero(place) may only say no
+/// when it is not 0, box.leaf(place) makes the leaf, nil for 0.
+template <class Box> poly box_tree(const PackedPlan& plan, const int64_t* weight, const Box& box) {
+    poly p = box_chain(plan, weight, box, 0, 0);
+    if (p == nullptr) return zero_leaf();
+    if (plan.level[0].real > 1) add_pad(&p, plan.level[0].real - 1);
+    return p;
+}
+
 /// Writes a tree from terms that come in falling order of their keys. A term stays open at each level until a
 /// key arrives that differs there; then its coefficient is complete and takes its normal form.
 template <class Key> struct TermBuilder {

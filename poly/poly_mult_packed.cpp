@@ -1,4 +1,5 @@
 #include "poly/packed_form.h"
+#include "poly/packed_kronecker.h"
 #include "poly/packed_rings.h"
 #include "poly/poly_mult_internal.h"
 #include "poly/poly_shape.h"
@@ -208,34 +209,6 @@ void multiply_tile(const Product& e, const Keys<uint64_t>& keys, Ring& ring, int
     }
 }
 
-/// The chain of plan level i whose slots begin at `base`, without pads above it; nil if nothing is there.
-template <class Ring>
-poly box_chain(const PackedPlan& plan, const int64_t* weight, const Ring& ring, int32_t i, int64_t base) {
-    const PackedLevel& l = plan.level[i];
-    const int64_t step = weight[i];
-    const int32_t least = l.least_n + l.least_m;
-    const bool last = i == plan.count - 1;
-    const int32_t pads = last ? 0 : plan.level[i + 1].real - l.real - 1;
-    poly head = nullptr;
-    polyptrr at = &head;
-    for (int64_t e = static_cast<int64_t>(l.span_n) + l.span_m; e >= 0; e--) {
-        int64_t slot = base + e * step;
-        poly c;
-        if (last) {
-            if (ring.zero(slot)) continue;
-            c = ring.leaf(slot);
-        } else {
-            c = box_chain(plan, weight, ring, i + 1, slot);
-        }
-        if (c == nullptr) continue;
-        if (pads > 0) add_pad(&c, pads);
-        *at = chain_node(static_cast<int32_t>(e + least), c);
-        at = &(*at)->next;
-    }
-    *at = nullptr;
-    return head;
-}
-
 template <class Ring>
 poly multiply_in_box(const Product& e, const Keys<uint64_t>& keys, const int64_t* weight, int64_t slots,
                      Ring& ring) {
@@ -246,10 +219,7 @@ poly multiply_in_box(const Product& e, const Keys<uint64_t>& keys, const int64_t
             multiply_tile(e, keys, ring, i, j);
         poll_interrupt();
     }
-    poly p = box_chain(e.plan, weight, ring, 0, 0);
-    if (p == nullptr) return zero_leaf();
-    if (e.plan.level[0].real > 1) add_pad(&p, e.plan.level[0].real - 1);
-    return p;
+    return box_tree(e.plan, weight, ring);
 }
 
 /// Slots of the box and the weights of its levels; -1 if there are too many slots to count.
@@ -449,6 +419,9 @@ poly box_product(Product& e, const polynode* n, const polynode* m, const int64_t
     uint64_t key_weight[k_levels];
     for (int32_t i = 0; i < e.plan.count; i++) key_weight[i] = static_cast<uint64_t>(weight[i]);
     Keys<uint64_t> keys = fill_keys(e, n, m, key_weight);
+    PackedOperand left = {keys.n, e.n_numbers, e.n.terms, e.n.digits},
+                  right = {keys.m, e.m_numbers, e.m.terms, e.m.digits};
+    if (kronecker_pays(left, right)) return kronecker_product(e.plan, weight, left, right);
     poly result = nullptr;
     with_ring(e, [&](auto& ring) { result = multiply_in_box(e, keys, weight, slots, ring); });
     return result;

@@ -45,7 +45,7 @@ poly simplest_row(int32_t exp, int32_t residue, const polynode* m) {
         imptr c;
         newimag(&c);
         c->lint = v;
-        *at = chain_node(exp + m->exp, leaf_of(c));
+        *at = chain_node(exponent_sum(exp, m->exp), leaf_of(c));
         at = &(*at)->next;
     }
     *at = nullptr;

@@ -3,7 +3,6 @@
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
-#include "storage/failure.h"
 namespace tolvex {
 static bool is_one(const number* x) { return lintmode ? x->lint == 1 : is_longint(x, 1); }
 
@@ -42,14 +41,6 @@ void scalar_by_poly(const number* x, poly y, polyptrr q) {
     }
     poly fresh = scaled_chain(x, y);
     replace(q, fresh != nullptr ? fresh : zero_leaf());
-}
-
-/// The exponent of a product of two terms. Beyond a word it is refused; after a return from that, 0.
-static int32_t exponent_sum(int32_t a, int32_t b) {
-    int32_t sum;
-    if (!__builtin_add_overflow(a, b, &sum)) return sum;
-    error(Err::exponent_too_long);
-    return 0;
 }
 
 void node_by_poly(poly x, poly y, polyptrr q) {

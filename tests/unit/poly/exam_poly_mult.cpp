@@ -294,6 +294,8 @@ TEST_F(PolyMult, exponents_beyond_a_word_are_refused) {
     poly p = term_poly(1, &e, 1), q = copy_of(p), got = nullptr;
     EXPECT_TRUE(RAISES(poly_mult(p, q, &got, nullptr)));
     EXPECT_EQ(caught.code, static_cast<int32_t>(Err::exponent_too_long));
+    EXPECT_TRUE(RAISES(poly_mult(p, p, &got, nullptr)));
+    EXPECT_TRUE(RAISES(simple_standard(p, q, 1, 1, &got)));
     free_poly(&p), free_poly(&q);
     before = live_records();  // what the jump left behind is lost
 }

@@ -1,0 +1,26 @@
+#pragma once
+/// poly/packed_kronecker.h: products of crowded boxes by one long product.
+///
+/// Purpose    with keys as exponents of one variable, a polynomial of any number of levels is a polynomial of
+/// one
+///            level; with its values at a power of two, it is one integer. Residues go to the product of
+///            arrays, integers to the product of limb arrays, both of which have transforms.
+/// Invariant  keys are places in a box (weights of mixed radix), falling from the first term on.
+/// Ownership  operands are only read; all arrays are scratch of the operation.
+/// Source     L. Kronecker 1882; A. Schoenhage 1982.
+#include "poly/packed_form.h"
+namespace tolvex {
+struct PackedOperand {
+    const uint64_t* keys;
+    const number* const* numbers;
+    int64_t terms;
+    int32_t digits;  // of the longest number
+
+    int64_t extent() const { return static_cast<int64_t>(keys[0]) + 1; }
+};
+/// True if one long product is likely to be faster than all products of terms.
+bool kronecker_pays(const PackedOperand& n, const PackedOperand& m);
+/// The product as a tree. n and m may have the same keys: then it squares.
+poly kronecker_product(const PackedPlan& plan, const int64_t* weight, const PackedOperand& n,
+                       const PackedOperand& m);
+}  // namespace tolvex
