@@ -16,7 +16,7 @@ using wide = unsigned __int128;
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int64_t k_recursive = 4;
 #else
-constexpr int64_t k_recursive = 50;
+constexpr int64_t k_recursive = 40;
 #endif
 
 limb high(wide v) { return static_cast<limb>(v >> 64); }

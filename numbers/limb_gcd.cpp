@@ -15,7 +15,7 @@ using wide = unsigned __int128;
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int64_t k_long_gcd = 24;
 #else
-constexpr int64_t k_long_gcd = 400;
+constexpr int64_t k_long_gcd = 320;
 #endif
 
 wide wide_gcd(wide u, wide v) {

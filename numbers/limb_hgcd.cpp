@@ -16,7 +16,7 @@ namespace {
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int64_t k_half_gcd = 12;
 #else
-constexpr int64_t k_half_gcd = 140;
+constexpr int64_t k_half_gcd = 100;
 #endif
 
 struct Pair {

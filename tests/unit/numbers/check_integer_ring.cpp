@@ -174,7 +174,7 @@ PROPERTY(residues_of_chains, 3000) {
     modulus = saved;
 }
 
-PROPERTY(gcd_of_multiples, 2500) {
+PROPERTY(gcd_of_multiples, 800) {
     int most = size_of_round(round);
     Num a = random_number(rng, most), b = random_number(rng, most), c = random_number(rng, most);
     Num x = product(a, c), y = product(b, c), g, h;
@@ -238,7 +238,7 @@ PROPERTY(gcd_of_consecutive_fibonacci_like, 60) {
     EXPECT_NUM(r, g);
 }
 
-PROPERTY(square_roots, 3000) {
+PROPERTY(square_roots, 1500) {
     Num r = random_number(rng, size_of_round(round), false);
     Num square = product(r, r), low, high;
     int_sqrt(&square.v, &low.v, 1);
@@ -258,7 +258,7 @@ PROPERTY(square_roots, 3000) {
     EXPECT_TRUE(bigger(at(product(next, next)), &any.v));
 }
 
-PROPERTY(shifts, 3000) {
+PROPERTY(shifts, 1000) {
     Num a = random_number(rng, size_of_round(round), false);
     auto k = static_cast<int32_t>(rng() % 200);
     Num power(2), up(a), down(a);
@@ -306,7 +306,7 @@ PROPERTY(powers, 300) {
     EXPECT_NUM(p, expected);
 }
 
-PROPERTY(ranges_and_factorials, 300) {
+PROPERTY(ranges_and_factorials, 100) {
     auto first = static_cast<int32_t>(rng() % 600) - 200;
     int32_t last = first + static_cast<int32_t>(rng() % 300) - 3;
     Num p, expected(1);
@@ -320,7 +320,7 @@ PROPERTY(ranges_and_factorials, 300) {
     EXPECT_NUM(f, p);
 }
 
-PROPERTY(decimal_sums, 2000) {
+PROPERTY(decimal_sums, 400) {
     auto chain = [&](int size) {
         std::vector<int32_t> d(static_cast<size_t>(size));
         for (auto& x : d) x = rng() % 3 == 0 ? 99999999 : static_cast<int32_t>(rng() % 100000000);

@@ -89,7 +89,7 @@ limb mod_word(const Vec& a, limb w) { return limbs_mod_1(a.data(), len(a), w); }
 limb mul_mod(limb a, limb b, limb w) { return static_cast<limb>(static_cast<unsigned __int128>(a) * b % w); }
 }  // namespace
 
-PROPERTY(kernels_are_schoolbook_lines, 4000) {
+PROPERTY(kernels_are_schoolbook_lines, 2000) {
     Vec a = random_limbs(rng, random_length(rng, 40)), r = random_limbs(rng, len(a));
     limb w = rng() % 4 == 0 ? ~limb{0} : rng();
     Vec sum = r, difference = r, line(a.size());
@@ -157,14 +157,14 @@ TEST(Limbs, transform_at_every_short_length) {
     }
 }
 
-PROPERTY(transform_is_schoolbook, 60) {
+PROPERTY(transform_is_schoolbook, 20) {
     Vec a = random_limbs(rng, random_length(rng, 2500)), b = random_limbs(rng, random_length(rng, 2500));
     EXPECT_EQ(transform(a, b), school(a, b));
     EXPECT_EQ(transform(a, a), school(a, a));
 }
 
 // Long operands: residues modulo words tell, and the largest coefficients there are.
-PROPERTY(long_products, 12) {
+PROPERTY(long_products, 6) {
     int64_t n = 5000 + static_cast<int64_t>(rng() % 30000);
     Vec a = random_limbs(rng, n), b = random_limbs(rng, round % 3 == 0 ? n / 4 : n);
     if (round % 4 == 0) a.assign(a.size(), ~limb{0}), b = a;
@@ -175,7 +175,7 @@ PROPERTY(long_products, 12) {
     }
 }
 
-PROPERTY(quotients_multiply_back, 1500) {
+PROPERTY(quotients_multiply_back, 500) {
     int64_t bn = random_length(rng, round % 10 == 0 ? 1500 : 260);
     int64_t qn = random_length(rng, round % 10 == 0 ? 1500 : 260);
     Vec b = random_limbs(rng, bn), q = random_limbs(rng, qn), r = random_limbs(rng, random_length(rng, bn));
@@ -202,7 +202,7 @@ PROPERTY(quotients_multiply_back, 1500) {
     EXPECT_EQ(trimmed(plus(school(by_word, Vec{w}), Vec{left})), a);
 }
 
-PROPERTY(long_quotients, 6) {
+PROPERTY(long_quotients, 3) {
     int64_t bn = 2000 + static_cast<int64_t>(rng() % 6000),
             an = bn + 1000 + static_cast<int64_t>(rng() % 20000);
     Vec a = random_limbs(rng, an), b = random_limbs(rng, bn), rest = a, q(static_cast<size_t>(an - bn + 1));
@@ -224,7 +224,7 @@ void expect_matrix(const Vec& a, const Vec& b, const CofactorMatrix& m, const Ve
 }
 }  // namespace
 
-PROPERTY(half_gcd_is_a_unimodular_reduction, 300) {
+PROPERTY(half_gcd_is_a_unimodular_reduction, 120) {
     int64_t n = random_length(rng, round % 10 == 0 ? 2000 : 400);
     Vec a = random_limbs(rng, n), b = random_limbs(rng, n - static_cast<int64_t>(rng() % 2) * (n > 1));
     if (rng() % 8 == 0) b = a;
@@ -245,7 +245,7 @@ PROPERTY(half_gcd_is_a_unimodular_reduction, 300) {
     scratch_release(mark);
 }
 
-PROPERTY(long_gcds, 40) {
+PROPERTY(long_gcds, 17) {
     int64_t n = round % 8 == 0 ? 3000 : 700;
     Vec g = random_limbs(rng, random_length(rng, round % 2 ? 3 : 300));
     Vec u = random_limbs(rng, random_length(rng, n)), v = random_limbs(rng, random_length(rng, n));
@@ -297,7 +297,7 @@ PROPERTY(gcd_of_words, 2000) {
     EXPECT_EQ(n == 2 ? r[1] : 0, static_cast<limb>(s >> 64));
 }
 
-PROPERTY(long_square_roots, 300) {
+PROPERTY(long_square_roots, 120) {
     Vec s = random_limbs(rng, random_length(rng, round % 10 == 0 ? 1200 : 120));
     Vec n = trimmed(square(s)), root((n.size() + 1) / 2);
     limbs_sqrt(root.data(), n.data(), len(n));
