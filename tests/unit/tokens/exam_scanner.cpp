@@ -136,6 +136,13 @@ TEST_F(Scan, no_continuation_mark_when_it_is_a_blank) {
 TEST_F(Scan, end_of_file_gives_semicolons_for_ever) {
     source("ab");
     EXPECT_EQ(next(), "ab");
+    EXPECT_EQ(next(), ";");
+    EXPECT_TRUE(at_end(in));
+    EXPECT_EQ(printed_history(), "ab;");  // the end of the input ends the last typed line
+    history_clear();
+    tt_flag = 0;
+    source("ab");
+    EXPECT_EQ(next(), "ab");
     for (int i = 0; i < 5; i++) EXPECT_EQ(next(), ";");
     EXPECT_TRUE(at_end(in));
     EXPECT_EQ(printed_history(), "ab");
