@@ -40,10 +40,66 @@ static void school_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const 
     }
 }
 
+// g[0..n) := 1/h mod t^n by doubling the precision, h[0] a unit of the given inverse (von zur Gathen,
+// Gerhard, "Modern Computer Algebra", 9.1).
+static void power_series_inverse(const WordField& f, const uint32_t* h, int32_t n, uint32_t inverse,
+                                 uint32_t* g) {
+    constexpr int32_t first = 32;
+    g[0] = inverse;
+    int32_t have = 1;
+    uint32_t minus_inverse = wf_neg(f, inverse);
+    for (; have < n && have < first; have++) {
+        uint32_t s = 0;
+        for (int32_t i = 1; i <= have; i++) s = wf_add(f, s, wf_mul(f, h[i], g[have - i]));
+        g[have] = wf_mul(f, s, minus_inverse);
+    }
+    ScratchMark mark = scratch_mark();
+    auto* error_terms = scratch_array<uint32_t>(int64_t{2} * n);
+    auto* correction = scratch_array<uint32_t>(int64_t{2} * n);
+    while (have < n) {
+        int32_t next = have < n - have ? 2 * have : n, fresh = next - have;
+        wf_mult(f, h, next, g, have, error_terms);  // 1 + t^have (...)
+        wf_mult(f, error_terms + have, fresh, g, fresh, correction);
+        for (int32_t i = 0; i < fresh; i++) g[have + i] = wf_neg(f, correction[i]);
+        have = next;
+    }
+    scratch_release(mark);
+}
+
+// Quotient entries in blocks of at most ydeg, each from the inverse of the reversed y.
+static void newton_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const uint32_t* y, int32_t ydeg,
+                           uint32_t inverse, uint32_t* q) {
+    ScratchMark mark = scratch_mark();
+    int32_t left = xdeg - ydeg + 1, block = left < ydeg ? left : ydeg;
+    auto* reversed = scratch_array<uint32_t>(block);
+    auto* series = scratch_array<uint32_t>(block);
+    auto* room = scratch_array<uint32_t>(int64_t{2} * block);
+    auto* part = scratch_array<uint32_t>(block);
+    auto* product = scratch_array<uint32_t>(int64_t{ydeg} + block);
+    for (int32_t i = 0; i < block; i++) reversed[i] = y[ydeg - i];
+    power_series_inverse(f, reversed, block, inverse, series);
+    while (left > 0) {
+        if (xdeg >= k_dense_entries) poll_interrupt();
+        int32_t n = block < left ? block : left;
+        left -= n;
+        const uint32_t* top = x + left + ydeg;
+        for (int32_t i = 0; i < n; i++) reversed[i] = top[n - 1 - i];
+        wf_mult(f, reversed, n, series, n, room);
+        for (int32_t i = 0; i < n; i++) part[n - 1 - i] = room[i];
+        if (q != nullptr) memcpy(q + left, part, static_cast<size_t>(n) * sizeof(uint32_t));
+        wf_mult(f, y, ydeg, part, n, product);
+        row_sub(f, x + left, product, x + left, ydeg);  // all above becomes 0 and is not looked at again
+    }
+    scratch_release(mark);
+}
+
 int32_t wf_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const uint32_t* y, int32_t ydeg,
                    uint32_t inverse, uint32_t* q) {
     if (xdeg < ydeg) return xdeg;
-    school_div_mod(f, x, xdeg, y, ydeg, inverse, q);
+    if (ydeg >= k_newton_entries && xdeg - ydeg >= k_newton_entries)
+        newton_div_mod(f, x, xdeg, y, ydeg, inverse, q);
+    else
+        school_div_mod(f, x, xdeg, y, ydeg, inverse, q);
     return wf_degree(x, ydeg - 1);
 }
 

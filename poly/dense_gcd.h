@@ -7,7 +7,7 @@
 namespace tolvex {
 /// x, y (degrees >= 0, or -1 for 0) are overwritten; the gcd, made monic, is left in *g (which is x or y)
 /// with degree *gdeg (-1 if both are 0). Returns false if a leading residue is no unit (composite modulus).
-/// Plain Euclid, quadratic, below a sum of degrees near hgcd_cut; half-gcd above. The arrays are not xx, yy,
+/// Plain Euclid, quadratic, for small degrees, then the half-gcd. The arrays are not xx, yy,
 /// zz: a long gcd can be interrupted.
 bool dense_gcd(int32_t* x, int32_t xdeg, int32_t* y, int32_t ydeg, int32_t** g, int32_t* gdeg);
 /// The same over the field (or ring) f, which need not be the ring in force.

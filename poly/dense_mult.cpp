@@ -18,7 +18,7 @@ constexpr int32_t k_ntt_entries = 12;
 #else
 constexpr int32_t k_karatsuba_entries = 160;
 constexpr int32_t k_table_karatsuba_entries = 32;
-constexpr int32_t k_ntt_entries = 280;
+constexpr int32_t k_ntt_entries = 360;
 #endif
 }  // namespace
 
