@@ -8,6 +8,7 @@
 #include "numbers/decimal_io.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
+#include "quoly/garbage.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_display.h"
 #include "session/jumps.h"
@@ -21,6 +22,8 @@
 #include "session/switches.h"
 #include "storage/failure.h"
 #include "storage/memory.h"
+#include "storage/pool.h"
+#include "storage/stash.h"
 
 #include <cstdio>
 #include <cstring>
@@ -147,6 +150,33 @@ static After memory_left(Command& c) {
     return After::read_next;
 }
 
+/// Gives the records of a free list back to the stash that they came from. Those that the start-up stock
+/// added are more than the stash has handed out: so many stay on the list.
+template <auto link, class R> static void empty_free_list(R*& head, stash_rec* stash) {
+    while (head != nullptr && stash->slugs_used > 0) {
+        free_slug(stash, pool_pop<link>(head, stash));
+#ifdef TOLVEX_CHECKED
+        pool_counters<R>.live--;
+#endif
+    }
+}
+
+static After empty_free_lists(Command& c) {
+    next_token(c.inf, c.flag);
+    empty_free_list<&quolynode::next>(quolygarb, quolystash);
+    empty_free_list<&polynode::next>(polygarb, polystash);
+    if (!lintmode) {
+        empty_free_list<&number::imag>(imhead, imagstash);
+        empty_free_list<&numnode::next>(numhead, numstash);
+    }
+    return After::stay;
+}
+
+static After report_garbage(Command&) {
+    garbage('g');
+    return After::read_next;
+}
+
 // ---- commands with something behind them ---------------------------------------------------------------
 
 /// `&_m(e)`: e outside the ground ring.
@@ -196,17 +226,30 @@ static After nothing(Command&) { return After::read_next; }
 // ---- dispatch ------------------------------------------------------------------------------------------
 
 static const CommandRow commands[] = {
-    {"(", assignment_form},  {"4", nothing},
-    {">", leave_loop},       {"@", stop},
-    {"C", gcd_stash_stack},  {"J", polynomial_variables},
-    {"M", ask_prompt},       {"Q", quit},
-    {"T", clock_ticks},      {"]", cycle_loop},
-    {"_P", push_level},      {"_m", outside_ring},
-    {"_n", read_polynomial}, {"_p", pop_level},
-    {"a", toggle_addresser}, {"d", ask_disp_size},
-    {"h", memory_left},      {"o", output_only},
-    {"p", ground_ring},      {"q", quit},
-    {"x", nothing},          {"}", leave_function},
+    {"(", assignment_form},
+    {"4", nothing},
+    {">", leave_loop},
+    {"@", stop},
+    {"C", gcd_stash_stack},
+    {"G", report_garbage},
+    {"J", polynomial_variables},
+    {"M", ask_prompt},
+    {"Q", quit},
+    {"T", clock_ticks},
+    {"]", cycle_loop},
+    {"_G", empty_free_lists},
+    {"_P", push_level},
+    {"_m", outside_ring},
+    {"_n", read_polynomial},
+    {"_p", pop_level},
+    {"a", toggle_addresser},
+    {"d", ask_disp_size},
+    {"h", memory_left},
+    {"o", output_only},
+    {"p", ground_ring},
+    {"q", quit},
+    {"x", nothing},
+    {"}", leave_function},
 };
 
 static void toggle(const SwitchRow& row, Command& c) {
