@@ -4,6 +4,7 @@
 #include "poly/dense_basic.h"
 #include "poly/dense_divide.h"
 #include "poly/dense_gcd.h"
+#include "poly/dense_internal.h"
 #include "poly/dense_kernels.h"
 #include "poly/dense_mult.h"
 #include "tests/support/random_poly.h"
@@ -183,7 +184,8 @@ PROPERTY(gcd_of_multiples_of_a_common_factor, 210) {
     ASSERT_GE(d, size(g) - 1);
     EXPECT_EQ(result[d], 1);
     Dense h(result, result + d + 1);
-    for (const Dense* n : std::initializer_list<const Dense*>{&x, &y, &h}) {  // h divides x and y; g divides h
+    for (const Dense* n :
+         std::initializer_list<const Dense*>{&x, &y, &h}) {  // h divides x and y; g divides h
         Dense rest = *n;
         const Dense& by = n == &h ? g : h;
         int32_t rest_degree = size(rest) - 1;
@@ -191,6 +193,84 @@ PROPERTY(gcd_of_multiples_of_a_common_factor, 210) {
         onevar_array_mod(rest.data(), by.data(), &rest_degree, size(by) - 1, &zero);
         ASSERT_TRUE(zero) << r.name;
     }
+    use_integers();
+}
+
+namespace {
+std::vector<uint32_t> entries(const Dense& x, size_t room) {
+    std::vector<uint32_t> r(x.begin(), x.end());
+    r.resize(room, 77);
+    return r;
+}
+struct HalfGcd {
+    std::vector<uint32_t> x, y, room[4];
+    DensePoly a, b;
+    CofactorMatrix matrix;
+    HalfGcd(const Dense& u, const Dense& v) : x(entries(u, u.size())), y(entries(v, v.size())) {
+        a = {x.data(), size(u) - 1};
+        b = {y.data(), size(v) - 1};
+        for (size_t i = 0; i < 4; i++) {
+            room[i].resize(u.size() / 2 + 2);
+            matrix.entry[i / 2][i % 2] = {room[i].data(), -1};
+        }
+    }
+};
+Dense of(const DensePoly& p) { return Dense(p.c, p.c + p.degree + 1); }
+}  // namespace
+
+// The pair and the matrix of the fast half-gcd against those of the plain Euclid, and M (x, y) = the pair.
+PROPERTY(half_gcd_matrices_are_those_of_euclid, 112) {
+    const Ring& r = ring_of_round(round);
+    if (!is_field(r)) return use_integers();
+    WordField f = word_field_ring();
+    int32_t n = random_int(rng, 2, round % 4 == 0 ? 3000 : 500);
+    Dense u = random_with_unit_lead(rng, n), v = random_with_unit_lead(rng, random_int(rng, n / 2, n));
+    if (round % 3 == 0) {  // a common factor: the sequence ends early
+        Dense g = random_with_unit_lead(rng, random_int(rng, 1, n));
+        u = product(u, g), v = product(v, g);
+    }
+    HalfGcd fast(u, v), plain(u, v), whole(u, v);
+    ASSERT_TRUE(parthg(f, &fast.a, &fast.b, &fast.matrix));
+    ASSERT_TRUE(euclid_onevar(f, &plain.a, &plain.b, (size(u) - 1) / 2, &plain.matrix));
+    ASSERT_TRUE(fullhg(f, &whole.a, &whole.b));
+    ASSERT_EQ(of(fast.a), of(plain.a)) << r.name;
+    ASSERT_EQ(of(fast.b), of(plain.b)) << r.name;
+    ASSERT_EQ(of(whole.a), of(plain.a)) << r.name;
+    ASSERT_EQ(of(whole.b), of(plain.b)) << r.name;
+    EXPECT_GT(fast.a.degree, (size(u) - 1) / 2 - (size(u) == 1));
+    EXPECT_LE(fast.b.degree, (size(u) - 1) / 2);
+    for (int i = 0; i < 2; i++) {
+        Dense sum(u.size() + u.size(), 0);
+        for (int j = 0; j < 2; j++) {
+            Dense e = of(fast.matrix.entry[i][j]);
+            ASSERT_EQ(e, of(plain.matrix.entry[i][j])) << r.name;
+            if (e.empty()) continue;
+            Dense t = product(e, j == 0 ? u : v);
+            for (size_t k = 0; k < t.size(); k++) sum[k] = mod_add(sum[k], t[k], modulus);
+        }
+        trim(sum);
+        ASSERT_EQ(sum, of(i == 0 ? fast.a : fast.b)) << r.name;
+    }
+    use_integers();
+}
+
+// Long operands with a known common factor, through the half-gcd.
+PROPERTY(long_gcds, 28) {
+    const Ring& r = ring_of_round(round);
+    if (!is_field(r)) return use_integers();
+    Dense g = random_with_unit_lead(rng, random_int(rng, 1, 1500));
+    Dense x = product(random_with_unit_lead(rng, random_int(rng, 1000, 2500)), g),
+          y = product(random_with_unit_lead(rng, random_int(rng, 100, 2500)), g);
+    WordField f = word_field_ring();
+    std::vector<uint32_t> a(x.begin(), x.end()), b(y.begin(), y.end()), a2 = a, b2 = b;
+    uint32_t* fast = nullptr;
+    int32_t degree_fast = -5;
+    ASSERT_TRUE(wf_dense_gcd(f, a.data(), size(x) - 1, b.data(), size(y) - 1, &fast, &degree_fast));
+    DensePoly plain = {};
+    ASSERT_TRUE(simple_onevar_gcd(f, {a2.data(), size(x) - 1}, {b2.data(), size(y) - 1}, &plain));
+    row_scale(f, plain.c, plain.degree + 1, unit_inverse(f, plain.c[plain.degree]));
+    ASSERT_EQ(degree_fast, plain.degree) << r.name;
+    ASSERT_TRUE(std::equal(fast, fast + degree_fast + 1, plain.c)) << r.name;
     use_integers();
 }
 
