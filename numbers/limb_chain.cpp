@@ -1,4 +1,5 @@
 // Between chains and limb arrays: 16 digits of 28 bits are 7 limbs.
+#include "numbers/digit_source.h"
 #include "numbers/limbs.h"
 #include "storage/checked.h"
 
@@ -9,30 +10,6 @@ uint64_t magnitude_of(int32_t digit) {
     int64_t v = digit;
     return static_cast<uint64_t>(v < 0 ? -v : v);
 }
-
-/// Hands out digits in the order of the free list and links them; no digit leaves the list before the end.
-/// Chains go back as they are, so that the digits of a new chain mostly follow each other in memory.
-struct DigitSource {
-#ifdef TOLVEX_CHECKED
-    numptr next() { return newnum(); }
-    void finish(numptr last) { last->next = nullptr; }
-#else
-    numptr free = numhead;
-    numptr next() {
-        numptr d = free;
-        if (__builtin_expect(d == nullptr, 0)) {
-            d = static_cast<numptr>(fresh_slug(numstash));
-            d->next = nullptr;
-        }
-        free = d->next;
-        return d;
-    }
-    void finish(numptr last) {
-        numhead = free;
-        last->next = nullptr;
-    }
-#endif
-};
 
 /// x, which owns no chain, becomes the lowest `size` digits of a[0..n), most significant first.
 void write_digits(imptr x, const limb* a, int64_t n, int64_t size, bool negative) {

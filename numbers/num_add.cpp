@@ -1,5 +1,6 @@
 #include "numbers/num_add.h"
 
+#include "numbers/digit_source.h"
 #include "numbers/limbs.h"
 #include "numbers/residue.h"
 namespace tolvex {
@@ -7,27 +8,51 @@ namespace {
 /// Digits of one sum: on the stack up to this many, in scratch beyond.
 constexpr int32_t k_stack_digits = 64;
 
-/// The chain of s[0..n), most significant first, all digits in range and of one sign, s[0] not 0 unless n is
-/// 1. The old chain of ans goes back after the new one is built, so p and q of the caller may stand in it.
-void store_digits(imptr ans, const int32_t* s, int32_t n) {
+/// The chain of s[0..n), most significant first, all digits in range and not negative, s[0] not 0 unless n is
+/// 1; each digit gets the sign. The operands have been read: the nodes of ans serve again.
+void store_digits(imptr ans, const int32_t* s, int32_t n, bool negative) {
+    const int32_t flip = negative ? -1 : 0;  // (v ^ flip) - flip is +-v
     if (n == ans->size) {
         numptr p = ans->head;
-        for (int32_t i = 0; i < n; i++, p = p->next) p->value = s[i];
+        for (int32_t i = 0; i < n; i++, p = p->next) p->value = (s[i] ^ flip) - flip;
         return;
     }
-    numptr head = newnum(), last = head;
-    head->value = s[0];
+    special_free(ans);
+    DigitSource source;
+    numptr head = source.next(), last = head;
+    head->value = (s[0] ^ flip) - flip;
     for (int32_t i = 1; i < n; i++) {
-        numptr d = newnum();
-        d->value = s[i];
+        numptr d = source.next();
+        d->value = (s[i] ^ flip) - flip;
         last->next = d;
         last = d;
     }
-    last->next = nullptr;
-    special_free(ans);
+    source.finish(last);
     ans->head = head;
     ans->tail = last;
     ans->size = n;
+}
+
+/// s[first..n) brought to digits 0..base-1; returns the carry out of s[first]. The value is not negative.
+int32_t carry_any_base(int32_t* s, int32_t first, int32_t n, int32_t base) {
+    int32_t carry = 0;
+    for (int32_t i = n - 1; i >= first; i--) {
+        int32_t d = s[i] + carry;
+        carry = (d >= base) - (d < 0);
+        s[i] = d - carry * base;
+    }
+    return carry;
+}
+
+/// The same in base 2^28, where shift and mask do, also for negative sums.
+int32_t carry_base_28(int32_t* s, int32_t first, int32_t n) {
+    int32_t carry = 0;
+    for (int32_t i = n - 1; i >= first; i--) {
+        int32_t d = s[i] + carry;
+        carry = d >> k_digit_bits;
+        s[i] = d & k_max_digit;
+    }
+    return carry;
 }
 
 /// s[0..n) holds sums of two digits each, of any sign; s[-1] is free. Brings the value to normal form and
@@ -36,26 +61,15 @@ void carry_and_store(imptr ans, int32_t* s, int32_t n, int32_t base) {
     int32_t first = 0;
     while (first < n - 1 && s[first] == 0) first++;
     bool negative = s[first] < 0;
-    int32_t carry = 0;
-    if (negative) {
-        for (int32_t i = n - 1; i >= first; i--) {
-            int32_t d = s[i] + carry;
-            carry = (d <= -base) ? -1 : (d > 0);
-            s[i] = d - carry * base;
-        }
-    } else {
-        for (int32_t i = n - 1; i >= first; i--) {
-            int32_t d = s[i] + carry;
-            carry = (d >= base) - (d < 0);
-            s[i] = d - carry * base;
-        }
-    }
+    if (negative)
+        for (int32_t i = first; i < n; i++) s[i] = -s[i];
+    int32_t carry = base == k_base ? carry_base_28(s, first, n) : carry_any_base(s, first, n, base);
     if (carry != 0) {
         s[--first] = carry;
     } else {
         while (first < n - 1 && s[first] == 0) first++;
     }
-    store_digits(ans, s + first, n - first);
+    store_digits(ans, s + first, n - first, negative);
 }
 
 /// ans := p + sign q for chains of nsize, msize digits in the given base.

@@ -1,5 +1,6 @@
 #include "numbers/num_assign.h"
 
+#include "numbers/digit_source.h"
 #include "numbers/limbs.h"
 namespace tolvex {
 void setvalue(int32_t n, imptr x) {
@@ -52,16 +53,17 @@ void fast_num_assign(numptr p, int32_t size, imptr x) {
         return;
     }
     // The copy is complete before the old chain goes back: p may stand in x's own chain.
-    numptr head = newnum(), last = head;
+    DigitSource source;
+    numptr head = source.next(), last = head;
     head->value = p->value;
     for (int32_t i = 1; i < size; i++) {
         p = p->next;
-        numptr d = newnum();
+        numptr d = source.next();
         d->value = p->value;
         last->next = d;
         last = d;
     }
-    last->next = nullptr;
+    source.finish(last);
     special_free(x);
     x->head = head;
     x->tail = last;
