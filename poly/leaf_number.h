@@ -6,7 +6,7 @@
 ///            have one digit.
 /// Ownership  a `fresh` number owns no chain yet; results of clone, sum and product are new records.
 /// Modes      any.
-/// Raises     exponent_sum: exponent_too_long.
+/// Raises     exponent_sum, exponent_product: exponent_too_long.
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
@@ -185,6 +185,13 @@ inline polynode leaf_alone(const polynode* p) {
 inline int32_t exponent_sum(int32_t a, int32_t b) {
     int32_t sum;
     if (!__builtin_add_overflow(a, b, &sum)) return sum;
+    error(Err::exponent_too_long);
+    return 0;
+}
+/// The exponent of a power of a term, refused in the same way.
+inline int32_t exponent_product(int32_t a, int32_t b) {
+    int32_t product;
+    if (!__builtin_mul_overflow(a, b, &product)) return product;
     error(Err::exponent_too_long);
     return 0;
 }

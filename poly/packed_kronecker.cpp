@@ -77,10 +77,10 @@ void restore_borrows(limb* r, int64_t places, int64_t width) {
     }
 }
 
-poly integer_product(const PackedPlan& plan, const int64_t* weight, const PackedOperand& n,
+poly integer_product(const PackedPlan& plan, const int64_t* weight, int64_t slots, const PackedOperand& n,
                      const PackedOperand& m) {
     const int64_t width = place_limbs(longest_bits(n), longest_bits(m), std::min(n.terms, m.terms));
-    const int64_t places = n.extent() + m.extent();
+    const int64_t places = std::max(slots, n.extent() + m.extent());
     bool n_negative, m_negative;
     limb* a = value_at_power(n, width, &n_negative);
     limb* b = a;
@@ -106,7 +106,11 @@ poly integer_product(const PackedPlan& plan, const int64_t* weight, const Packed
 
 bool kronecker_pays(const PackedOperand& n, const PackedOperand& m) {
     // Nanoseconds, measured: a transform a place, a product of two terms (bench/time_poly_mult).
+#ifdef TOLVEX_SMALL_LIMITS
+    constexpr double k_residue_place = 1, k_limb_place = 1, k_table_step = 0.1;
+#else
     constexpr double k_residue_place = 120, k_limb_place = 160, k_table_step = 3;
+#endif
     const double products = static_cast<double>(n.terms) * static_cast<double>(m.terms);
     const double n_extent = static_cast<double>(n.extent()), m_extent = static_cast<double>(m.extent());
     const double places = n_extent + m_extent;
@@ -122,12 +126,14 @@ bool kronecker_pays(const PackedOperand& n, const PackedOperand& m) {
     return products * product_cost > k_limb_place * places * (n_limbs + m_limbs);
 }
 
-poly kronecker_product(const PackedPlan& plan, const int64_t* weight, const PackedOperand& n,
+poly kronecker_product(const PackedPlan& plan, const int64_t* weight, int64_t slots, const PackedOperand& n,
                        const PackedOperand& m) {
-    if (!modularmode) return integer_product(plan, weight, n, m);
+    if (!modularmode) return integer_product(plan, weight, slots, n, m);
     const int32_t* a = residue_array(n);
     const int32_t* b = n.keys == m.keys ? a : residue_array(m);
-    auto* c = scratch_array<int32_t>(n.extent() + m.extent());
+    const int64_t entries = n.extent() + m.extent() - 1;  // the largest vector of exponents need not occur
+    auto* c = scratch_array<int32_t>(std::max(slots, entries));
+    if (slots > entries) memset(c + entries, 0, static_cast<size_t>(slots - entries) * sizeof(int32_t));
     dense_mult(a, static_cast<int32_t>(n.extent()), b, static_cast<int32_t>(m.extent()), c);
     return box_tree(plan, weight, ResidueBox{c});
 }

@@ -20,7 +20,7 @@ struct PackedOperand {
 };
 /// True if one long product is likely to be faster than all products of terms.
 bool kronecker_pays(const PackedOperand& n, const PackedOperand& m);
-/// The product as a tree. n and m may have the same keys: then it squares.
-poly kronecker_product(const PackedPlan& plan, const int64_t* weight, const PackedOperand& n,
+/// The product as a tree, from a box of so many slots. n and m may have the same keys: then it squares.
+poly kronecker_product(const PackedPlan& plan, const int64_t* weight, int64_t slots, const PackedOperand& n,
                        const PackedOperand& m);
 }  // namespace tolvex

@@ -5,6 +5,7 @@
 #include "poly/poly_mult_internal.h"
 #include "poly/poly_scale.h"
 #include "poly/poly_shape.h"
+#include "poly/poly_test.h"
 namespace tolvex {
 /// The product when one operand is a number. False: neither is.
 static bool number_product(poly n, poly m, polyptrr p) {
@@ -87,15 +88,77 @@ void simplest_poly_mult(poly n, poly m, polyptrr p, int32_t size1, int32_t size2
         simplest_standard(n, m, size1, size2, p);
 }
 
-void compute_power(polyptrr n, int32_t expont, polypt pol) {
+/// The number at the end of a single term is 0.
+static bool is_zero_term(const polynode* p) {
+    while (!p->numb) p = p->pcoef;
+    return iszero(p->ncoef);
+}
+
+/// p := p^k for a single term, in place: the number to the power k, every exponent times k.
+static void power_of_term(poly p, int32_t k) {
+    for (; !p->numb; p = p->pcoef) p->exp = exponent_product(p->exp, k);
+    number_power(p->ncoef, k);
+}
+
+/// p := p^q where q is the characteristic: exponents are multiplied; residues of a prime field stay as they
+/// are.
+static void frobenius(poly p, int32_t q) {
+    for (; p != nullptr; p = p->next) {
+        p->exp = exponent_product(p->exp, q);
+        if (!p->numb)
+            frobenius(p->pcoef, q);
+        else if (finf)
+            p->ncoef->lint =
+                table_mult(static_cast<uint32_t>(p->ncoef->lint), static_cast<uint32_t>(p->ncoef->lint));
+    }
+}
+
+/// A fresh base^expont, expont >= 1, by squaring from the top bit down (Knuth, TAOCP 2, 4.6.3).
+static poly power_by_squaring(poly base, int32_t expont, polypt pol) {
     int32_t bit = 0;
     while ((expont >> bit) > 1) bit++;
-    poly base = *n, power = nullptr;
+    poly power = nullptr;
     poly_assign(base, &power);
     while (bit-- > 0) {
         poly_mult(power, power, &power, pol);
         if ((expont >> bit) & 1) poly_mult(power, base, &power, pol);
     }
+    return power;
+}
+
+/// A fresh base^expont in characteristic q: one factor for each digit of expont to the base q.
+static poly power_by_digits(const polynode* base, int32_t expont, int32_t q, polypt pol) {
+    poly image = nullptr, power = nullptr;  // image: base^(q^i)
+    poly_assign(base, &image);
+    for (;;) {
+        int32_t digit = expont % q;
+        expont /= q;
+        if (digit > 0) {
+            poly part = power_by_squaring(image, digit, pol);
+            if (power == nullptr) {
+                power = part;
+            } else {
+                poly_mult(power, part, &power, pol);
+                free_poly(&part);
+            }
+        }
+        if (expont == 0) break;
+        frobenius(image, q);
+    }
+    free_poly(&image);
+    return power;
+}
+
+void compute_power(polyptrr n, int32_t expont, polypt pol) {
+    if (expont == 1) return;
+    if (monomial(*n)) {
+        power_of_term(*n, expont);
+        if (is_zero_term(*n)) poly_set(0, n);  // a nilpotent number
+        return;
+    }
+    const int32_t q = finf ? 2 : modulus;
+    poly power = modularmode && mod_is_prime && expont >= q ? power_by_digits(*n, expont, q, pol)
+                                                            : power_by_squaring(*n, expont, pol);
     free_poly(n);
     *n = power;
 }

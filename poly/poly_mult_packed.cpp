@@ -421,7 +421,7 @@ poly box_product(Product& e, const polynode* n, const polynode* m, const int64_t
     Keys<uint64_t> keys = fill_keys(e, n, m, key_weight);
     PackedOperand left = {keys.n, e.n_numbers, e.n.terms, e.n.digits},
                   right = {keys.m, e.m_numbers, e.m.terms, e.m.digits};
-    if (kronecker_pays(left, right)) return kronecker_product(e.plan, weight, left, right);
+    if (kronecker_pays(left, right)) return kronecker_product(e.plan, weight, slots, left, right);
     poly result = nullptr;
     with_ring(e, [&](auto& ring) { result = multiply_in_box(e, keys, weight, slots, ring); });
     return result;
