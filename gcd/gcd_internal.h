@@ -14,6 +14,7 @@ struct polygcd_EnvRec {
     PackMeasure um, vm;
     int32_t levels;              // levels that occur in u or v
     int32_t bound[k_levels];     // the gcd without its monomial factor has at most this degree in the level
+    uint32_t point[k_levels];    // value of a level that the gcd is free of, 0: the level stays
     int32_t monomial[k_levels];  // exponents of the common monomial
 };
 /// gcd(u, v) in normal form, neither nil; 0 is allowed only as gcd(0, v) = content number of v.

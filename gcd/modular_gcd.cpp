@@ -22,6 +22,7 @@
 namespace tolvex {
 namespace {
 constexpr int64_t k_univariate_limit = 1 << 24;  // longest array of one variable
+constexpr uint32_t k_point_limit = 1048573;      // points over Z stay below this prime
 
 /// Operands over Z and what is known of the gcd's image.
 struct ModularEnv {
@@ -29,24 +30,44 @@ struct ModularEnv {
     PackPlan plan;
     number lead_gcd;  // gcd of the leading numbers of the primitive parts: what the images are scaled to
     number content;   // gcd of the integer contents
-    bool careful;
+    bool careful, with_points;
 };
 }  // namespace
+
+static int32_t span_of(const PackMeasure& m, int32_t level) { return m.most[level] - m.least[level]; }
+
+// Levels that the gcd is known to be free of (bound 0) are set to a point, one pair of smaller operands for
+// all primes; what is found may be too large, as for any unlucky point. False: there is no such level.
+static bool set_points(polygcd_EnvRec& env, uint32_t limit) {
+    bool any = false;
+    for (int32_t i = 0; i < env.levels; i++) {
+        env.point[i] = 0;
+        if (env.bound[i] > 0 || (span_of(env.um, i) == 0 && span_of(env.vm, i) == 0)) continue;
+        env.point[i] = wf_random_unit(word_field_prime(limit));
+        any = true;
+    }
+    return any;
+}
 
 // The box of both operands, each counted from its own lowest exponents. Its own lowest exponents are those of
 // the common monomial, so that what is written out has it.
 static bool plan_operands(const polygcd_EnvRec& env, PackPlan* plan) {
     int32_t low[k_levels], high[k_levels];
     for (int32_t i = 0; i < env.levels; i++) {
-        int32_t du = i < env.um.levels ? env.um.most[i] - env.um.least[i] : 0;
-        int32_t dv = i < env.vm.levels ? env.vm.most[i] - env.vm.least[i] : 0;
         low[i] = env.monomial[i];
-        high[i] = low[i] + maxx(du, dv);
+        high[i] = low[i] + (env.point[i] != 0 ? 0 : maxx(span_of(env.um, i), span_of(env.vm, i)));
     }
     if (!pack_plan(low, high, env.levels, plan)) return false;
     for (int32_t k = 0; k < plan->count; k++)
         if (plan->radix[k] > k_univariate_limit) return false;
     return true;
+}
+
+// One operand as residues; with points set, terms that have become alike are added up.
+static PackTerms operand_terms(const polygcd_EnvRec& env, const PackPlan& plan, const polynode* p,
+                               const PackMeasure& m, const WordField& f, bool with_points) {
+    if (!with_points) return pack_residues(p, plan, m.least, m.terms, f);
+    return pack_values(p, plan, m.least, m.terms, f, env.point);
 }
 
 bool divides_both(const polygcd_EnvRec& env, poly g) {
@@ -65,6 +86,7 @@ static poly tree_of_residues(const PackPlan& plan, PackTerms* g) {
 // Arithmetic modulo a composite: the reciprocal serves any modulus, inverses are asked for.
 bool gcd_by_units(polygcd_EnvRec& env, polyptrr g) {
     PackPlan plan;
+    for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
     if (!plan_operands(env, &plan) || plan.count != 1) return false;
     ScratchMark mark = scratch_mark();
     WordField ring = word_field_ring();
@@ -109,30 +131,36 @@ static bool restrict_terms(const WordField& f, PackTerms& g) {
     return true;
 }
 
-bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
+// One attempt over the field in force.
+static bool field_attempt(polygcd_EnvRec& env, bool with_points, bool careful, polyptrr g) {
     PackPlan plan;
     if (!plan_operands(env, &plan)) return false;
-    ScratchMark mark = scratch_mark();
     BrownEnv brown = {};
-    brown.f = plan.count == 1 ? word_field_ring() : word_field_enlarged();
+    brown.f = plan.count == 1 && !with_points ? word_field_ring() : word_field_enlarged();
     brown.radix = plan.radix;
-    PackTerms u = pack_residues(env.u, plan, env.um.least, env.um.terms, brown.f);
-    PackTerms v = pack_residues(env.v, plan, env.vm.least, env.vm.terms, brown.f);
+    brown.careful = careful;
+    PackTerms u = operand_terms(env, plan, env.u, env.um, brown.f, with_points);
+    PackTerms v = operand_terms(env, plan, env.v, env.vm, brown.f, with_points);
+    if (u.count == 0 || v.count == 0) return false;
+    PackTerms terms = brown_gcd(brown, u, v, plan.count);
+    if (brown.failed || !restrict_terms(brown.f, terms)) return false;
+    *g = tree_of_residues(plan, &terms);
+    if ((plan.count == 1 && !with_points) || is_number(*g) || divides_both(env, *g)) return true;
+    free_poly(g);
+    return false;
+}
+
+bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
+    ScratchMark mark = scratch_mark();
+    WordField f = word_field_enlarged();
     bool found = false;
-    for (int32_t round = 0; round < 3 && !found; round++) {
-        brown.careful = round > 0;
-        brown.failed = false;
-        ScratchMark inner = scratch_mark();
-        PackTerms terms = brown_gcd(brown, u, v, plan.count);
-        if (!brown.failed && restrict_terms(brown.f, terms)) {
-            *g = tree_of_residues(plan, &terms);
-            found = plan.count == 1 || is_number(*g) || divides_both(env, *g);
-            if (!found) free_poly(g);
-        }
-        scratch_release(inner);
-        if (brown.failed) break;
+    for (int32_t round = 0; round < 4 && !found; round++) {
+        bool with_points = set_points(env, f.p);
+        if (round >= 2)
+            for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
+        found = field_attempt(env, with_points && round<2, round> 0, g);
+        scratch_release(mark);
     }
-    scratch_release(mark);
     return found;
 }
 
@@ -180,6 +208,7 @@ static int64_t size_bound(const ModularEnv& m) {
     int64_t sum = 0;
     for (int32_t k = 0; k < m.plan.count; k++) sum += m.plan.radix[k];
     int64_t digits = minn(m.env->um.digits, m.env->vm.digits) + m.lead_gcd.size;
+    // Points do not enter: beyond this bound the images are those of a polynomial that is too large.
     return digits * k_digit_bits + sum + sum / 2 + 2;
 }
 
@@ -188,8 +217,9 @@ static bool image_modulo(ModularEnv& m, const WordField& f, PackTerms* g) {
     const polygcd_EnvRec& env = *m.env;
     if (wf_of_number(f, leading_coef(env.u)->ncoef) == 0 || wf_of_number(f, leading_coef(env.v)->ncoef) == 0)
         return false;
-    PackTerms u = pack_residues(env.u, m.plan, env.um.least, env.um.terms, f);
-    PackTerms v = pack_residues(env.v, m.plan, env.vm.least, env.vm.terms, f);
+    PackTerms u = operand_terms(env, m.plan, env.u, env.um, f, m.with_points);
+    PackTerms v = operand_terms(env, m.plan, env.v, env.vm, f, m.with_points);
+    if (u.count == 0 || v.count == 0) return false;
     BrownEnv brown = {f, m.plan.radix, m.careful, false};
     *g = brown_gcd(brown, u, v, m.plan.count);
     if (brown.failed) return false;
@@ -227,6 +257,7 @@ static bool run_primes(ModularEnv& m, polyptrr g) {
         // The first image alone is often the gcd; after it a change-free prime tells that all digits are
         // there.
         if ((settled || t.primes == 1) && accept(m, t, g)) return true;
+        if (settled && m.with_points) return false;  // the points are unlucky, more primes change nothing
         if (crt_product_bits(t) > bound) return false;
         if (!grown && !kept) scratch_release(mark);
     }
@@ -236,18 +267,20 @@ static bool run_primes(ModularEnv& m, polyptrr g) {
 bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g) {
     ModularEnv m = {};
     m.env = &env;
-    if (!plan_operands(env, &m.plan)) return false;
     ScratchMark mark = scratch_mark();
     open_modular(m);
-    bool found = run_primes(m, g);
-    if (!found) {
-        m.careful = true;
-        found = run_primes(m, g);
+    bool found = false;
+    for (int32_t round = 0; round < 4 && !found; round++) {
+        m.with_points = set_points(env, k_point_limit) && round < 2;
+        m.careful = round > 0;
+        if (round >= 2)
+            for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
+        found = plan_operands(env, &m.plan) && run_primes(m, g);
+        scratch_release(mark);
     }
     if (found && !is_longint(&m.content, 1)) num_poly_mult(g, &m.content);
     special_free(&m.lead_gcd);
     special_free(&m.content);
-    scratch_release(mark);
     return found;
 }
 }  // namespace tolvex

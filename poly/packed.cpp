@@ -3,6 +3,8 @@
 #include "numbers/num_assign.h"
 #include "poly/poly_basic.h"
 #include "storage/scratch.h"
+
+#include <algorithm>
 namespace tolvex {
 // ---- reading ----
 
@@ -108,8 +110,7 @@ static void read_terms(PackReader& reader, const polynode* p, int32_t level, int
 }
 
 // Exponents of levels that a leaf leaves out are 0, which stands at digit -low.
-static PackTerms run_reader(PackReader& reader, const polynode* p, const PackPlan& plan, const int32_t* low,
-                            int64_t terms) {
+static void open_reader(PackReader& reader, const PackPlan& plan, const int32_t* low, int64_t terms) {
     int32_t levels = plan.count == 0 ? 0 : plan.level[plan.count - 1] + 1;
     // Levels outside the plan hold one exponent only, which counts as digit 0.
     for (int32_t i = 0; i < k_levels; i++) reader.weight[i] = 0, reader.low[i] = 0, reader.below[i] = 0;
@@ -126,6 +127,11 @@ static PackTerms run_reader(PackReader& reader, const polynode* p, const PackPla
         reader.out.residue = scratch_array<uint32_t>(terms);
     else
         reader.out.word = scratch_array<int64_t>(terms);
+}
+
+static PackTerms run_reader(PackReader& reader, const polynode* p, const PackPlan& plan, const int32_t* low,
+                            int64_t terms) {
+    open_reader(reader, plan, low, terms);
     read_terms(reader, p, 0, 0);
     return reader.out;
 }
@@ -141,6 +147,72 @@ PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low
     PackReader reader;
     reader.field = nullptr;
     return run_reader(reader, p, plan, low, terms);
+}
+
+namespace {
+/// A walk that evaluates some of the levels.
+struct ValueReader {
+    PackReader* reader;
+    const WordField* f;
+    const uint32_t* point;
+    const int32_t* low;
+};
+struct IndexedResidue {
+    int64_t index;
+    uint32_t residue;
+};
+}  // namespace
+
+static uint32_t point_factor(const ValueReader& v, int32_t level, int32_t exp, uint32_t factor) {
+    if (v.point[level] == 0 || exp == v.low[level]) return factor;
+    auto e = static_cast<uint64_t>(exp - v.low[level]);
+    return wf_mul(*v.f, factor, wf_power(*v.f, v.point[level], e));
+}
+
+static void read_values(ValueReader& v, const polynode* p, int32_t level, int64_t index, uint32_t factor) {
+    PackReader& reader = *v.reader;
+    PackTerms& out = reader.out;
+    for (const polynode* t = p; t != nullptr; t = t->next) {
+        bool whole = t == p && is_number(p);  // a leaf that ends above this level
+        uint32_t here = whole ? factor : point_factor(v, level, t->exp, factor);
+        int64_t at = index;
+        if (!whole && v.point[level] == 0) at += reader.weight[level] * (t->exp - reader.low[level]);
+        if (!t->numb) {
+            read_values(v, t->pcoef, level + 1, at, here);
+            continue;
+        }
+        out.index[out.count] = at + reader.below[whole ? level : level + 1];
+        out.residue[out.count++] = wf_mul(*v.f, here, wf_of_number(*v.f, t->ncoef));
+    }
+}
+
+// Falling indexes, alike ones added, zeros dropped.
+static void collect(PackTerms* terms, const WordField& f) {
+    auto* pair = scratch_array<IndexedResidue>(terms->count);
+    for (int64_t i = 0; i < terms->count; i++) pair[i] = {terms->index[i], terms->residue[i]};
+    std::sort(pair, pair + terms->count,
+              [](const IndexedResidue& a, const IndexedResidue& b) { return a.index > b.index; });
+    int64_t n = 0;
+    for (int64_t i = 0; i < terms->count;) {
+        int64_t index = pair[i].index;
+        uint32_t sum = 0;
+        for (; i < terms->count && pair[i].index == index; i++) sum = wf_add(f, sum, pair[i].residue);
+        if (sum == 0) continue;
+        terms->index[n] = index;
+        terms->residue[n++] = sum;
+    }
+    terms->count = n;
+}
+
+PackTerms pack_values(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms,
+                      const WordField& f, const uint32_t* point) {
+    PackReader reader;
+    reader.field = &f;
+    open_reader(reader, plan, low, terms);
+    ValueReader v = {&reader, &f, point, low};
+    read_values(v, p, 0, 0, 1);
+    collect(&reader.out, f);
+    return reader.out;
 }
 
 // ---- writing ----

@@ -50,6 +50,10 @@ struct PackTerms {
 /// The residues of p, zeros left out. low: subtracted from the exponents (of the plan when nil).
 PackTerms pack_residues(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms,
                         const WordField& f);
+/// The same with the levels whose point is not 0 set to point (an integer, or a code of the field) and left
+/// out of the index; terms that have become alike are added up. A level's power starts at its exponent low.
+PackTerms pack_values(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms,
+                      const WordField& f, const uint32_t* point);
 /// The integers of p, whose chains have at most k_word_digits digits.
 PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
 inline constexpr int32_t k_word_digits = 2;

@@ -5,12 +5,14 @@
 #include "numbers/num_compare.h"
 #include "numbers/number_modes.h"
 #include "poly/div_general.h"
+#include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "tests/support/random_poly.h"
 
+#include <algorithm>
 #include <string>
 using namespace tolvex;
 using namespace tolvex::test;
@@ -24,7 +26,7 @@ struct PolyGuard {  // frees at the end of a test body; tests raise no errors
 
 const Ring& pick_ring(int round) {
     const Ring& r = all_rings[round % all_ring_count];
-    use_variables(4);
+    use_variables(6);
     use_ring(r);
     return r;
 }
@@ -159,6 +161,40 @@ PROPERTY(content_divides_and_leaves_a_primitive_part, 200) {
             content(q, &rest, polynames, 0, 1, 1);
             EXPECT_TRUE(poly_eq_1(rest)) << text_of(p) << " over " << text_of(c);
         }
+    }
+    use_integers();
+}
+
+// Variables that only the cofactors have are set to points; the gcd must not notice.
+PROPERTY(gcd_in_fewer_variables_than_the_operands, 300) {
+    const Ring& ring = pick_ring(round);
+    SCOPED_TRACE(ring.name);
+    if (!composite()) {
+        int32_t order[6] = {0, 1, 2, 3, 4, 5};
+        std::shuffle(order, order + 6, rng);
+        auto part = [&](int32_t from, int32_t to) {  // a polynomial in the variables order[from..to-1]
+            poly p = nullptr;
+            poly_set(0, &p);
+            for (int i = 0; i < 5; i++) {
+                int32_t e[6] = {};
+                for (int32_t k = from; k < to; k++) e[order[k]] = random_int(rng, 0, 3);
+                best_poly_add(p, term_poly(random_int(rng, 1, 50), e, 6), &p);
+            }
+            if (poly_iszero(p)) poly_set(1, &p);
+            return p;
+        };
+        PolyGuard a, b, c, u, v, g, h;
+        a.p = part(0, 4);
+        b.p = part(1, 5);
+        c.p = part(2, 4);
+        Lpolygcd(a, b, &h, 0, polynames);
+        poly_mult(h, c, &h, polynames);
+        gcd_normal_form(&h.p);
+        poly_mult(a, c, &u, polynames);
+        poly_mult(b, c, &v, polynames);
+        Lpolygcd(u, v, &g, 0, polynames);
+        EXPECT_TRUE(poly_equal(g, h))
+            << text_of(g) << "  against  " << text_of(h) << " of " << text_of(u) << " and " << text_of(v);
     }
     use_integers();
 }

@@ -28,7 +28,7 @@ struct PolyGuard {
 
 const Ring& pick_ring(int round) {
     const Ring& r = all_rings[round % all_ring_count];
-    use_variables(4);
+    use_variables(6);
     use_ring(r);
     return r;
 }

@@ -20,7 +20,7 @@ namespace {
 struct Division : ::testing::Test {
     void SetUp() override {
         set_up_once();
-        use_variables(4);
+        use_variables(6);
         use_integers();
     }
     void TearDown() override {
