@@ -11,7 +11,9 @@
 #include "numbers/shape_num.h"
 #include "poly/div_trial.h"
 #include "poly/div_user.h"
+#include "poly/poly_add.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_laurent.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
@@ -177,13 +179,13 @@ static void degree_in_parentheses(BuiltinCall& call, bool largest) {
     next_token(call.inf, call.flag);
     Value v;
     get_the_data(call, &v);
-    int32_t level = next_argument(call) ? read_level(call, Err::variable_argument) : 0;
+    bool of_main = !next_argument(call);
+    int32_t level = of_main ? 1 : read_level(call, Err::variable_argument);
     close_call(call);
     const quolynode* q = value_of(&v);
     int32_t degree = 0;
-    if (!q->numb)
-        degree =
-            extreme_degree(level > 0 ? q->numer : below_pads(q->numer), level > 0 ? level - 1 : 0, largest);
+    if (!q->numb && level > 0)
+        degree = extreme_degree(of_main ? below_pads(q->numer) : q->numer, level - 1, largest);
     drop_data(&v);
     return_word(call, degree);
 }
@@ -456,6 +458,145 @@ void builtin_Numcon(BuiltinCall& call) {
         gcd_coefs(q->numer, &content);
         return_poly(call, &content);
     }
+}
+
+// ---- cutting and joining -------------------------------------------------------------------------------
+
+/// The variable of an argument "^x", which must be a number or polynomial; nil after an error.
+static varptr polynomial_place(ResultPlace* place) {
+    varptr p = tok_char(place->name) == 0 ? nullptr : find_var(place->name);
+    if (p == nullptr || p->val->numb || p->val->denom == nullptr) return p;
+    error(Err::rational_not_allowed);
+    return nullptr;
+}
+
+/// A copy of a number or polynomial.
+static poly copy_of_value(const quolynode* q) {
+    poly p = nullptr;
+    if (q->numb)
+        scalar_to_poly(q->ncoef, &p);
+    else
+        poly_assign(q->numer, &p);
+    return p;
+}
+
+/// The power of the main variable at which a polynomial is cut or joined: a number of one digit.
+static int32_t read_power(BuiltinCall& call) {
+    int32_t k = read_integer(call);
+    if (k >= -k_max_digit && k <= k_max_digit) return k;
+    error(Err::exponent_too_long);
+    return 0;
+}
+
+/// Pads in front of the main variable of p; a number has none.
+static int32_t pads_of(const polynode* p) {
+    int32_t pads = 0;
+    for (; p->exp == 0 && !p->numb && p->next == nullptr; p = p->pcoef) pads++;
+    return pads;
+}
+
+/// *p without its pads.
+static void strip_pads(polyptrr p) {
+    for (int32_t pads = pads_of(*p); pads > 0; pads--) {
+        poly pad = *p;
+        *p = pad->pcoef;
+        free_node(pad);
+    }
+}
+
+/// *high := the terms of *high of exponent k and more, divided by x^k; *low := the rest. x: the main
+/// variable.
+static void split_poly(polyptrr high, polyptrr low, int32_t k) {
+    int32_t pads = pads_of(*high);
+    strip_pads(high);
+    poly* cut = high;
+    while (*cut != nullptr && (*cut)->exp >= k) cut = &(*cut)->next;
+    *low = *cut;
+    *cut = nullptr;
+    fix_top(high);
+    fix_top(low);
+    if (k > 0) sub_expons(high, k);
+    add_pad(high, pads);
+    add_pad(low, pads);
+}
+
+/// Split(^a, k): a keeps the part from the power k of its main variable on, divided by that power; the value
+/// is the rest. Split(^a, k, ^q): q takes the rest.
+void builtin_Split(BuiltinCall& call) {
+    open_call(call);
+    ResultPlace a, rest = {};
+    read_result_place(call, &a);
+    need_comma(call);
+    int32_t k = read_power(call);
+    if (k < 0) {
+        error(Err::negative_power);
+        k = 0;
+    }
+    bool stored = next_argument(call);
+    if (stored) read_result_place(call, &rest);
+    close_call(call);
+    varptr p = polynomial_place(&a);
+    if (p != nullptr && quoly_iszero(p->val)) {
+        error(Err::split_of_zero);
+        p = nullptr;
+    }
+    quoly low_value = nullptr;
+    if (p != nullptr) {
+        poly high = copy_of_value(p->val), low = nullptr;
+        split_poly(&high, &low, k);
+        quoly high_value = nullptr;
+        poly_to_quoly(&high, &high_value);
+        poly_to_quoly(&low, &low_value);
+        set_quotient(&a, &high_value);
+    } else {
+        quoly_set(0, &low_value);
+    }
+    if (!stored) {
+        *call.n = low_value;
+        return;
+    }
+    set_quotient(&rest, &low_value);
+    quoly_set(0, call.n);
+}
+
+/// *high := *high x^k + low, x the main variable of *high, or of low if *high is a number. low is used up.
+static void splice_poly(polyptrr high, poly low, int32_t k) {
+    int32_t pads = is_number(*high) ? pads_of(low) : pads_of(*high);
+    if (!is_number(*high)) {
+        strip_pads(high);
+        sub_expons(high, -k);
+        add_pad(high, pads);
+    } else if (!iszero((*high)->ncoef)) {
+        poly shifted = nullptr;
+        new_term(&shifted, k, *high);
+        *high = shifted;
+        add_pad(high, pads);
+    }
+    best_poly_add(*high, low, high);
+}
+
+/// Splice(^a, ^b, k): a becomes a x^k + b, b becomes 0.
+void builtin_Splice(BuiltinCall& call) {
+    open_call(call);
+    ResultPlace a, b;
+    read_result_place(call, &a);
+    need_comma(call);
+    read_result_place(call, &b);
+    need_comma(call);
+    int32_t k = read_power(call);
+    if (k < 1) error(Err::splice_power);
+    close_call(call);
+    varptr p = polynomial_place(&a), q = polynomial_place(&b);
+    if (k >= 1 && p != nullptr && q != nullptr && number_polys > 0) {
+        poly high = copy_of_value(p->val), low = copy_of_value(q->val);
+        splice_poly(&high, low, k);
+        quoly sum = nullptr, zero = nullptr;
+        poly_to_quoly(&high, &sum);
+        quoly_set(0, &zero);
+        set_quotient(&b, &zero);
+        set_quotient(&a, &sum);
+    }
+    quoly_set(0, call.n);
 }
 
 // ---- levels --------------------------------------------------------------------------------------------

@@ -73,6 +73,8 @@ struct BuiltinRoutines {
         of[71] = builtin_Rat;
         of[72] = builtin_Rcoef;
         of[74] = builtin_Remquot;
+        of[86] = builtin_Splice;
+        of[87] = builtin_Split;
         of[89] = builtin_Sqrt;
         of[91] = builtin_Swap;
         of[95] = builtin_Terms;

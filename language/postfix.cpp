@@ -43,7 +43,7 @@ void get_exponent(FILE* inf, nameptr* flag, imptr m, boolean one_factor) {
         num_assign(value_of(&v)->ncoef, m);
     } else {
         error(Err::exponent_not_number, "^");
-        setvalue(1, m);
+        setvalue(0, m);
     }
     release(&v);
     restore_modular(was_modular);

@@ -133,6 +133,8 @@ enum class Err : int32_t {
     polyvar_separator = 361,
     polyvar_not_now = 362,
     move_of_polyvar = 363,
+    split_of_zero = 365,
+    splice_power = 367,
 };
 
 /// Reports error `code` and leaves the statement. `text` is the offending symbol; nullptr means the current
