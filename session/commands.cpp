@@ -18,6 +18,7 @@
 #include "session/polyvars.h"
 #include "session/questions.h"
 #include "session/session_modes.h"
+#include "session/status.h"
 #include "session/switch_table.h"
 #include "session/switches.h"
 #include "storage/failure.h"
@@ -150,6 +151,11 @@ static After memory_left(Command& c) {
     return After::read_next;
 }
 
+static After show_settings(Command&) {
+    global_dump();
+    return After::read_next;
+}
+
 /// Gives the records of a free list back to the stash that they came from. Those that the start-up stock
 /// added are more than the stash has handed out: so many stay on the list.
 template <auto link, class R> static void empty_free_list(R*& head, stash_rec* stash) {
@@ -244,6 +250,7 @@ static const CommandRow commands[] = {
     {"_p", pop_level},
     {"a", toggle_addresser},
     {"d", ask_disp_size},
+    {"g", show_settings},
     {"h", memory_left},
     {"o", output_only},
     {"p", ground_ring},
