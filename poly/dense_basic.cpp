@@ -85,7 +85,7 @@ void onevar_add(const int32_t* a, const int32_t* b, int32_t* c, int32_t xa, int3
     const int32_t* longer = an > bn ? a + xa : b + ya;
     int32_t top = an > bn ? an : bn;
     row_add(word_field_ring(), entries(a) + xa, entries(b) + ya, entries(c), both);
-    memmove(c + both, longer + both, static_cast<size_t>(top - both) * sizeof(int32_t));
+    if (top > both) memmove(c + both, longer + both, static_cast<size_t>(top - both) * sizeof(int32_t));
     *deg = dense_degree(c, top - 1);
 }
 

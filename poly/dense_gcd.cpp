@@ -8,10 +8,13 @@
 #include <utility>
 namespace tolvex {
 namespace {
+// Sums of degrees from which the half-gcd pays; measured. The products of table fields have no transforms.
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int32_t k_hgcd_degrees = 12;
+constexpr int32_t k_table_hgcd_degrees = 12;
 #else
-constexpr int32_t k_hgcd_degrees = 3000;  // sum of degrees from which the half-gcd pays; measured
+constexpr int32_t k_hgcd_degrees = 4000;
+constexpr int32_t k_table_hgcd_degrees = 10000;
 #endif
 }  // namespace
 
@@ -48,8 +51,7 @@ bool simple_onevar_gcd(const WordField& f, DensePoly x, DensePoly y, DensePoly* 
 bool wf_dense_gcd(const WordField& f, uint32_t* x, int32_t xdeg, uint32_t* y, int32_t ydeg, uint32_t** g,
                   int32_t* gdeg) {
     DensePoly u = {x, wf_degree(x, xdeg)}, v = {y, wf_degree(y, ydeg)}, r;
-    bool long_operands = int64_t{u.degree} + v.degree >= k_hgcd_degrees;
-    if (!(long_operands ? hgcd(f, u, v, &r) : simple_onevar_gcd(f, u, v, &r))) return false;
+    if (!hgcd(f, u, v, f.table ? k_table_hgcd_degrees : k_hgcd_degrees, &r)) return false;
     *g = r.c;
     *gdeg = r.degree;
     if (r.degree < 0) return true;

@@ -13,12 +13,11 @@
 #include <utility>
 namespace tolvex {
 namespace {
+// Degree of x up to which parthg is the plain Euclid.
 #ifdef TOLVEX_SMALL_LIMITS
-constexpr int32_t k_plain_degree = 4;    // degree of x up to which parthg is the plain Euclid
-constexpr int32_t k_finish_degrees = 8;  // sum of degrees from which hgcd finishes by the plain Euclid
+constexpr int32_t k_plain_degree = 4;
 #else
 constexpr int32_t k_plain_degree = 180;
-constexpr int32_t k_finish_degrees = 2000;
 #endif
 }  // namespace
 
@@ -206,9 +205,9 @@ bool fullhg(const WordField& f, DensePoly* x, DensePoly* y) {
     return done;
 }
 
-bool hgcd(const WordField& f, DensePoly x, DensePoly y, DensePoly* g) {
+bool hgcd(const WordField& f, DensePoly x, DensePoly y, int32_t plain, DensePoly* g) {
     if (x.degree < y.degree) std::swap(x, y);
-    while (x.degree + y.degree > k_finish_degrees && y.degree >= 0) {
+    while (int64_t{x.degree} + y.degree > plain && y.degree >= 0) {
         poll_interrupt();
         if (!fullhg(f, &x, &y)) return false;
         if (y.degree >= 0 && !divide_y_into_x(f, &x, &y)) return false;

@@ -32,6 +32,6 @@ bool euclid_onevar(const WordField& f, DensePoly* x, DensePoly* y, int32_t m, Co
 bool parthg(const WordField& f, DensePoly* x, DensePoly* y, CofactorMatrix* matrix);
 /// The same without the matrix.
 bool fullhg(const WordField& f, DensePoly* x, DensePoly* y);
-/// The gcd by half-gcds until the degrees are small, then by the plain Euclid.
-bool hgcd(const WordField& f, DensePoly x, DensePoly y, DensePoly* g);
+/// The gcd by half-gcds while the sum of degrees is above `plain`, then by the plain Euclid.
+bool hgcd(const WordField& f, DensePoly x, DensePoly y, int32_t plain, DensePoly* g);
 }  // namespace tolvex

@@ -66,7 +66,7 @@ static void piecewise(const WordField& f, const uint32_t* a, int32_t an, const u
     auto* piece = scratch_array<uint32_t>(step + bn - 1);
     wf_mult(f, a, step, b, bn, c);
     for (int32_t at = step; at < an; at += step) {
-        poll_interrupt();
+        if (an > k_dense_entries) poll_interrupt();
         int32_t n = an - at < step ? an - at : step;
         wf_mult(f, a + at, n, b, bn, piece);
         row_add(f, c + at, piece, c + at, bn - 1);
@@ -86,7 +86,7 @@ void wf_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* 
         school_mult(f, a, an, b, bn, c);
     else if (!f.table && bn >= k_ntt_entries && an / 8 < bn && ntt_fits(an, bn))
         ntt_mult(f, a, an, b, bn, c);
-    else if (!f.table && bn >= k_ntt_entries && ntt_fits(4 * bn, bn) && an / 8 >= bn)
+    else if (!f.table && bn >= k_ntt_entries && an / 8 >= bn && ntt_fits(4 * bn, bn))
         piecewise(f, a, an, b, bn, c, 4 * bn);
     else if (an / 2 >= bn)
         piecewise(f, a, an, b, bn, c, bn);

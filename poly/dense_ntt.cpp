@@ -5,7 +5,9 @@
 // vectorises, and the choice of B keeps n within 1/4 above what is needed.
 #include "poly/dense_ntt.h"
 
+#include "poly/dense_basic.h"
 #include "poly/dense_kernels.h"
+#include "storage/interrupt.h"
 #include "storage/memory.h"
 #include "storage/scratch.h"
 
@@ -91,9 +93,16 @@ WIDE_VECTORS static void join_block(uint32_t* __restrict u, uint32_t* __restrict
     }
 }
 
+// Once a level of a long transform. The tables may be made anew while another command level is open, with the
+// same entries as far as they went; they are read through the record of the prime.
+static void poll_if_long(Length length) {
+    if (length.n() > 4 * k_dense_entries) poll_interrupt();
+}
+
 static void forward(uint32_t* x, Length length, const NttPrime& t) {
     int32_t n = length.n(), h = n;
     for (int32_t level = 0; level < length.splits; level++) {
+        poll_if_long(length);
         h /= 2;
         for (int32_t b = 0; b < 1 << level; b++) {
             uint32_t* u = x + static_cast<ptrdiff_t>(b) * 2 * h;
@@ -105,6 +114,7 @@ static void forward(uint32_t* x, Length length, const NttPrime& t) {
 static void backward(uint32_t* x, Length length, const NttPrime& t) {
     int32_t h = length.base;
     for (int32_t level = length.splits - 1; level >= 0; level--) {
+        poll_if_long(length);
         for (int32_t b = 0; b < 1 << level; b++) {
             uint32_t* u = x + static_cast<ptrdiff_t>(b) * 2 * h;
             join_block(u, u + h, h, t.inverse[b], t.p);

@@ -262,15 +262,19 @@ PROPERTY(long_gcds, 28) {
     Dense x = product(random_with_unit_lead(rng, random_int(rng, 1000, 2500)), g),
           y = product(random_with_unit_lead(rng, random_int(rng, 100, 2500)), g);
     WordField f = word_field_ring();
-    std::vector<uint32_t> a(x.begin(), x.end()), b(y.begin(), y.end()), a2 = a, b2 = b;
+    std::vector<uint32_t> a(x.begin(), x.end()), b(y.begin(), y.end()), a2 = a, b2 = b, a3 = a, b3 = b;
     uint32_t* fast = nullptr;
     int32_t degree_fast = -5;
     ASSERT_TRUE(wf_dense_gcd(f, a.data(), size(x) - 1, b.data(), size(y) - 1, &fast, &degree_fast));
-    DensePoly plain = {};
+    DensePoly plain = {}, by_halves = {};
+    ASSERT_TRUE(hgcd(f, {a3.data(), size(x) - 1}, {b3.data(), size(y) - 1}, round % 2 * 300, &by_halves));
     ASSERT_TRUE(simple_onevar_gcd(f, {a2.data(), size(x) - 1}, {b2.data(), size(y) - 1}, &plain));
+    ASSERT_EQ(by_halves.degree, plain.degree) << r.name;
+    row_scale(f, by_halves.c, plain.degree + 1, unit_inverse(f, by_halves.c[plain.degree]));
     row_scale(f, plain.c, plain.degree + 1, unit_inverse(f, plain.c[plain.degree]));
     ASSERT_EQ(degree_fast, plain.degree) << r.name;
     ASSERT_TRUE(std::equal(fast, fast + degree_fast + 1, plain.c)) << r.name;
+    ASSERT_TRUE(std::equal(fast, fast + degree_fast + 1, by_halves.c)) << r.name;
     use_integers();
 }
 
