@@ -81,6 +81,7 @@ void chain_replace(imptr x, const limb* a, int64_t n, bool negative) {
     CHECK(size <= INT32_MAX);
     special_free(x);  // its digits are the next ones on the free list
     write_digits(x, a, n, size, negative);
+    CHECK(num_check(x));
 }
 
 void chain_set_int64(imptr x, int64_t v) {

@@ -99,6 +99,12 @@ int64_t gcd_loop(limb* r, limb* a, int64_t an, limb* b, int64_t bn, limb* tmp) {
 limb word_gcd(limb u, limb v) {
     if (u == 0) return v;
     if (v == 0) return u;
+    if (u == 1 || v == 1) return 1;  // the usual case of coefficients
+    if (u >> 8 > v) {                // far apart: one division saves many subtractions
+        if ((u %= v) == 0) return v;
+    } else if (v >> 8 > u) {
+        if ((v %= u) == 0) return u;
+    }
     int k = std::countr_zero(u | v);
     u >>= std::countr_zero(u);
     for (;;) {

@@ -40,8 +40,8 @@ void mul_short(limb* r, const limb* a, const limb* b, int64_t n) {
     }
 }
 
-/// r[0..2n) := a[0..n) * b[0..n) with the middle product (a1 - a0) (b1 - b0), which is one limb shorter than
-/// that of the sums (Knuth, The Art of Computer Programming 2, 4.3.3). a may be b.
+/// r[0..2n) := a[0..n) * b[0..n) with the middle product (a1 - a0) (b1 - b0), whose factors never outgrow a
+/// half, as those of (a1 + a0) (b1 + b0) do (Knuth, The Art of Computer Programming 2, 4.3.3). a may be b.
 void karatsuba(limb* r, const limb* a, const limb* b, int64_t n, limb* room) {
     if (n < k_karatsuba) {
         mul_short(r, a, b, n);

@@ -2,10 +2,14 @@
 /// numbers/limbs.h: arrays of 64-bit limbs, the working form of big integers inside one operation.
 ///
 /// Purpose    chains are unpacked once (28-bit digits to little-endian limbs), worked on in arrays, and
-/// written once. Invariant  operands are read only; lengths are exact (top limb not 0) except where said. All
-/// scratch comes from
-///            storage/scratch.h and is given back before return.
-/// Raises     nothing.
+///            written once. Methods by length: products schoolbook, Karatsuba, transforms (limb_ntt.h);
+///            quotients schoolbook, Burnikel-Ziegler; gcds Lehmer, half-gcd (limb_lehmer.h); roots
+///            Zimmermann.
+/// Invariant  operands are read only, and lengths are exact (top limb not 0), except where said.
+/// Ownership  all scratch comes from storage/scratch.h and is given back before return. A caller takes its
+///            arrays from a LimbArena, or from scratch with a mark of its own.
+/// Modes      none is read. Chains are handled whatever lintmode says.
+/// Raises     poll_interrupt in the long ones: only scratch memory and tables that are complete exist then.
 #include "numbers/number.h"
 #include "storage/scratch.h"
 
