@@ -1,7 +1,10 @@
 #include "poly/word_field.h"
 
+#include "poly/dense_gcd.h"
 #include "storage/interrupt.h"
 namespace tolvex {
+static constexpr int32_t k_vector_degree = 60;  // from here the vectorised loops and the half-gcd pay
+
 // Extended Euclid; logarithms in table fields.
 uint32_t wf_inverse(const WordField& f, uint32_t a) {
     if (f.ext != nullptr) return a == 1 ? 1 : f.ext->order - (a - 1) + 1;
@@ -72,6 +75,11 @@ int32_t wf_mod(const WordField& f, uint32_t* a, int32_t da, const uint32_t* b, i
 int32_t wf_gcd(const WordField& f, uint32_t* a, int32_t da, uint32_t* b, int32_t db, uint32_t** g) {
     da = wf_degree(a, da);
     db = wf_degree(b, db);
+    if (da >= 0 && db > k_vector_degree && f.ext == nullptr) {
+        int32_t degree;
+        wf_dense_gcd(f, a, da, b, db, g, &degree);
+        return degree;
+    }
     if (da < db) {
         uint32_t* t = a;
         a = b;
