@@ -16,6 +16,7 @@
 #include "storage/memory.h"
 #include "storage/stash.h"
 
+#include <cstdlib>
 #include <cstring>
 namespace tolvex {
 #ifdef TOLVEX_CHECKED
