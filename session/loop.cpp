@@ -182,6 +182,31 @@ void enter_level_1(int32_t failure) {
     drop_prompt_characters();
 }
 
+// ---- the leak audit of the checked build ----------------------------------------------------------------
+
+#ifdef TOLVEX_CHECKED
+static char audited[256];  // the statement, as the history ring has it
+
+static void note_statement() {
+    size_t n = 0;
+    audited[0] = 0;
+    for (nameptr p = start; finish != nullptr && n < sizeof audited - k_namelength - 1; p = p->next) {
+        n += static_cast<size_t>(snprintf(audited + n, sizeof audited - n, "%s", tok_text(p->let)));
+        if (p == finish) return;
+    }
+}
+
+/// Nothing may be live that no root reaches. The environment can switch this off, since it costs a walk over
+/// all values.
+static void audit_statement() {
+    static const char* mode = getenv("TOLVEX_AUDIT");
+    if (mode == nullptr || strcmp(mode, "off") != 0) audit_compare(audited);
+}
+#else
+static void note_statement() {}
+static void audit_statement() {}
+#endif
+
 // ---- one statement -------------------------------------------------------------------------------------
 
 /// Reads and runs one statement up to its terminator; *value: what it leaves, 0 if nothing.
@@ -195,6 +220,7 @@ static void run_one_statement(quolyptr value) {
     charge_time(&mytime[time_level]);
     if (*value == nullptr) quoly_set(0, value);
     if (!at_terminator()) error(Err::not_terminated);
+    note_statement();
     history_clear();
 }
 
@@ -218,18 +244,10 @@ static void show_value(const quolynode* value) {
     if (extra_line || open) putchar('\n');
 }
 
-/// In the checked build: nothing may be live that no root reaches. The environment can switch this off, since
-/// it costs a walk over all values.
-static void audit_statement(const tokentipe& first) {
-    static const char* mode = getenv("TOLVEX_AUDIT");
-    if (mode == nullptr || strcmp(mode, "off") != 0) audit_compare(tok_text(first));
-}
-
 /// The rounds of level 1: the value goes on as the previous value.
 static void run_level_1() {
     for (;;) {
         run_one_statement(&sysnum);
-        tokentipe last = token;
         show_value(sysnum);
         free_quoly(&prevnum);
         prevnum = sysnum;
@@ -238,7 +256,7 @@ static void run_level_1() {
             time_to_quit = 0;
             printf(" You must use \"&q\" to quit the highest level.\n");
         }
-        audit_statement(last);
+        audit_statement();
         prompt_step();
     }
 }
