@@ -294,7 +294,15 @@ static void divide_in_place(BuiltinCall& call, Value* a) {
     close_call(call);
     varptr p = tok_char(place.name) == 0 ? nullptr : find_var(place.name);
     quoly quotient = nullptr;
-    bool yes = p != nullptr && divide_value(value_of(a), p->val, &quotient);
+    bool yes = false;
+    if (p != nullptr) {
+        Value b;
+        b.own = nullptr;
+        b.hold = {&p->val, &b.own, nullptr};
+        hold(&b);
+        yes = divide_value(value_of(a), value_of(&b), &quotient);
+        drop_data(&b);
+    }
     if (yes) set_quotient(&place, &quotient);
     drop_data(a);
     return_word(call, yes);

@@ -347,23 +347,6 @@ static imptr constant_term(const polynode* p) {
     return nullptr;
 }
 
-/// A polynomial target: its constant term is changed where it stands; one that comes or goes is added.
-static bool do_poly(quolyptr target, int32_t step, int32_t* shown) {
-    imptr constant = constant_term((*target)->numer);
-    if (constant != nullptr) {
-        if (!add_to_im(constant, step)) return false;
-        *shown = low_word(constant);
-        if (!iszero(constant)) return true;
-        add_to_im(constant, -step);  // a zero term has no place in the chain
-    }
-    quoly addend = nullptr;
-    quoly_set(0, &addend);
-    add_to_im(addend->ncoef, step);
-    *shown = constant != nullptr ? 0 : low_word(addend->ncoef);
-    best_quoly_add(target, addend);
-    return true;
-}
-
 /// The operand of ":+" and ":-": 1, or a factor whose number has one digit.
 static int32_t read_step(FILE* inf, nameptr* flag) {
     unsigned char c = tok_char(token);
@@ -393,6 +376,39 @@ static quolyptr target_again(tokentipe& name) {
     return &p->val;
 }
 
+/// The variable's value, held where it lives, plus the word step becomes its new value.
+static void add_to_variable(quolyptr target, int32_t step, tokentipe& name) {
+    Value v;
+    v.own = nullptr;
+    v.hold = {target, &v.own, nullptr};
+    hold(&v);
+    quoly addend = nullptr, sum = nullptr;
+    quoly_set(0, &addend);
+    add_to_im(addend->ncoef, step);
+    quoly_add(value_of(&v), addend, &sum);
+    free_quoly(&addend);
+    let_go(&v);
+    release(&v);
+    target = target_again(name);
+    free_value(target);
+    *target = sum;
+}
+
+/// A polynomial target: its constant term is changed where it stands; one that comes or goes is added.
+static bool do_poly(quolyptr target, int32_t step, tokentipe& name, int32_t* shown) {
+    imptr constant = constant_term((*target)->numer);
+    if (constant != nullptr) {
+        if (!add_to_im(constant, step)) return false;
+        *shown = low_word(constant);
+        if (!iszero(constant)) return true;
+        add_to_im(constant, -step);  // a zero term has no place in the chain
+    } else {
+        *shown = modularmode ? residue_of_int(step) : step;
+    }
+    add_to_variable(target, step, name);
+    return true;
+}
+
 static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr* flag) {
     bool minus = at_char('-');
     next_token(inf, flag);
@@ -409,7 +425,7 @@ static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, name
         error(Err::rational_not_allowed);
         done = true;
     } else {
-        done = do_poly(target, step, &shown);
+        done = do_poly(target, step, name, &shown);
     }
     if (!done) error(Err::increment_range);
     quoly_set(0, n);
