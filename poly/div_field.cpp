@@ -1,7 +1,5 @@
 #include "poly/div_field.h"
 
-#include "numbers/num_compare.h"
-#include "numbers/num_sign.h"
 #include "numbers/residue.h"
 #include "poly/dense_basic.h"
 #include "poly/dense_divide.h"
@@ -48,9 +46,38 @@ static Division all_remainder(poly n) {
     return d;
 }
 
-static Division divide_by_constant(poly n, poly m) {
+// What is left when error 85 has come back from a pushed command level.
+static Division undefined() {
     Division d = {};
-    poly_quot(n, m, &d.q);
+    poly_set(0, &d.q);
+    poly_set(0, &d.r);
+    return d;
+}
+
+// The inverse of the leading number of m in a ring of residues; 0 after error 85. Over Z, where it is 1 or
+// -1, itself.
+static int32_t lead_inverse(poly m) {
+    poly lead = is_number(m) ? m : m->pcoef;
+    if (!modularmode) return poly_eq_1(lead) ? 1 : -1;
+    int32_t inverse = 0;
+    mod_inverse(lead->ncoef->lint, &inverse);
+    return inverse;
+}
+
+// *p := p times what lead_inverse gave, which is not 0.
+static void times_inverse(polyptrr p, int32_t inverse) {
+    if (modularmode)
+        mod_num_poly_mult(p, inverse);
+    else if (inverse < 0)
+        poly_inplace(*p);
+}
+
+static Division divide_by_constant(poly n, poly m) {
+    int32_t inverse = lead_inverse(m);
+    if (inverse == 0) return undefined();
+    Division d = {};
+    poly_assign(n, &d.q);
+    times_inverse(&d.q, inverse);
     poly_set(0, &d.r);
     return d;
 }
@@ -64,9 +91,9 @@ static bool arrays_fit(const polynode* n, const polynode* m) {
 
 // One level, modular, deg n >= deg m >= 1. want_q false: d.q stays nil.
 static Division divide_in_arrays(poly n, poly m, bool want_q) {
+    int32_t inverse = lead_inverse(m);
+    if (inverse == 0) return undefined();
     Division d = {};
-    int32_t inverse = 0;
-    mod_inverse(m->pcoef->ncoef->lint, &inverse);
     ScratchMark mark = scratch_mark();
     int32_t q_degree = n->exp - m->exp;
     auto* x = scratch_array<int32_t>(int64_t{n->exp} + 1);
@@ -88,10 +115,7 @@ static Division divide_in_arrays(poly n, poly m, bool want_q) {
 static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptrr q_tail) {
     int32_t e = (*r)->exp - m->exp;
     poly t = coefficient_copy(*r), factor = nullptr, copy = nullptr, product = nullptr;
-    if (modularmode)
-        mod_num_poly_mult(&t, inverse);
-    else if (!poly_eq_1(m->pcoef))
-        poly_inplace(t);
+    times_inverse(&t, inverse);
     poly_assign(t, &copy);
     append_term(&factor, e, copy);
     q_tail = append_term(q_tail, e, t);
@@ -106,10 +130,13 @@ static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptr
 
 // n is used up. The leading number of m is a unit, over Z 1 or -1.
 static Division divide_classically(poly n, poly m) {
+    int32_t inverse = lead_inverse(m);
+    if (inverse == 0) {
+        free_poly(&n);
+        return undefined();
+    }
     poly q_head = nullptr, r = n;
     polyptrr q_tail = &q_head;
-    int32_t inverse = 0;
-    if (modularmode) mod_inverse(m->pcoef->ncoef->lint, &inverse);
     while (!is_number(r) && r->exp >= m->exp) {
         poll_interrupt();
         q_tail = divide_leading_term(&r, m, inverse, q_tail);
@@ -225,8 +252,8 @@ void fast_mod_and_div(poly n, poly m, polyptrr r, polyptrr qt, polypt pt, boolea
 
 // m is scaled once, outside the recursion.
 static Division divide_by_scaled(poly n, poly m) {
-    int32_t inverse = 0;
-    mod_inverse(m->pcoef->ncoef->lint, &inverse);
+    int32_t inverse = lead_inverse(m);
+    if (inverse == 0) return undefined();
     Division d = {};
     poly monic = nullptr;
     poly_assign(m, &monic);
