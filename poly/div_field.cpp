@@ -54,13 +54,12 @@ static Division undefined() {
     return d;
 }
 
-// The inverse of the leading number of m in a ring of residues; 0 after error 85. Over Z, where it is 1 or
-// -1, itself.
+// The inverse of the leading number of m; 0 after error 85. Over Z, where it is 1 or -1, the number itself.
 static int32_t lead_inverse(poly m) {
     poly lead = is_number(m) ? m : m->pcoef;
     if (!modularmode) return poly_eq_1(lead) ? 1 : -1;
-    int32_t inverse = 0;
-    mod_inverse(lead->ncoef->lint, &inverse);
+    int32_t inverse = mod_inverse_or_0(lead->ncoef->lint), ignored = 0;
+    if (inverse == 0) mod_inverse(lead->ncoef->lint, &ignored);  // for its error
     return inverse;
 }
 
