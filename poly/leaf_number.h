@@ -1,9 +1,8 @@
 #pragma once
 /// poly/leaf_number.h: what the inner loops of polynomial arithmetic do with the number of a leaf.
 ///
-/// Purpose    one-digit integers and residues are handled inline, all else goes to numbers/. Most
-/// coefficients
-///            have one digit.
+/// Purpose    one-digit integers and residues, which most coefficients are, are handled inline; all else goes
+///            to numbers/.
 /// Ownership  a `fresh` number owns no chain yet; results of clone, sum and product are new records.
 /// Modes      any.
 /// Raises     exponent_sum, exponent_product: exponent_too_long.

@@ -11,6 +11,7 @@
 /// Source     M. Monagan, R. Pearce: Sparse polynomial arithmetic (packed monomials), ISSAC 2009.
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
+#include "storage/interrupt.h"
 
 #include <cstdint>
 namespace tolvex {
@@ -69,6 +70,7 @@ poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, in
             if (box.zero(slot)) continue;
             c = box.leaf(slot);
         } else {
+            poll_interrupt();
             c = box_chain(plan, weight, box, i + 1, slot);
         }
         if (c == nullptr) continue;

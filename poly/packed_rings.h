@@ -2,8 +2,7 @@
 /// poly/packed_rings.h: the coefficients of packed terms, one record a kind of ring.
 ///
 /// Purpose    a ring holds the coefficients of both operands in arrays, and a row of accumulators ("slots")
-/// into
-///            which products are added; a slot is reduced or carried out only when it is written to a leaf.
+///            into which products are added; a slot is reduced only when it is written to a leaf.
 /// Invariant  at most min(terms of n, terms of m) products meet in one slot; each ring's range is checked for
 ///            that many before it is chosen.
 /// Ownership  all arrays are scratch of the operation.

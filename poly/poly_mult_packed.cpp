@@ -10,12 +10,14 @@ namespace tolvex {
 namespace {
 /// A box of accumulators, one for every exponent vector, is used while it has at most so many slots for each
 /// product of terms (filling and reading a slot costs a fraction of a product that meets a hash table).
-constexpr int64_t k_slots_a_product = 6;
-constexpr int64_t k_box_bytes = int64_t{1} << 29;
+constexpr int64_t k_slots_a_product = 4;
+constexpr int64_t k_box_bytes = int64_t{1} << 28;
 #ifdef TOLVEX_SMALL_LIMITS
-constexpr int64_t k_bucket_products = 16, k_bucket_bytes = 4096, k_tile_n = 3, k_tile_m = 5;
+constexpr int64_t k_bucket_products = 16, k_products_a_term = 0, k_bucket_bytes = 4096;
+constexpr int64_t k_tile_n = 3, k_tile_m = 5;
 #else
 constexpr int64_t k_bucket_products = 8192;           // a bucket's table stays in the second-level cache
+constexpr int64_t k_products_a_term = 4;              // of n in a bucket: each bucket visits all of them
 constexpr int64_t k_bucket_bytes = int64_t{1} << 26;  // for the slots of a bucket
 constexpr int64_t k_tile_n = 32, k_tile_m = 512;      // terms of a tile: its slots stay close together
 #endif
@@ -35,7 +37,8 @@ struct Product {
     }
     /// Products of terms that one bucket collects.
     int64_t bucket_products() const {
-        return std::max<int64_t>(16, std::min(k_bucket_products, k_bucket_bytes / slot_bytes()));
+        int64_t wanted = std::max(k_bucket_products, k_products_a_term * n.terms);
+        return std::max<int64_t>(16, std::min(wanted, k_bucket_bytes / slot_bytes()));
     }
     int64_t meeting() const { return n.terms < m.terms ? n.terms : m.terms; }  // products in one slot at most
 };
@@ -197,6 +200,7 @@ void multiply_tile(const Product& e, const Keys<uint64_t>& keys, Ring& ring, int
     int64_t i1 = std::min(i0 + k_tile_n, e.n.terms), j1 = std::min(j0 + k_tile_m, e.m.terms);
     for (int64_t i = i0; i < i1; i++) {
         const auto key = static_cast<int64_t>(keys.n[i]);
+        poll_interrupt();
         if (!e.square) {
             auto a = ring.left(i);
             for (int64_t j = j0; j < j1; j++) ring.add(key + static_cast<int64_t>(keys.m[j]), a, j);
@@ -217,7 +221,6 @@ poly multiply_in_box(const Product& e, const Keys<uint64_t>& keys, const int64_t
     for (int64_t i = 0; i < e.n.terms; i += k_tile_n) {
         for (int64_t j = e.square ? i / k_tile_m * k_tile_m : 0; j < e.m.terms; j += k_tile_m)
             multiply_tile(e, keys, ring, i, j);
-        poll_interrupt();
     }
     return box_tree(e.plan, weight, ring);
 }
@@ -332,6 +335,7 @@ template <class Key, class Ring> struct BucketProduct {
         for (int64_t i = first; i < e.n.terms; i++) {
             const Key key = keys.n[i];
             int64_t j = next[i];
+            poll_interrupt();
             if (e.square && j == i) {  // the diagonal comes first: partners are terms i, i + 1, ...
                 if (key + key < low) break;
                 ring.add(slot_of(key + key), ring.left(i), i);
@@ -401,7 +405,6 @@ poly multiply_in_buckets(const Product& e, const Keys<Key>& keys, Ring& ring) {
     for (int64_t b = 0; b < buckets; b++) {
         work.collect(bounds[b]);
         work.flush();
-        poll_interrupt();
     }
     return builder->finish();
 }
