@@ -48,7 +48,9 @@ void chain_power(imptr n, int32_t k) {
 
 /// first ... last in modular mode: each factor is reduced, and a product 0 ends the work.
 int32_t residue_range(int64_t first, int64_t last) {
-    int32_t r = residue_of_int(1);
+    // In a table field the integers are 0 and 1; one of any two neighbours is 0.
+    if (finf) return last < first || (first == last && (first & 1) != 0);
+    int32_t r = 1;
     for (int64_t i = first; i <= last && r != 0; i++) {
         r = modmult(static_cast<uint32_t>(r), static_cast<uint32_t>(residue_of_int(i)));
         poll_interrupt();

@@ -442,6 +442,23 @@ TEST_F(Integers, ranges) {
     EXPECT_EQ(x.lint, 1);
 }
 
+TEST_F(Integers, ranges_and_factorials_of_a_table_field) {
+    Modulo mode(2);  // the flags of GF(2^8); integers are 0 and 1 there
+    set_modulus(256);
+    finf = f256 = 1;
+    number x = {};
+    const int32_t table[][3] = {{1, 1, 1}, {3, 3, 1}, {2, 2, 0}, {3, 4, 0}, {5, 4, 1}, {-1, -1, 1}};
+    for (auto [first, last, value] : table) {
+        multout(first, last, &x);
+        EXPECT_EQ(x.lint, value) << first << " to " << last;
+    }
+    for (int32_t n : {0, 1, 2, 3, 255}) {
+        x.lint = n;
+        factorial(&x);
+        EXPECT_EQ(x.lint, n < 2) << n;
+    }
+}
+
 TEST_F(Integers, factorials_and_their_ranges) {
     auto factorial_of = [](Num x) {
         factorial(&x.v);
