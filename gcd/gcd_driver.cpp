@@ -17,6 +17,8 @@
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 namespace tolvex {
+static constexpr int64_t k_most_images = 1 << 17;
+
 bool ring_is_composite() { return modularmode && !mod_is_prime && !finf; }
 
 void gcd_normal_form(polyptrr g) {
@@ -136,6 +138,19 @@ static bool try_divisor(const polygcd_EnvRec& env, poly small, const PackMeasure
     return true;
 }
 
+// Interpolation takes an image for each combination of points of all variables but the first: with many
+// variables the remainder sequence, which works on the terms there are, is the lesser evil.
+static bool images_pay(const polygcd_EnvRec& env) {
+    int64_t images = 1;
+    bool first = true;
+    for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
+        if (env.bound[i] == 0) continue;
+        if (!first) images *= int64_t{env.bound[i]} + 2;
+        first = false;
+    }
+    return images <= k_most_images;
+}
+
 static poly gcd_in_domain(poly u, poly v, polypt pt) {
     polygcd_EnvRec env;
     env.u = u;
@@ -145,7 +160,7 @@ static poly gcd_in_domain(poly u, poly v, polypt pt) {
     if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env)) return common_monomial(env);
     poly g = nullptr;
     if (try_divisor(env, v, env.vm, u, &g) || try_divisor(env, u, env.um, v, &g)) return g;
-    if (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g)) return g;
+    if (images_pay(env) && (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g))) return g;
     return gcd_classical(u, v, pt);
 }
 
@@ -217,5 +232,19 @@ void Lpolygcd(poly u, poly v, polyptrr r, boolean, polypt pt) {
         polygcd(u, v, r, 0, 1, 1, pt, 1, 1, 1);
 }
 
-void Lpolygcd2(poly u, poly v, polyptrr r, polypt pt) { Lpolygcd(u, v, r, 1, pt); }
+// The gcd of g and all residues of p, as integers.
+static int32_t residue_content(const polynode* p, int32_t g) {
+    for (; p != nullptr && g != 1; p = p->next)
+        g = p->numb ? smallgcd(g, p->ncoef->lint) : residue_content(p->pcoef, g);
+    return g;
+}
+
+void Lpolygcd2(poly u, poly v, polyptrr r, polypt pt) {
+    if (!ring_is_composite() || (!is_number(u) && !is_number(v))) {
+        Lpolygcd(u, v, r, 1, pt);
+        return;
+    }
+    int32_t g = residue_content(v, residue_content(u, modulus));
+    poly_set(g == modulus ? 0 : g, r);  // both 0
+}
 }  // namespace tolvex

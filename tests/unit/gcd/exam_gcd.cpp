@@ -124,6 +124,12 @@ TEST_F(Gcd, composite_modulus) {
     use_ring(6);
     expect_gcd("x^2 + 5", "x^2 + 2*x + 1", "1");  // the remainder 4x + 4 has no unit in front
     expect_gcd("x^2 + 5", "x + 1", "x + 1");
+    poly a = poly_of("2*x"), b = poly_of("4"), zero = poly_of("0"), g = nullptr;
+    Lpolygcd2(a, b, &g, polynames);
+    EXPECT_EQ(text_of(g), plain("2"));
+    Lpolygcd2(zero, zero, &g, polynames);
+    EXPECT_TRUE(poly_iszero(g));
+    free_poly(&a), free_poly(&b), free_poly(&zero), free_poly(&g);
     use_ring(15);
     expect_gcd("x^2*y + 14*y", "x*y + y", "x*y + y");
 }
