@@ -17,6 +17,7 @@ void fast_array_onevar_mult(const int32_t* a, const int32_t* b, int32_t* c, int3
 /// The plain form: c[0..an+bn-2] := a[0..an) * b[0..bn); an, bn >= 1. Schoolbook for short operands, then
 /// Karatsuba, then number-theoretic transforms (table fields: Karatsuba throughout).
 void dense_mult(const int32_t* a, int32_t an, const int32_t* b, int32_t bn, int32_t* c);
-/// The same over the field (or ring) f, which need not be the ring in force.
+/// The same over the field (or ring) f, which need not be the ring in force and is not one of its extensions
+/// (f.ext is nil, here and in the other wf_ routines of the dense engine).
 void wf_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn, uint32_t* c);
 }  // namespace tolvex
