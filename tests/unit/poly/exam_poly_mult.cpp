@@ -296,8 +296,58 @@ TEST_F(PolyMult, exponents_beyond_a_word_are_refused) {
     EXPECT_EQ(caught.code, static_cast<int32_t>(Err::exponent_too_long));
     EXPECT_TRUE(RAISES(poly_mult(p, p, &got, nullptr)));
     EXPECT_TRUE(RAISES(simple_standard(p, q, 1, 1, &got)));
+    EXPECT_TRUE(RAISES(compute_power(&p, 2, nullptr)));
     free_poly(&p), free_poly(&q);
     before = live_records();  // what the jump left behind is lost
+}
+
+/// Keys of one word, of two, and exponents too wide for any key.
+TEST_F(PolyMult, widths_of_keys) {
+    Rng rng(21);
+    struct {
+        int32_t levels, max_exp;
+        bool packs;
+    } cases[] = {{3, 1 << 19, true}, {6, 1 << 19, true}, {10, 1 << 20, false}};
+    for (auto& c : cases) {
+        poly n = random_poly(rng, {c.levels, 30, c.max_exp}), m = copy_of(n), got = nullptr, want = nullptr;
+        int32_t e[10] = {};
+        for (int32_t i = 0; i < c.levels; i++) e[i] = c.max_exp;
+        best_poly_add(n, term_poly(3, e, c.levels), &n);
+        EXPECT_EQ(packed_poly_mult(n, m, &got), c.packs) << c.levels;
+        poly_mult(n, m, &got, nullptr);
+        simple_standard(n, m, poly_length(n), poly_length(m), &want);
+        EXPECT_TRUE(poly_check(got, c.levels));
+        EXPECT_TRUE(poly_equal(got, want));
+        for (poly* p : {&n, &m, &got, &want}) free_poly(p);
+    }
+}
+
+TEST_F(PolyMult, variables_at_the_deepest_level) {
+    poly x = poly_of("x + 1"), deep = nullptr, got = nullptr, back = nullptr;
+    base_poly(&deep, 150);
+    poly_add(x, deep, &got);
+    poly_mult(got, got, &got, nullptr);  // (x + w + 1)^2
+    EXPECT_TRUE(poly_check(got, 150));
+    EXPECT_EQ(poly_terms(got), 6);
+    poly_mult(deep, deep, &back, nullptr);
+    better_poly_sub(got, back, &got);
+    poly_mult(x, deep, &back, nullptr);
+    better_poly_sub(got, back, &got);
+    better_poly_sub(got, back, &got);
+    expect_text(got, "x^2 + 2*x + 1");
+    for (poly* p : {&x, &deep, &got, &back}) free_poly(p);
+}
+
+TEST_F(PolyMult, words_of_lintmode_wrap) {
+    lintmode = 1;
+    poly n = poly_of("65536*x + 65536*y"), got = nullptr;
+    EXPECT_FALSE(packed_poly_mult(n, n, &got));
+    poly_mult(n, n, &got, nullptr);  // every coefficient is a multiple of 2^32
+    EXPECT_TRUE(poly_iszero(got));
+    poly m = poly_of("3*x + 2");
+    poly_mult(m, m, &got, nullptr);
+    expect_text(got, "9*x^2 + 12*x + 4");
+    free_poly(&n), free_poly(&m), free_poly(&got);
 }
 
 TEST_F(PolyMult, powers) {
