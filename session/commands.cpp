@@ -6,7 +6,6 @@
 #include "language/ports.h"
 #include "language/tokens/scanner.h"
 #include "numbers/decimal_io.h"
-#include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "quoly/garbage.h"
 #include "quoly/quoly_basic.h"
@@ -197,12 +196,9 @@ static After outside_ring(Command& c) {
     next_token(c.inf, c.flag);
     parse(c.inf, c.n, c.flag);
     restore_modular(modular);
-    bool number = *c.n == nullptr || (*c.n)->numb;
-    if (number && modularmode && *c.n != nullptr) (*c.n)->ncoef->lint = residue_of_int((*c.n)->ncoef->lint);
+    if (modularmode) reduce_stored_words(c.n);
     Err fault = Err{};
-    if (!number && modularmode) {
-        fault = Err::number_expected;  // words inside a polynomial have no place in the ring
-    } else if (!tok_is(token, ")")) {
+    if (!tok_is(token, ")")) {
         fault = Err::close_paren_expected;
     } else {
         next_token(c.inf, c.flag);

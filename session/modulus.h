@@ -9,6 +9,7 @@
 ///            under way and the previous value are 0 after a change.
 /// Raises     62, 73, 84 before anything is changed; 353 where modular mode may not be left; 148 at the
 /// question.
+#include "quoly/quoly.h"
 #include "storage/types.h"
 
 #include <cstdint>
@@ -22,4 +23,7 @@ bool leave_modular(bool loud);
 void toggle_ground_ring();
 /// `&(p = v)`; `rational` for `&(p = _i)`.
 void set_ground_ring(int32_t v, bool rational, bool loud);
+/// After a part outside the ground ring has run: the words that it left in *value and in stored values become
+/// residues. Time linear in the size of all values.
+void reduce_stored_words(quolyptr value);
 }  // namespace tolvex
