@@ -92,7 +92,9 @@ PROPERTY(packed_division_agrees_with_the_recursive_one, 800) {
             bool divides = divide_trees(n, b, &q2, polynames);
             if (verdict != Packed::declined) {
                 EXPECT_EQ(verdict == Packed::yes, divides) << text_of(n) << " by " << text_of(b);
-                if (divides) EXPECT_TRUE(poly_equal(q, q2)) << text_of(n) << " by " << text_of(b);
+                if (divides) {
+                    EXPECT_TRUE(poly_equal(q, q2)) << text_of(n) << " by " << text_of(b);
+                }
             }
         }
     }
