@@ -10,6 +10,7 @@
 #include "session/jumps.h"
 #include "session/loop.h"
 #include "session/messages.h"
+#include "session/modulus.h"
 #include "session/session_modes.h"
 #include "session/startup.h"
 #include "storage/audit.h"
@@ -41,7 +42,10 @@ void clear_statement_counters() {
 /// level 1. Values that only skipped frames held are lost to the pools; the audit takes what is live now as
 /// its base.
 [[noreturn]] static void leave_for_level_1(int32_t failure) {
+    bool suspended = mod_is_changed > 0;
     ring_unwind();
+    quoly none = nullptr;
+    if (suspended && modularmode) reduce_stored_words(&none);
     was_modulus = -1;
     integerflag = 0;
     scratch_release({nullptr, 0});
