@@ -16,20 +16,22 @@
 #include <cctype>
 #include <cstdlib>
 namespace tolvex::test {
-static void remove_variables() {
+/// x, y, z as far as `vars` goes; a list that stands so already is kept.
+static void use_letters(int32_t vars) {
+    if (number_polys == vars && (vars == 0 || tok_is(polynames->let, "x"))) return;
     while (number_polys > 0) delete_poly_name(1);
-}
-
-Setting::Setting(int32_t m, int32_t vars, bool with_laurent) {
-    set_up_once();
-    init_quoly_constants();
-    remove_variables();
     const char* names[] = {"x", "y", "z"};
     for (int32_t i = 0; i < vars; i++) {
         tokentipe t = {};
         tok_set(t, names[i]);
         insert_poly_name(t, true);
     }
+}
+
+Setting::Setting(int32_t m, int32_t vars, bool with_laurent) {
+    set_up_once();
+    init_quoly_constants();
+    use_letters(vars);
     pseudo_polynames = polynames;
     laurent = with_laurent;
     if (m == 0) {
@@ -46,8 +48,6 @@ Setting::Setting(int32_t m, int32_t vars, bool with_laurent) {
 
 Setting::~Setting() {
     ring_enter_integers();
-    remove_variables();
-    pseudo_polynames = nullptr;
     laurent = 0;
     uglyprint = monomial_list = 0;
     alt_form_display = do_line_sup = 1;
