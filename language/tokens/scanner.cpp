@@ -168,7 +168,8 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
         leftover[0] = 0;
         tok->name[0] = static_cast<unsigned char>(c == EOF ? ';' : c);
         tok->name[1] = 0;
-        if (c == EOF && !tt_flag) return;  // at the terminal it ends the last line, in a file it leaves no trace
+        if (c == EOF && !tt_flag)
+            return;  // at the terminal it ends the last line, in a file it leaves no trace
     }
     history_add(*tok);
 }
