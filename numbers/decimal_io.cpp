@@ -35,7 +35,6 @@ void break_if_full(const Sink& sink) {
     if (sink.tty) {
         fprintf(sink.outf, " %c\n", continuation);
         *sink.mylength = 0;
-        number_breaks++;
     }
     putc(' ', sink.outf);
 }

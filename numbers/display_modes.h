@@ -9,6 +9,5 @@ inline boolean alt_form_display = 1;  // symmetric residues                   wr
 inline int16_t dispcutoff = 76;       // line length of output                writers: &_d
 inline int32_t disp_size = 5;         // groups of 8 digits of a decimal      writers: &d, change_prec
 inline number disp_cons = {};         // (10^8)^disp_size                     writers: calc_disp
-inline int32_t number_breaks = 0;     // line breaks made inside numbers      writers: showint
 inline int32_t warn_cnt = 0;          // overflow warnings of this statement  writers: main loop
 }  // namespace tolvex

@@ -105,14 +105,11 @@ void put_separator(Show& w, const polynode* t) {
 }
 
 /// The number before a power or alone; 1 and -1 before a power leave only the sign. True if digits were
-/// written. The lines that a long number took count for the suppression, which comes at its end.
+/// written.
 bool put_number(Show& w, const number* n, bool before_power, bool extra_space) {
     int32_t unit = before_power ? shown_unit(n) : 0;
     if (unit == 0) {
-        int32_t breaks = number_breaks;
         display(w.outf, w.tty, 0, n, w.mylength, extra_space);
-        *w.lines += number_breaks - breaks;
-        if (*w.lines > k_lines_shown && w.tty && do_line_sup) break_line(w);
         return true;
     }
     if (unit < 0) {
@@ -190,7 +187,6 @@ void put_monomial(Show& w, const number* n, const Monomial& m, polypt q) {
         if (!shown_negative(n)) put_text(w, uglyprint ? "+" : "+ ");
     }
     bool something = put_number(w, n, factors, !m.first || m.first_extra), after_power = false;
-    if (w.stopped) return;
     for (int32_t i = 0; i < m.levels; i++, q = q->next) {
         if (m.exps[i] == 0) continue;
         break_if_full(w, before_factor);

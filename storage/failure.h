@@ -140,8 +140,6 @@ enum class Err : int32_t {
 /// Reports error `code` and leaves the statement. `text` is the offending symbol; nullptr means the current
 /// token. Codes 0 (panic stop) and -1 (new command level) go through the two routines below.
 void error(Err code, const char* text = nullptr);
-/// Writes a warning of the numbered list and returns.
-void warning(Err code, const char* text = nullptr);
 /// An internal fault: prints "*** Tolvex error. " and the printf-style text, ends the statement (the process,
 /// while the start-up data are being read). Does not return.
 [[noreturn, gnu::format(printf, 1, 2)]] void tolvex_error(const char* format, ...);

@@ -26,7 +26,6 @@ namespace tolvex {
 void error(Err code, const char* text) {
     test::fail(static_cast<int32_t>(code), text != nullptr ? text : tok_text(token));
 }
-void warning(Err, const char*) {}
 void tolvex_error(const char* format, ...) {
     char text[256];
     va_list args;
