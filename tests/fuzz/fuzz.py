@@ -4,14 +4,16 @@
 usage: fuzz.py --tolvex PATH [--seconds S] [--seed N] [--keep DIR]     fuzz for S seconds of the program's CPU time
        fuzz.py --tolvex PATH --replay FILE...                          run kept sessions again
 
-A session fails if the program does not end by itself with status 0 or 1, writes a report of a checked build on
-standard error, or does not answer the probe statement at its end. A failing session is shortened and kept.
+A session fails if the program does not end with status 0 or 1 (after an interrupt, where a computation is long), writes a
+report of a checked build on standard error, or does not answer the probe statement at its end. A failing session is
+shortened and kept.
 """
 import argparse
 import os
 import random
 import re
 import resource
+import signal
 import subprocess
 import sys
 import tempfile
@@ -144,19 +146,32 @@ class Grammar:
 def attempt(binary, text, directory):
     """('' or the reason of failure, CPU seconds)"""
     before = resource.getrusage(resource.RUSAGE_CHILDREN)
-    try:
-        done = subprocess.run([binary], input=text + PROBE, cwd=directory, capture_output=True, timeout=LIMIT)
-        reason = ""
-        if done.returncode not in (0, 1):
-            reason = f"status {done.returncode}"
-        if TROUBLE.search(done.stderr) or b"*** Tolvex error" in done.stdout:
-            reason = "report"
-        ended = re.search(rb"(^|\n)[^\n]*&[qQ]", text) is not None
-        if not reason and not ended and ANSWER not in re.sub(rb"[\s`]", b"", done.stdout) and b"N" not in text and b"M" not in text:
-            reason = "no answer to the probe"
-        detail = (done.stderr[-3000:] + b"\n" + done.stdout[-500:]).decode("latin-1")
-    except subprocess.TimeoutExpired:
-        reason, detail = f"no end within {LIMIT} s", ""
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
+        process = subprocess.Popen([binary], stdin=subprocess.PIPE, cwd=directory, stdout=out, stderr=err)
+        stopped = False
+        try:
+            process.communicate(text + PROBE, timeout=LIMIT)
+        except subprocess.TimeoutExpired:
+            # An honest long computation, such as the factorial of a large number, must still be stoppable.
+            stopped = True
+            process.send_signal(signal.SIGINT)
+            try:
+                process.wait(timeout=LIMIT)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+        out.seek(0)
+        err.seek(0)
+        stdout, stderr = out.read(), err.read()
+    reason = ""
+    if process.returncode not in (0, 1):
+        reason = f"status {process.returncode}" + (" after an interrupt" if stopped else "")
+    if TROUBLE.search(stderr) or b"*** Tolvex error" in stdout:
+        reason = "report"
+    silent = stopped or re.search(rb"&\s*[qQ]|N|M", text) is not None
+    if not reason and not silent and ANSWER not in re.sub(rb"[\s`]", b"", stdout):
+        reason = "no answer to the probe"
+    detail = (stderr[-3000:] + b"\n" + stdout[-500:]).decode("latin-1")
     after = resource.getrusage(resource.RUSAGE_CHILDREN)
     spent = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
     return reason, detail, spent
