@@ -7,7 +7,7 @@
 #include "numbers/number.h"
 namespace tolvex {
 void setvalue(int32_t n, imptr x);      ///< x := n in the mode in force; -2^31 stays one raw digit
-void setvalue_any(int64_t n, imptr x);  ///< x := n for any word of up to 56 bits; lintmode: its low 32 bits
+void setvalue_any(int64_t n, imptr x);  ///< x := n, any n; lintmode: its low 32 bits
 void special_set(int32_t n, imptr x);   ///< one digit n, whatever the mode
 void special_set_2(int32_t n, int32_t m, imptr x);      ///< the chain n * m, whatever the mode
 void num_assign(const number* n, imptr x);              ///< a copy in the mode in force

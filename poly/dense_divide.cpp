@@ -7,6 +7,7 @@
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
+#include <algorithm>
 #include <cstring>
 namespace tolvex {
 namespace {
@@ -109,18 +110,28 @@ static uint32_t inverse_or_error(int32_t lead) {
     return static_cast<uint32_t>(inverse);
 }
 
+// x := x mod y; with q, whose entries 0..xdeg-ydeg are overwritten, the quotient. The new degree of x. Should
+// error 85 come back from a pushed command level, remainder and quotient are 0.
+static int32_t divide_residues(int32_t* x, const int32_t* y, int32_t* q, int32_t xdeg, int32_t ydeg) {
+    uint32_t inverse = inverse_or_error(y[ydeg]);
+    if (inverse == 0) {
+        std::fill(x, x + xdeg + 1, 0);
+        if (q != nullptr && xdeg >= ydeg) std::fill(q, q + xdeg - ydeg + 1, 0);
+        return -1;
+    }
+    return wf_div_mod(word_field_ring(), reinterpret_cast<uint32_t*>(x), xdeg,
+                      reinterpret_cast<const uint32_t*>(y), ydeg, inverse, reinterpret_cast<uint32_t*>(q));
+}
+
 void onevar_array_mod(int32_t* x, const int32_t* y, int32_t* xdeg, int32_t ydeg, boolean* all_zeros) {
-    *xdeg = wf_div_mod(word_field_ring(), reinterpret_cast<uint32_t*>(x), *xdeg,
-                       reinterpret_cast<const uint32_t*>(y), ydeg, inverse_or_error(y[ydeg]), nullptr);
+    *xdeg = divide_residues(x, y, nullptr, *xdeg, ydeg);
     *all_zeros = *xdeg < 0;
 }
 
 void onevar_array_div_mod(int32_t* x, const int32_t* y, int32_t* q, int32_t* xdeg, int32_t ydeg,
                           int32_t* qdeg, boolean* all_zeros) {
     int32_t top = *xdeg - ydeg;
-    *xdeg = wf_div_mod(word_field_ring(), reinterpret_cast<uint32_t*>(x), *xdeg,
-                       reinterpret_cast<const uint32_t*>(y), ydeg, inverse_or_error(y[ydeg]),
-                       reinterpret_cast<uint32_t*>(q));
+    *xdeg = divide_residues(x, y, q, *xdeg, ydeg);
     *qdeg = top < 0 ? -1 : wf_degree(reinterpret_cast<uint32_t*>(q), top);
     *all_zeros = *xdeg < 0;
 }

@@ -265,6 +265,10 @@ static void quot_in_place(poly n, const number* m, int32_t x) {
 void num_poly_quot(polyptrr n, const number* m, int32_t x) {
     int32_t inverse = 0;
     if (modularmode) mod_inverse(x, &inverse);
+    if (modularmode && inverse == 0) {  // error 85 has come back from a pushed command level
+        poly_set(0, n);
+        return;
+    }
     quot_in_place(*n, m, inverse);
 }
 

@@ -17,7 +17,7 @@ void quot(const number* n1, const number* n2,
 void simple_quot(imptr n1, const number* n2, int32_t x);
 void poly_quot(poly n, poly m, polyptrr p);  ///< n / m, m a number that divides every coefficient
 /// *n := n / m in place, m a number dividing every coefficient; modular: times the inverse of x, which is m
-/// as a residue (error 85 if it is no unit).
+/// as a residue (error 85 if it is no unit; should that return, *n is 0).
 void num_poly_quot(polyptrr n, const number* m, int32_t x);
 /// *p := n / m for a number m; *success false (and *p nil) if it does not divide.
 void trial_poly_quot(poly n, poly m, polyptrr p, boolean* success);

@@ -15,6 +15,8 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
+
+#include <initializer_list>
 namespace tolvex {
 // Quotient truncated towards 0 and remainder by |b| in 64 bits, where no pair of words overflows.
 static void word_divide(int64_t a, int64_t b, bool positive, bool keep_identity, int32_t* q, int32_t* r) {
@@ -31,12 +33,13 @@ static void word_divide(int64_t a, int64_t b, bool positive, bool keep_identity,
 // that n = q m + r with the r that is returned.
 static void divide_numbers(const number* n, const number* m, bool positive, bool keep_identity, imptr q,
                            imptr r) {
+    if (iszero(m)) {
+        error(Err::division_by_zero);
+        setvalue(0, q);
+        setvalue(0, r);
+        return;
+    }
     if (lintmode) {
-        if (m->lint == 0) {
-            error(Err::division_by_zero);
-            q->lint = r->lint = 0;
-            return;
-        }
         word_divide(n->lint, m->lint, positive, keep_identity, &q->lint, &r->lint);
         return;
     }
@@ -83,7 +86,7 @@ namespace {
 enum class Rule { truncate, user, pair };
 }  // namespace
 
-static void divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt);
+static bool divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt);
 
 // m is a number: every coefficient apart.
 static void divide_coefficients(poly n, poly m, polyptrr q, polyptrr r, Rule rule) {
@@ -117,9 +120,22 @@ static void divide_coefficients(poly n, poly m, polyptrr q, polyptrr r, Rule rul
     *r = r_head;
 }
 
+static void both_zero(polyptrr q, polyptrr r) {
+    poly_set(0, q);
+    poly_set(0, r);
+}
+
+// False after error 85, which may come back from a pushed command level.
+static bool is_unit(const number* residue) {
+    if (residue->lint == 0 || mod_inverse_or_0(residue->lint) != 0)
+        return true;  // 0 is a fault of the caller
+    error(Err::not_invertible);
+    return false;
+}
+
 // One pass over the exponents from deg n down to deg m. What the leading coefficient of m leaves at an
 // exponent stays in the remainder, so the pass ends over Z too and n = q m + r holds.
-static void divide_over_exponents(poly n, poly m, polyptrr q, polyptrr r, polypt pt) {
+static bool divide_over_exponents(poly n, poly m, polyptrr q, polyptrr r, polypt pt) {
     poly q_head = nullptr, kept = nullptr, rest = nullptr;
     polyptrr q_tail = &q_head, kept_tail = &kept;
     poly_assign(n, &rest);
@@ -127,9 +143,14 @@ static void divide_over_exponents(poly n, poly m, polyptrr q, polyptrr r, polypt
         poll_interrupt();
         int32_t e = rest->exp;
         poly c = coefficient_copy(rest), t = nullptr, ignored = nullptr;
-        divide_pass(c, m->pcoef, &t, &ignored, Rule::truncate, pt->next);
+        bool divided = divide_pass(c, m->pcoef, &t, &ignored, Rule::truncate, pt->next);
         free_poly(&c);
         free_poly(&ignored);
+        if (!divided) {
+            for (poly* p : {&t, &q_head, &kept, &rest}) free_poly(p);
+            both_zero(q, r);
+            return false;
+        }
         if (!poly_iszero(t)) {
             poly factor = nullptr, product = nullptr, copy = nullptr;
             poly_assign(t, &copy);
@@ -154,29 +175,33 @@ static void divide_over_exponents(poly n, poly m, polyptrr q, polyptrr r, polypt
     fix_top(&kept);
     *q = q_head;
     *r = kept;
+    return true;
 }
 
-// q and r are fresh.
-static void divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt) {
+// q and r are fresh. False, with both 0, after an error that came back from a pushed command level.
+static bool divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt) {
     if (is_number(m)) {
-        if (modularmode) {
-            poly_quot(n, m, q);
-            poly_set(0, r);
-        } else {
+        if (!modularmode) {
             divide_coefficients(n, m, q, r, rule);
+            return true;
         }
-        return;
+        bool unit = is_unit(m->ncoef);
+        both_zero(q, r);
+        if (unit) poly_quot(n, m, q);
+        return unit;
     }
     if ((is_number(n) && (m->exp > 0 || node_iszero(n))) || n->exp < m->exp) {
         poly_set(0, q);
         poly_assign(n, r);
-        return;
+        return true;
     }
     if (modularmode && m->exp > 0 && is_number(m->pcoef)) {
-        basic_poly_divide(n, m, q, r, 1);
-        return;
+        bool unit = is_unit(m->pcoef->ncoef);
+        both_zero(q, r);
+        if (unit) basic_poly_divide(n, m, q, r, 1);
+        return unit;
     }
-    divide_over_exponents(n, m, q, r, pt);
+    return divide_over_exponents(n, m, q, r, pt);
 }
 
 static void divide_checked(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt) {
