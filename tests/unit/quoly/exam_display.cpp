@@ -4,6 +4,8 @@
 #include "poly/poly_modes.h"
 #include "quoly/quoly_mult.h"
 #include "tests/unit/quoly/quoly_support.h"
+
+#include <algorithm>
 using namespace tolvex;
 using namespace tolvex::test;
 
@@ -84,9 +86,9 @@ TEST(ValueText, AFullLineLeavesNoOpenLine) {
 }
 
 TEST(ValueText, NothingFollowsTheNoteOfSuppression) {
-    Setting setting(0, 1);
+    Setting setting(32003, 1);
     quoly q = value("x + 1"), x = value("x");
-    quoly_compute_power(&q, 400);
+    quoly_compute_power(&q, 1500);
     quoly inverse = copy_of(x);
     quoly_reciprocal(&inverse);
     fast_quoly_mult(&q, inverse);
@@ -97,4 +99,18 @@ TEST(ValueText, NothingFollowsTheNoteOfSuppression) {
     EXPECT_EQ(text_of(x), " x");  // the next value is shown again
     EXPECT_EQ(text_of(q, false).find("suppressed"), std::string::npos);
     free_quoly(&q), free_quoly(&x), free_quoly(&inverse);
+}
+
+/// The lines that long coefficients fill are not counted, only the breaks after terms.
+TEST(ValueText, LongNumbersAloneAreNotSuppressed) {
+    Setting setting(0, 1);
+    quoly q = value("x + 1");
+    quoly_compute_power(&q, 400);
+    bool open = false;
+    std::string s = text_of(q, true, &open);
+    EXPECT_TRUE(open);
+    EXPECT_GT(std::count(s.begin(), s.end(), '\n'), 151);
+    EXPECT_EQ(s.find("suppressed"), std::string::npos);
+    EXPECT_EQ(s.substr(s.size() - 8), "400x + 1");
+    free_quoly(&q);
 }
