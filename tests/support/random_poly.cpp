@@ -140,7 +140,7 @@ poly term_poly(int64_t coefficient, const int32_t* exps, int32_t levels) {
     else if (lintmode)
         c->lint = static_cast<int32_t>(coefficient);
     else
-        leaf_set_chain(c, coefficient);
+        setvalue_any(coefficient, c);
     return number_term(leaf_of(c), exps, levels);
 }
 

@@ -4,6 +4,7 @@
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
+#include "numbers/num_sign.h"
 #include "numbers/primes.h"
 #include "numbers/random_num.h"
 #include "numbers/residue.h"
@@ -42,6 +43,23 @@ TEST_F(Rings, SumsWrapOnce) {
     EXPECT_EQ(mod_add(200, 100, 256), 200 ^ 100);
     EXPECT_EQ(mod_sub(200, 100, 256), 200 ^ 100);
     EXPECT_EQ(mod_neg(77), 77);
+}
+
+TEST_F(Rings, InATableFieldAValueIsItsOwnNegative) {
+    for (boolean small : {1, 0}) {
+        enter_table_field(small);
+        number a = {}, b = {}, c = {};
+        for (int32_t v : {0, 1, 2, 255, modulus - 1}) {
+            a.lint = b.lint = v;
+            EXPECT_TRUE(negtive(&a, &b)) << v;
+            makeneg(&a, &c);
+            EXPECT_EQ(c.lint, v);
+            in_place_neg(&c);
+            EXPECT_EQ(c.lint, v);
+            b.lint = v ^ 1;
+            EXPECT_FALSE(negtive(&a, &b)) << v;
+        }
+    }
 }
 
 TEST_F(Rings, SmallModulusEndsBelow65535) {

@@ -1,6 +1,7 @@
 // Identities of the divisions in every ground ring.
 #include "numbers/num_compare.h"
 #include "numbers/number_modes.h"
+#include "numbers/residue.h"
 #include "poly/div_general.h"
 #include "poly/div_internal.h"
 #include "poly/div_pseudo.h"
@@ -66,6 +67,44 @@ PROPERTY(exact_quotient_gives_the_factor_back, 800) {
         EXPECT_TRUE(poly_equal(n, n2) && poly_equal(b, b2));
         EXPECT_TRUE(trial_poly_divide_noq(n, b, polynames, 1, 0));
         EXPECT_TRUE(trial_poly_divide_noq(n, b, polynames, 1, 1));
+    }
+    EXPECT_EQ(live_records(), before);
+    use_integers();
+}
+
+// Any modulus: a divisor whose leading number is a unit divides its multiples, and leaves a remainder that is
+// smaller in the main variable or keeps n = q m + r.
+PROPERTY(divisors_with_a_unit_in_front, 800) {
+    SCOPED_TRACE(pick_ring(round).name);
+    int64_t before = live_records();
+    {
+        PolyGuard a, b, n, q, r, back;
+        Shape s = random_shape(rng);
+        s.terms = minn(s.terms, 12);
+        s.max_exp = minn(s.max_exp, 8);
+        a.p = random_poly(rng, s);
+        b.p = random_poly(rng, s);
+        int32_t unit = modularmode ? random_int(rng, 1, modulus - 1) : 1, e[6] = {};
+        while (modularmode && mod_inverse_or_0(unit) == 0) unit = random_int(rng, 1, modulus - 1);
+        for (int32_t i = 0; i < s.levels; i++) e[i] = s.max_exp + 1;
+        best_poly_add(b.p, term_poly(unit, e, s.levels), &b.p);
+        poly_mult(a, b, &n, polynames);
+        boolean failed = 1;
+        gen_poly_divide(n, b, &q, polynames, &failed);
+        ASSERT_FALSE(failed) << text_of(n) << " by " << text_of(b);
+        EXPECT_TRUE(poly_equal(q, a)) << text_of(n) << " by " << text_of(b) << " gives " << text_of(q);
+        EXPECT_TRUE(poly_check(q, number_polys));
+        EXPECT_TRUE(trial_poly_divide_noq(n, b, polynames, 1, 0));
+        // No multiple any more: a remainder of lower degree.
+        PolyGuard rest;
+        rest.p = random_poly(rng, s);
+        poly_add(n, rest, &n);
+        poly_mod_and_div(n, b, &r, &q, polynames);
+        EXPECT_TRUE(poly_check(q, number_polys) && poly_check(r, number_polys));
+        poly_mult(q, b, &back, polynames);
+        poly_add(back, r, &back);
+        EXPECT_TRUE(poly_equal(back, n)) << text_of(n) << " by " << text_of(b);
+        EXPECT_TRUE(poly_equal(q, a) && poly_equal(r, rest)) << text_of(n) << " by " << text_of(b);
     }
     EXPECT_EQ(live_records(), before);
     use_integers();

@@ -6,10 +6,13 @@
 #include "poly/poly_basic.h"
 #include "poly/poly_convert.h"
 #include "poly/poly_laurent.h"
+#include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
 #include "tests/support/random_poly.h"
+
+#include <functional>
 using namespace tolvex;
 using namespace tolvex::test;
 
@@ -362,6 +365,77 @@ TEST_F(PolyForm, level_put_in_and_taken_out) {
         EXPECT_TRUE(poly_equal(p, original)) << text_of(p);
         free_poly(&p), free_poly(&original), free_poly(&want);
     }
+}
+
+#ifndef TOLVEX_POOLS_DIRECT
+/// Slugs in use, with empty free lists in front of them, so that every record is drawn from its stash.
+struct Slugs {
+    int64_t nodes, numbers, digits;
+};
+Slugs drawn_by(const std::function<void()>& work) {
+    poly held_nodes = polygarb;
+    imptr held_numbers = imhead;
+    numptr held_digits = numhead;
+    polygarb = nullptr, imhead = nullptr, numhead = nullptr;
+    Slugs s = {-polystash->slugs_used, -imagstash->slugs_used, -numstash->slugs_used};
+    work();
+    s.nodes += polystash->slugs_used, s.numbers += imagstash->slugs_used, s.digits += numstash->slugs_used;
+    if (held_nodes != nullptr) polygarb = held_nodes;
+    if (held_numbers != nullptr) imhead = held_numbers;
+    if (held_digits != nullptr) numhead = held_digits;
+    return s;
+}
+
+/// A term is one node of 24 bytes and, at the lowest level, a leaf node and a number with its chain; residues
+/// have both records as well, but no chain.
+TEST_F(PolyForm, records_of_a_term) {
+    EXPECT_EQ(sizeof(polynode), 24u);
+    EXPECT_EQ(polystash->slug_size, 24);
+    EXPECT_EQ(imagstash->slug_size, 32);
+    EXPECT_EQ(numstash->slug_size, 16);
+    constexpr int32_t k_terms = 1000;
+    struct {
+        int32_t modulus;
+        bool table_field;
+        const char* coefficient;
+        int64_t digits;
+    } cases[] = {{0, false, "7", 1},     {0, false, "268435456", 2},  {0, false, "123456789123456789", 3},
+                 {32003, false, "7", 0}, {2147483646, false, "7", 0}, {256, true, "7", 0},
+                 {65536, true, "7", 0}};
+    for (auto& c : cases) {
+        use_ring(c.modulus, c.table_field);
+        poly number = poly_of(c.coefficient), one_level = nullptr, two_levels = nullptr, copy = nullptr;
+        polyptrr at = &one_level;
+        for (int32_t e = k_terms; e > 0; e--, at = &(*at)->next) *at = chain_node(e, copy_of(number));
+        *at = nullptr;
+        Slugs s = drawn_by([&] { poly_assign(one_level, &copy); });
+        EXPECT_EQ(s.nodes, 2 * k_terms) << c.modulus << ' ' << c.coefficient;
+        EXPECT_EQ(s.numbers, k_terms);
+        EXPECT_EQ(s.digits, k_terms * c.digits);
+        free_poly(&copy);
+        at = &two_levels;  // a dummy costs a node as well
+        for (int32_t e = k_terms; e >= 0; e--, at = &(*at)->next)
+            *at = chain_node(e, chain_node(1, copy_of(number)));
+        *at = nullptr;
+        EXPECT_TRUE(poly_check(two_levels, 2));
+        s = drawn_by([&] { poly_assign(two_levels, &copy); });
+        EXPECT_EQ(s.nodes, 3 * (k_terms + 1));
+        EXPECT_EQ(s.numbers, k_terms + 1);
+        EXPECT_EQ(s.digits, (k_terms + 1) * c.digits);
+        for (poly* p : {&number, &one_level, &two_levels, &copy}) free_poly(p);
+    }
+}
+#endif
+
+TEST_F(PolyForm, long_constants_of_a_text) {
+    poly got = poly_of("999999999999999999*x - 100000000000000000"), a = poly_of("999999999"),
+         b = poly_of("1000000001*x"), c = poly_of("100000000"), d = poly_of("1000000000");
+    poly_mult(a, b, &a, nullptr);
+    poly_mult(c, d, &c, nullptr);
+    best_poly_sub(a, c, &a);
+    EXPECT_TRUE(poly_check(got, 1));
+    EXPECT_TRUE(poly_equal(got, a)) << text_of(got);
+    for (poly* p : {&got, &a, &b, &d}) free_poly(p);
 }
 
 TEST_F(PolyForm, variable_table) {

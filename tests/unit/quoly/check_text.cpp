@@ -8,7 +8,7 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 PROPERTY(displayed_values_read_back, 1200) {
-    static const int32_t rings[] = {0, 0, 0, 2, 7, 10007, 2147483629, 256, 65536, 6};
+    static const int32_t rings[] = {0, 0, 2147483646, 2, 7, 10007, 2147483629, 256, 65536, 6};
     int32_t vars = round / 10 % 4;
     Setting setting(rings[round % 10], vars, round / 40 % 2 != 0);
     quoly q = random_value(rng, vars, 6);
