@@ -197,7 +197,7 @@ int64_t join(limb* r, const limb* high, int64_t high_n, const limb* low, int64_t
     scratch_release(mark);
     n += word;
     if (carry != 0) r[n++] = carry;
-    limbs_add(r, r, n, low, low_n);  // below the next power of ten: no carry goes out
+    if (limbs_add(r, r, n, low, low_n) != 0) r[n++] = 1;  // as at a power of 2^64
     return n;
 }
 
