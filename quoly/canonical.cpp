@@ -218,12 +218,17 @@ void move_monomial(polyptrr numer, polyptrr denom) {
     free_exponent_list(&list);
 }
 
-/// Multiplies numer and denom by the inverse of the leading residue of denom (error 85 if it is no unit).
+/// Multiplies numer and denom by the inverse of the leading residue of denom. Should error 85 (it is no unit)
+/// come back from a pushed command level, the fraction is 0.
 static void make_monic(polyptrr numer, polyptrr denom) {
-    int32_t lead = leading_coef(*denom)->ncoef->lint;
+    int32_t lead = leading_coef(*denom)->ncoef->lint, inverse = 0;
     if (lead == 1) return;
-    int32_t inverse;
     mod_inverse(lead, &inverse);
+    if (inverse == 0) {
+        poly_set(0, numer);
+        poly_set(1, denom);
+        return;
+    }
     mod_num_poly_mult(denom, inverse);
     mod_num_poly_mult(numer, inverse);
 }
