@@ -63,14 +63,17 @@ void builtin_ZZ3(BuiltinCall& call) {
     standard_read(call, &v);
     if (number_polys > k_internal_names) {
         printf("*** Warning: too many variables (> 78). Can't do ZZ3.\n");
+    } else if (number_polys == 0) {
+        end_line(quoly_display(stdout, 1, value_of(&v)));
     } else {
-        polypt names = polynames;
-        boolean suppress = do_line_sup;
+        eval_state.user_line_sup = do_line_sup;
+        eval_state.user_names = polynames;
         polynames = dodo;
         do_line_sup = 0;
         end_line(quoly_display(stdout, 1, value_of(&v)));
-        polynames = names;
-        do_line_sup = suppress;
+        polynames = eval_state.user_names;
+        eval_state.user_names = nullptr;
+        do_line_sup = eval_state.user_line_sup;
     }
     drop_data(&v);
     quoly_set(0, call.n);

@@ -28,6 +28,8 @@ struct held_operand {
 struct EvalState {
     held_operand* held;  // innermost first; not nil: a value is half computed, the ring must not change
     boolean bar_closes;  // between bars: "|" closes and is no remainder sign
+    polypt user_names;   // the list of variables while a display uses another one; nil: polynames is in force
+    boolean user_line_sup;  // and do_line_sup that goes with it
 };
 inline EvalState eval_state = {};
 }  // namespace tolvex

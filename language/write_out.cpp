@@ -116,8 +116,8 @@ static void one_write_out(FILE* inf, nameptr* flag) {
     read_expression(inf, &v, flag);
     hold(&v);
     Suffix s = read_suffix(inf, flag);
-    let_go(&v);
     write_value(value_of(&v), s);
+    let_go(&v);
     release(&v);
 }
 
@@ -152,7 +152,9 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
     } else {
         Value v;
         read_factor(inf, &v, flag);
+        hold(&v);  // an interrupt of the display may bring a new value of the variable
         quoly_display(stdout, 1, value_of(&v));
+        let_go(&v);
         release(&v);
     }
     if (flush) fflush(stdout);

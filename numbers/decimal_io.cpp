@@ -196,7 +196,7 @@ void append_run(FILE* inf, Digits* digits) {
     int64_t start_of_run = digits->count;
     int c = read_char(inf);
     for (; is_digit(c); c = read_char(inf)) append(digits, static_cast<char>(c));
-    if (c != EOF) ungetc(c, inf);
+    if (c != EOF) unread_char(c, inf);
     int64_t first = digits->count - start_of_run > k_ring_size ? digits->count - k_ring_size : start_of_run;
     tokentipe digit = {};
     digit.address = -1;

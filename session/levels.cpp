@@ -6,6 +6,8 @@
 #include "language/tokens/scanner.h"
 #include "numbers/data_files.h"
 #include "numbers/ring_switch.h"
+#include "poly/poly.h"
+#include "poly/poly_modes.h"
 #include "quoly/quoly_mult.h"
 #include "session/jumps.h"
 #include "session/loop.h"
@@ -15,6 +17,7 @@
 #include "session/startup.h"
 #include "storage/audit.h"
 #include "storage/interrupt.h"
+#include "storage/memory.h"
 #include "storage/progress.h"
 #include "storage/scratch.h"
 
@@ -22,11 +25,40 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 namespace tolvex {
 // Numbers of failures beside those of the message table, as enter_level_1 tells them apart.
 static constexpr int32_t k_panic_stop = 0;
 static constexpr int32_t k_internal_fault = -2;
 static constexpr int32_t k_unfinished_builtin = -3;
+
+/// The counters that belong to one statement.
+struct StatementCounters {
+    int32_t c_cnt, a_cnt, d_cnt, g_cnt, g_cutoff, uninit, alg_c, depth;
+};
+
+static StatementCounters save_counters() {
+    return {c_cntcount, a_cntcount, d_cntcount, g_cntcount, g_cutoff, uninit, alg_c_count, original_depth};
+}
+
+static void restore_counters(const StatementCounters& s) {
+    c_cntcount = s.c_cnt;
+    a_cntcount = s.a_cnt;
+    d_cntcount = s.d_cnt;
+    g_cntcount = s.g_cnt;
+    g_cutoff = s.g_cutoff;
+    uninit = s.uninit;
+    alg_c_count = s.alg_c;
+    original_depth = s.depth;
+}
+
+/// Variables that a display had put in force give way to the user's.
+static void back_to_user_names() {
+    if (eval_state.user_names == nullptr) return;
+    polynames = eval_state.user_names;
+    do_line_sup = eval_state.user_line_sup;
+    eval_state.user_names = nullptr;
+}
 
 void clear_statement_counters() {
     c_cntcount = a_cntcount = d_cntcount = g_cntcount = 0;
@@ -34,6 +66,53 @@ void clear_statement_counters() {
     uninit = 0;
     alg_c_count = 0;
     original_depth = 1;
+}
+
+// ---- lines of interrupted statements ------------------------------------------------------------------
+
+/// The rest of the line of an interrupted statement, its line feed included: the level reads lines of its own
+/// meanwhile.
+struct LineRest {
+    char* text;
+    size_t length;
+    char leftover;
+};
+static LineRest line_rests[k_highest_level + 1] = {};  // by the level of the statement
+
+/// Takes the rest of the open line off the input, so that the statement can go on with it afterwards.
+static void take_line_rest() {
+    LineRest rest = {nullptr, 0, leftover[0]};
+    size_t room = 0;
+    for (int c = 0; c != '\n' && (c = peek_char(Input)) != EOF;) {
+        read_char(Input);
+        if (rest.length == room) {
+            room = room == 0 ? 256 : 2 * room;
+            auto* wider = static_cast<char*>(checked_malloc(room));
+            if (rest.length > 0) memcpy(wider, rest.text, rest.length);
+            free(rest.text);
+            rest.text = wider;
+        }
+        rest.text[rest.length++] = static_cast<char>(c);
+    }
+    line_open = 0;
+    line_rests[levelcount] = rest;
+}
+
+static void give_line_rest() {
+    LineRest rest = line_rests[levelcount];
+    line_rests[levelcount] = {};
+    drop_open_line();
+    leftover[0] = rest.leftover;
+    leftover[1] = 0;
+    if (rest.length > 0) resume_line(Input, rest.text, rest.length);
+    line_open = 1;
+}
+
+static void drop_line_rests() {
+    for (LineRest& rest : line_rests) {
+        free(rest.text);
+        rest = {};
+    }
 }
 
 // ---- the way back to level 1 ---------------------------------------------------------------------------
@@ -49,11 +128,13 @@ void clear_statement_counters() {
     was_modulus = -1;
     integerflag = 0;
     scratch_release({nullptr, 0});
+    drop_line_rests();
     close_startup();
     clear_statement_counters();
     dumpitt_length = dumpitt_level = 0;
     tt_flag = 1;
     statcount = 0;
+    back_to_user_names();
     eval_state = {};
     func_def_count = 0;
     doing_sys_func = in_sys_func = 0;
@@ -145,14 +226,20 @@ struct SuspendedStatement {
     RingState ring;
     tokentipe token;
     nameptr zilch;
-    boolean tt_flag, doing_sys_func, bar_closes;
+    boolean tt_flag, doing_sys_func, bar_closes, linesuppression;
     int32_t func_def_count;
+    polypt names;  // variables in force instead of the user's; nil: the user's
+    StatementCounters counters;
     ScratchMark scratch;
 };
 
 static SuspendedStatement suspend_statement() {
-    SuspendedStatement s = {ring_capture(),        token,          zilch,         tt_flag, doing_sys_func,
-                            eval_state.bar_closes, func_def_count, scratch_mark()};
+    SuspendedStatement s = {
+        ring_capture(),  token,          zilch,
+        tt_flag,         doing_sys_func, eval_state.bar_closes,
+        linesuppression, func_def_count, eval_state.user_names == nullptr ? nullptr : polynames,
+        save_counters(), scratch_mark()};
+    back_to_user_names();
     ring_unwind();  // the level works in the ring of the user
     integerflag = 0;
     doing_sys_func = 0;
@@ -170,7 +257,15 @@ static void resume_statement(const SuspendedStatement& s) {
     tt_flag = s.tt_flag;
     doing_sys_func = s.doing_sys_func;
     eval_state.bar_closes = s.bar_closes;
+    linesuppression = s.linesuppression;
     func_def_count = s.func_def_count;
+    if (s.names != nullptr) {
+        eval_state.user_names = polynames;
+        eval_state.user_line_sup = do_line_sup;
+        polynames = s.names;
+        do_line_sup = 0;
+    }
+    restore_counters(s.counters);
     scratch_release(s.scratch);
 }
 
@@ -180,7 +275,6 @@ static void open_level() {
         panic_stop();
     }
     SuspendedStatement below = suspend_statement();
-    bool at_prompt = !line_open;
     breaktime[time_level] = time_now();
     levelcount++;
     quotient_by_zero = 0;  // above level 1 a division by 0 is a warning, and its value 0
@@ -196,7 +290,6 @@ static void open_level() {
     time_off[time_level].ticks += now.ticks - breaktime[time_level].ticks;
     printf("*** Resuming earlier command level\n");
     fflush(Output);
-    if (at_prompt) drop_open_line();  // nothing has been read below: the line of `&_p` is no statement there
     resume_statement(below);
 }
 
@@ -209,6 +302,22 @@ static void announce_level() {
 void new_level() {
     announce_level();
     open_level();
+}
+
+/// A level in the middle of a statement, whose line is read on where it stopped. At a prompt no statement has
+/// been begun.
+static void level_of_interrupt() {
+    announce_level();
+    if (!line_open) {
+        open_level();
+        drop_open_line();
+        write_prompt();
+        fflush(Output);
+        return;
+    }
+    take_line_rest();
+    open_level();
+    give_line_rest();
 }
 
 // ---- interrupts and memory -----------------------------------------------------------------------------
@@ -231,7 +340,7 @@ void take_interrupt() {
     if (interrupts_held > 0) return;
     interrupt_pending = 0;
     let_interrupts_break_reads(false);
-    new_level();
+    level_of_interrupt();
 }
 
 void mem_error() {

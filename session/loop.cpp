@@ -56,6 +56,7 @@ void write_time_line(const TimePair& spent) {
 /// True if a whole line of input has been read ahead, so that the next statement can be read without waiting.
 /// Only then may the output wait: who sits before the screen sees everything before the program blocks.
 static bool line_is_buffered() {
+    if (reads_resumed_line()) return true;
 #if defined(__GLIBC__)
     const char* from = Input->_IO_read_ptr;
     const char* to = Input->_IO_read_end;
@@ -101,7 +102,7 @@ bool at_terminator() {
 
 // ---- prompts -------------------------------------------------------------------------------------------
 
-static void write_prompt() {
+void write_prompt() {
     if (levelcount > 1) printf("%1d", levelcount);
     if (promptsize > 0) fputs(prompt, Output);
 }
@@ -166,6 +167,7 @@ static void restart_input(int32_t failure) {
     }
     places[count++] = {offset, failure};
     rewind(Input);
+    drop_resumed_line();
     line_open = 0;
     leftover[0] = 0;
 }

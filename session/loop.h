@@ -30,6 +30,8 @@ void enter_pushed_level();
 /// Rounds until the level is left by `&_p`; level 1 is never left.
 void run_level();
 
+/// The prompt, with the number of a level above 1 in front.
+void write_prompt();
 /// Prompts for the answer to a question of a command. The rest of the current line is dropped, so that the
 /// answer starts on a fresh line.
 void do_prompts();

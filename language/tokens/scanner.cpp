@@ -4,6 +4,7 @@
 #include "storage/interrupt.h"
 
 #include <cerrno>
+#include <cstdlib>
 namespace tolvex {
 // ---- characters ----------------------------------------------------------------------------------------
 
@@ -37,10 +38,52 @@ static bool has_class(int c, uint8_t classes) { return c >= 0 && (char_table.of[
     return EOF;
 }
 
-static inline int raw_char(FILE* inf) {
+namespace {
+/// The rest of a line whose statement an interrupt had suspended: it comes before what its stream sends next.
+/// While `text` is set the last character of the stream was read from it.
+struct ResumedLine {
+    FILE* stream;
+    char* text;
+    size_t at, length;
+};
+ResumedLine resumed = {};
+}  // namespace
+
+void drop_resumed_line() {
+    free(resumed.text);
+    resumed = {};
+}
+
+void resume_line(FILE* inf, char* text, size_t length) {
+    drop_resumed_line();
+    resumed = {inf, text, 0, length};
+}
+
+static inline int stream_char(FILE* inf) {
     int c = getc_unlocked(inf);
     return __builtin_expect(c == EOF, 0) ? read_again(inf) : c;
 }
+
+[[gnu::noinline]] static int resumed_char(FILE* inf) {
+    if (inf == resumed.stream) {
+        if (resumed.at < resumed.length) return static_cast<unsigned char>(resumed.text[resumed.at++]);
+        drop_resumed_line();
+    }
+    return stream_char(inf);
+}
+
+static inline int raw_char(FILE* inf) {
+    return __builtin_expect(resumed.text != nullptr, 0) ? resumed_char(inf) : stream_char(inf);
+}
+
+void unread_char(int c, FILE* inf) {
+    if (inf == resumed.stream && resumed.at > 0)
+        resumed.at--;
+    else
+        ungetc(c, inf);
+}
+
+bool reads_resumed_line() { return resumed.at < resumed.length; }
 
 int read_char(FILE* inf) {
     int c = raw_char(inf);
@@ -49,7 +92,7 @@ int read_char(FILE* inf) {
 
 int peek_char(FILE* inf) {
     int c = raw_char(inf);
-    if (c != EOF) ungetc(c, inf);
+    if (c != EOF) unread_char(c, inf);
     return c == 0 ? ' ' : c;
 }
 
@@ -132,7 +175,7 @@ static int skip_white(FILE* inf) {
     for (;;) {
         int c = raw_char(inf);
         if (c == '\n' && tt_flag) {
-            ungetc(c, inf);
+            unread_char(c, inf);
             return ';';
         }
         if (!has_class(c, k_white) && !continues(inf, c)) return c;
@@ -148,7 +191,7 @@ static void scan_name(FILE* inf, tokentipe* tok, int c) {
         c = raw_char(inf);
     } while (length < k_namelength && has_class(c, k_letter | k_digit_or_bar));
     tok->name[length] = 0;
-    if (c == '\n') ungetc(c, inf);
+    if (c == '\n') unread_char(c, inf);
     bool white = c == EOF || has_class(c, k_white) || continues(inf, c);
     leftover[0] = white ? ' ' : static_cast<char>(c);
     leftover[1] = 0;

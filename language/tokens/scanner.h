@@ -37,6 +37,15 @@ void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln);
 int peek_char(FILE* inf);
 /// Reads one character (NUL as a blank), EOF at the end.
 int read_char(FILE* inf);
+/// Puts back the character that was just read.
+void unread_char(int c, FILE* inf);
+/// The stream goes on with these characters, the rest of a line that was put aside. The text is used up: it
+/// comes from malloc.
+void resume_line(FILE* inf, char* text, size_t length);
+/// Forgets them.
+void drop_resumed_line();
+/// True if some of them are still to be read.
+bool reads_resumed_line();
 /// True if inf has no further character.
 bool at_end(FILE* inf);
 /// Reads and drops the rest of the line with its line feed.
