@@ -1,15 +1,15 @@
 #include "language/evaluator.h"
+#include "language/functions.h"
 #include "language/locations.h"
 #include "language/parse.h"
 #include "language/symbols.h"
 #include "numbers/decimal_io.h"
-#include "numbers/num_assign.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_vars.h"
-#include "quoly/canonical.h"
 #include "quoly/quoly_add.h"
+#include "quoly/quoly_convert.h"
 #include "quoly/quoly_quot.h"
 
 #include <cstdio>
@@ -50,6 +50,13 @@ void unknown_name(Reader& r, tokentipe& name) {
         error(Err::undefined_variable, tok_text(name));
 }
 
+/// for, if, while, unless a variable has the name: a control statement in the place of a value.
+bool starts_control(tokentipe& name) {
+    unsigned char c = tok_char(name);
+    if (c != 'f' && c != 'i' && c != 'w') return false;
+    return (tok_is(name, "for") || tok_is(name, "if") || tok_is(name, "while")) && find_var(name) == nullptr;
+}
+
 bool read_name(Reader& r) {
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
@@ -58,6 +65,10 @@ bool read_name(Reader& r) {
     }
     tokentipe name = token;
     next_token(r.inf, r.flag);
+    if (starts_control(name)) {
+        call_sys_func(name, r.inf, r.n, r.flag);
+        return true;
+    }
     if (at_char('[')) {
         error(Err::undefined_array, tok_text(name));
         return true;
@@ -87,7 +98,10 @@ bool read_fraction(Reader& r) {
 bool read_function(Reader& r) {
     boolean saved = eval_state.bar_closes;
     eval_state.bar_closes = 0;
-    if (!builtin_function(r.inf, r.n, r.flag)) error(Err::unknown_function);
+    if (!builtin_function(r.inf, r.n, r.flag)) {
+        tokentipe name = token;
+        evaluate(r.inf, name, r.n, r.flag);
+    }
     eval_state.bar_closes = saved;
     return true;
 }
@@ -171,7 +185,7 @@ bool read_previous(Reader& r) {
     if (at_char('['))
         error(Err::system_array_undefined);
     else if (tok_is(token, "F"))
-        error(Err::no_stored_statement);
+        run_sys_func(r.inf, r.n, r.flag);
     else if (prevnum != nullptr)
         r.at = &prevnum;
     return true;
@@ -209,51 +223,11 @@ struct PrimaryTable {
     }
 };
 constexpr PrimaryTable primaries;
-
-// ---- words as residues ---------------------------------------------------------------------------------
-
-void reduce_poly_words(polyptrr p) {
-    polyptrr link = p;
-    while (*link != nullptr) {
-        poly t = *link;
-        bool gone = false;
-        if (t->numb) {
-            t->ncoef->lint = residue_of_int(t->ncoef->lint);
-            gone = t->ncoef->lint == 0;
-        } else {
-            reduce_poly_words(&t->pcoef);
-            gone = is_number(t->pcoef) && t->pcoef->ncoef->lint == 0;
-        }
-        if (!gone) {
-            link = &t->next;
-            continue;
-        }
-        *link = t->next;
-        t->next = nullptr;
-        free_poly(&t);
-    }
-    fix_top(p);
-}
 }  // namespace
 
 void reduce_words(quolyptr n) {
-    quoly q = *n;
-    if (q->numb) {
-        q->ncoef->lint = residue_of_int(q->ncoef->lint);
-        return;
-    }
-    reduce_poly_words(&q->numer);
-    if (q->denom == nullptr) {
-        settle(q);
-        return;
-    }
-    reduce_poly_words(&q->denom);
-    if (is_number(q->denom) && q->denom->ncoef->lint == 0) {
-        error(Err::division_by_zero);
-        set_zero(n);
-        return;
-    }
-    check_quoly(n, laurent);
+    Err fault = quoly_reduce_words(n);
+    if (fault != Err{}) error(fault);
 }
 
 bool primary(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {

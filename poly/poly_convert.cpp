@@ -25,17 +25,20 @@ static void number_to_residue(imptr x) {
     x->lint = r;
 }
 
-/// Every leaf of the chain; terms that vanish are taken out, nil if all do.
-static void chain_to_mod(polyptrr at) {
+/// A word of any size as the element of the ring in force that it stands for.
+static void word_to_residue(imptr x) { x->lint = residue_of_int(x->lint); }
+
+/// Every leaf of the chain by `to_residue`; terms that vanish are taken out, nil if all do.
+template <void (*to_residue)(imptr)> static void chain_to_mod(polyptrr at) {
     while (*at != nullptr) {
         poly t = *at;
         bool vanishes;
         if (t->numb) {
-            number_to_residue(t->ncoef);
+            to_residue(t->ncoef);
             vanishes = t->ncoef->lint == 0;
             if (vanishes) pool_push<&number::imag>(imhead, t->ncoef);
         } else {
-            chain_to_mod(&t->pcoef);
+            chain_to_mod<to_residue>(&t->pcoef);
             vanishes = t->pcoef == nullptr;
         }
         if (vanishes) {
@@ -57,7 +60,12 @@ static poly residue_leaf(int32_t v) {
 }
 
 void poly_change_to_mod(polyptrr p) {
-    chain_to_mod(p);
+    chain_to_mod<number_to_residue>(p);
+    if (*p == nullptr) *p = residue_leaf(0);
+}
+
+void poly_reduce_words(polyptrr p) {
+    chain_to_mod<word_to_residue>(p);
     if (*p == nullptr) *p = residue_leaf(0);
 }
 

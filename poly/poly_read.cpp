@@ -4,10 +4,10 @@
 #include "numbers/data_files.h"
 #include "numbers/decimal_io.h"
 #include "numbers/num_divide.h"
-#include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_convert.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
@@ -250,29 +250,6 @@ bool read_poly(Reader& r, polyptrr p) {
     *p = sum.total();
     return true;
 }
-
-/// Brings words that were read outside modular mode into the range of residues.
-void reduce_words(polyptrr at_term) {
-    while (*at_term != nullptr) {
-        poly t = *at_term;
-        bool vanishes;
-        if (t->numb) {
-            t->ncoef->lint = residue_of_int(t->ncoef->lint);
-            vanishes = t->ncoef->lint == 0;
-            if (vanishes) free_imag(&t->ncoef);
-        } else {
-            reduce_words(&t->pcoef);
-            vanishes = t->pcoef == nullptr;
-        }
-        if (vanishes) {
-            *at_term = t->next;
-            free_node(t);
-            continue;
-        }
-        if (!t->numb && t->exp == 0 && is_number(t->pcoef)) remove_dummy(at_term);
-        at_term = &(*at_term)->next;
-    }
-}
 }  // namespace
 
 void poly_readin(FILE* inf, polyptrr p, nameptr* flag, int32_t* depth) {
@@ -286,8 +263,7 @@ void poly_readin(FILE* inf, polyptrr p, nameptr* flag, int32_t* depth) {
         error(r.code, tok_text(r.symbol));
         poly_set(0, &value);  // at a pushed level the statement goes on
     } else if (suspended) {
-        reduce_words(&value);
-        fix_top(&value);
+        poly_reduce_words(&value);
     }
     *depth = poly_level(value);
     free_poly(p);
@@ -359,7 +335,7 @@ poly chdat_chain(int32_t level) {
 
 void direct_poly_read(polyptrr p) {
     poly value = chdat_chain(1);
-    if (modularmode) reduce_words(&value);  // takes out what has vanished
+    if (modularmode) poly_reduce_words(&value);  // takes out what has vanished
     fix_top(&value);
     free_poly(p);
     *p = value;

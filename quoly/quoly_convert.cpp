@@ -57,6 +57,33 @@ void quoly_change_to_mod(quolyptr q) {
     lintmode = was_lint;
 }
 
+static bool holds_words(const polynode* p) {
+    for (; p != nullptr; p = p->next)
+        if (p->numb ? p->ncoef->lint < 0 || p->ncoef->lint >= modulus : holds_words(p->pcoef)) return true;
+    return false;
+}
+
+Err quoly_reduce_words(quolyptr q) {
+    quoly v = *q;
+    if (v->numb) {
+        v->ncoef->lint = residue_of_int(v->ncoef->lint);
+        return Err{};
+    }
+    // A fraction in lowest terms over Z may have a common factor here, whatever its words are.
+    if (v->denom == nullptr && !holds_words(v->numer)) return Err{};
+    poly_reduce_words(&v->numer);
+    if (v->denom != nullptr) {
+        poly_reduce_words(&v->denom);
+        if (!denominator_is_unit(v->denom)) {
+            Err fault = poly_iszero(v->denom) ? Err::division_by_zero : Err::not_invertible;
+            quoly_set(0, q);
+            return fault;
+        }
+    }
+    check_quoly(q, laurent);
+    return Err{};
+}
+
 static void number_from_mod(imptr n, bool symmetric) {
     boolean was_lint = lintmode;
     lintmode = 0;

@@ -1,17 +1,24 @@
 #pragma once
 /// quoly/quoly_convert.h: quolys between ground rings and variable lists.
 ///
-/// Purpose    what a lasting change of the ground ring or of the variable list does to one stored value. The result is
+/// Purpose    what a lasting change of the ground ring or of the variable list does to one stored value. The
+/// result is
 ///            in canonical form.
-/// Modes      modulus and mod_is_prime are those of the modular ring, in both directions; for a table field modulus is
-///            2 (to) or the table field's own (from). modularmode and lintmode may be on or off: they are set as
-///            needed and come back as they were. `to` reads chains, gives them back and leaves residues; `from` leaves
-///            chains, symmetric under alt_form_display outside table fields.
+/// Modes      modulus and mod_is_prime are those of the modular ring, in both directions; for a table field
+/// modulus is
+///            2 (to) or the table field's own (from). modularmode and lintmode may be on or off: they are set
+///            as needed and come back as they were. `to` reads chains, gives them back and leaves residues;
+///            `from` leaves chains, symmetric under alt_form_display outside table fields.
 /// Raises     nothing: a value without an image becomes 0.
 #include "quoly/quoly.h"
+#include "storage/failure.h"
 namespace tolvex {
 void quoly_change_to_mod(quolyptr q);
 void quoly_change_from_mod(quolyptr q);
+/// q, whose words were computed outside the modular ring in force, brought into it. Err{} if it has a value
+/// there; otherwise the error of its denominator, 0 or without an inverse, for the caller to raise or not: q
+/// is 0 then.
+Err quoly_reduce_words(quolyptr q);
 void quoly_insert_level(quoly q, int32_t level);  ///< a new variable came in at that level
 void quoly_remove_level(quoly q, int32_t level);  ///< taken out; it does not occur
 boolean quoly_contains_level(const quolynode* q, int32_t level);

@@ -6,14 +6,9 @@
 #include "language/tokens/scanner.h"
 #include "numbers/decimal_io.h"
 #include "numbers/primes.h"
-#include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
-#include "poly/poly_basic.h"
-#include "poly/poly_shape.h"
-#include "poly/poly_test.h"
 #include "poly/poly_vars.h"
-#include "quoly/canonical.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
 #include "session/levels.h"
@@ -115,52 +110,8 @@ bool leave_modular(bool loud) {
 
 // ---- words back into the ring --------------------------------------------------------------------------
 
-static bool holds_words(const polynode* p) {
-    for (; p != nullptr; p = p->next)
-        if (p->numb ? p->ncoef->lint < 0 || p->ncoef->lint >= modulus : holds_words(p->pcoef)) return true;
-    return false;
-}
-
-/// Every leaf becomes a residue; terms that vanish are taken out. Recursion only over levels.
-static void reduce_leaves(polyptrr p) {
-    for (polyptrr at = p; *at != nullptr;) {
-        poly t = *at;
-        if (t->numb) {
-            t->ncoef->lint = residue_of_int(t->ncoef->lint);
-        } else {
-            reduce_leaves(&t->pcoef);
-        }
-        if (t->numb ? t->ncoef->lint != 0 : !poly_iszero(t->pcoef)) {
-            at = &t->next;
-            continue;
-        }
-        *at = t->next;
-        t->next = nullptr;
-        free_poly(&t);
-    }
-    fix_top(p);
-}
-
-static void reduce_value(quolyptr value, void*) {
-    quoly q = *value;
-    if (q->numb) {
-        q->ncoef->lint = residue_of_int(q->ncoef->lint);
-        return;
-    }
-    if (!holds_words(q->numer) && (q->denom == nullptr || !holds_words(q->denom))) return;
-    reduce_leaves(&q->numer);
-    bool image = true;
-    if (q->denom != nullptr) {
-        reduce_leaves(&q->denom);
-        int32_t lead = leading_coef(q->denom)->ncoef->lint;
-        image = lead != 0 && mod_inverse_or_0(lead) != 0;
-    }
-    if (image) {
-        check_quoly(value, laurent);
-    } else {
-        quoly_set(0, value);
-    }
-}
+/// A value without an image becomes 0.
+static void reduce_value(quolyptr value, void*) { (void)quoly_reduce_words(value); }
 
 void reduce_stored_words(quolyptr value) {
     if (*value != nullptr) reduce_value(value, nullptr);

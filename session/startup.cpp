@@ -5,7 +5,6 @@
 #include "language/symbols.h"
 #include "language/tokens/scanner.h"
 #include "numbers/data_files.h"
-#include "numbers/num_assign.h"
 #include "poly/dense_basic.h"
 #include "poly/poly_vars.h"
 #include "quoly/quoly_audit.h"
@@ -186,13 +185,6 @@ static void raise_stack_limit() {
     if (result != 0) fprintf(stderr, "setrlimit returned result = %d\n", result);
 }
 
-/// The quolys 0 and 1, right in either mode: a chain and the word.
-static void make_constant(quolyptr q, int32_t value) {
-    init_quoly_node(q);
-    special_set(value, (*q)->ncoef);
-    (*q)->ncoef->lint = value;
-}
-
 #ifdef TOLVEX_CHECKED
 /// The roots of the session: the polynomial variables. The language walks the values.
 static void walk_session_roots() {
@@ -213,8 +205,7 @@ static void register_roots() {
 static void set_up_constants() {
     init_poly_constants();
     init_dense();
-    make_constant(&quol_num_0, 0);
-    make_constant(&quol_num_1, 1);
+    init_quoly_constants();
     init_symbols();
     check_switch_table();
 #ifdef TOLVEX_CHECKED
