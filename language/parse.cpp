@@ -3,6 +3,7 @@
 #include "language/evaluator.h"
 #include "language/ports.h"
 #include "language/rubout.h"
+#include "language/stack_bound.h"
 #include "language/write_out.h"
 namespace tolvex {
 // ---- one routine a kind of statement -------------------------------------------------------------------
@@ -52,7 +53,14 @@ struct StatementTable {
 };
 static constexpr StatementTable statements;
 
-void parse(FILE* inf, quolyptr n, nameptr* flag) { statements.of[tok_char(token)](inf, n, flag); }
+// Statements nest without an expression between them: "&_m(&_m(...".
+void parse(FILE* inf, quolyptr n, nameptr* flag) {
+    if (stack_is_low()) {
+        error(Err::nested_too_deeply);
+        return;
+    }
+    statements.of[tok_char(token)](inf, n, flag);
+}
 
 // A statement between the bars of an outer one is a world of its own; what the outer one holds stays held.
 void run_statement(FILE* inf, quolyptr n, nameptr* flag) {
