@@ -12,4 +12,11 @@ inline int32_t mod_det_method_cut = 150;   // the same over Z/p; a 33rd of it wh
 inline boolean mod_matrix_ok = 1;          // integer matrices by adjoint and remainders          writers: &I
 inline boolean lagrange_stash = 0;         // interpolated determinants go to the save file       writers: &_L
 inline int32_t pseudet_heur = 0;           // pivot heuristic of sparse elimination, 0..5         writers: &u
+
+// Figures of minors expansion, shown by `&j`.                        writers: minors expansion
+inline uint64_t minor_memory = 0;                // free memory at its start
+inline int32_t minorprime = 0;                   // size of the table of minors
+inline int32_t sp_total_cnt = 0, sp_lowcnt = 0;  // branches, leaves
+inline int32_t minor_total = 0;                  // minors in the table
+inline int32_t purged_hits = 0;                  // how often they were met again
 }  // namespace tolvex

@@ -1,10 +1,11 @@
-// The commands `&x`: what no row of the switch table does.
+#include "session/commands.h"
 
 #include "gcd/gcd_modes.h"
 #include "language/language_modes.h"
 #include "language/parse.h"
 #include "language/ports.h"
 #include "language/tokens/scanner.h"
+#include "matrix/matrix_modes.h"
 #include "numbers/decimal_io.h"
 #include "numbers/ring_switch.h"
 #include "quoly/garbage.h"
@@ -40,6 +41,7 @@ struct Command {
 enum class After { read_next, stay };  // stay: the token behind the command is current already
 struct CommandRow {
     const char* letter;
+    const char* meaning;  // for the manual
     After (*run)(Command& c);
 };
 }  // namespace
@@ -150,6 +152,16 @@ static After memory_left(Command& c) {
     return After::read_next;
 }
 
+/// The counts of minors expansion stay 0 as long as no determinant has been expanded.
+static After show_statistics(Command&) {
+    printf(
+        " memavail, minor memory, garbsize, minor prime, total branches, leaf count, stash nodes, hits: \n");
+    printf("%llu  %llu  %lli  %d  %d  %d  %d  %d\n", static_cast<unsigned long long>(memavail()),
+           static_cast<unsigned long long>(minor_memory), static_cast<long long>(garbsize()), minorprime,
+           sp_total_cnt, sp_lowcnt, minor_total, purged_hits);
+    return After::read_next;
+}
+
 static After show_settings(Command&) {
     global_dump();
     return After::read_next;
@@ -228,31 +240,34 @@ static After nothing(Command&) { return After::read_next; }
 // ---- dispatch ------------------------------------------------------------------------------------------
 
 static const CommandRow commands[] = {
-    {"(", assignment_form},
-    {"4", nothing},
-    {">", leave_loop},
-    {"@", stop},
-    {"C", gcd_stash_stack},
-    {"G", report_garbage},
-    {"J", polynomial_variables},
-    {"M", ask_prompt},
-    {"Q", quit},
-    {"T", clock_ticks},
-    {"]", cycle_loop},
-    {"_G", empty_free_lists},
-    {"_P", push_level},
-    {"_m", outside_ring},
-    {"_n", read_polynomial},
-    {"_p", pop_level},
-    {"a", toggle_addresser},
-    {"d", ask_disp_size},
-    {"g", show_settings},
-    {"h", memory_left},
-    {"o", output_only},
-    {"p", ground_ring},
-    {"q", quit},
-    {"x", nothing},
-    {"}", leave_function},
+    {"(", "the form `&(x = v)`: the switch x gets the value v", assignment_form},
+    {"4", "displays the work array, if there is one", nothing},
+    {">", "leaves the innermost loop; in a stored list only", leave_loop},
+    {"@", "panic stop: back to level 1", stop},
+    {"C", "`&C+`, `&C-`: the stack of gcd stashing", gcd_stash_stack},
+    {"G", "reports how many records are free", report_garbage},
+    {"J", "polynomial variables; asks for them", polynomial_variables},
+    {"M", "asks for the prompt: a line of at most 9 characters, a blank for none", ask_prompt},
+    {"Q", "leaves the program", quit},
+    {"T", "the processor time used", clock_ticks},
+    {"]", "the next turn of the innermost loop; in a stored list only", cycle_loop},
+    {"_G", "empties the lists of free records", empty_free_lists},
+    {"_P", "opens a new command level", push_level},
+    {"_m", "`&_m(e)`: the value of e outside the ground ring", outside_ring},
+    {"_n", "reads a polynomial in the form of saved files", read_polynomial},
+    {"_p", "leaves a command level above 1", pop_level},
+    {"a", "the other array origin", toggle_addresser},
+    {"d", "asks for the display size of decimal values", ask_disp_size},
+    {"g", "shows the settings", show_settings},
+    {"h", "the memory left, in bytes", memory_left},
+    {"o", "in output statements only: `!(&o, x)`", output_only},
+    {"j", "statistics of storage and of minors expansion", show_statistics},
+    {"p",
+     "ground ring: leaves modular mode, or asks for the modulus. `&p(x, [a])` converts only what is listed",
+     ground_ring},
+    {"q", "leaves the program", quit},
+    {"x", "ends the loading of a file", nothing},
+    {"}", "leaves the function; in a stored list only", leave_function},
 };
 
 static void toggle(const SwitchRow& row, Command& c) {
@@ -286,6 +301,13 @@ static bool run_letter(const char* letter, Command& c) {
         ask_switch(*row, c);
     }
     next_token(c.inf, c.flag);
+    return true;
+}
+
+bool command_help(size_t k, const char** letter, const char** meaning) {
+    if (k >= sizeof commands / sizeof commands[0]) return false;
+    *letter = commands[k].letter;
+    *meaning = commands[k].meaning;
     return true;
 }
 

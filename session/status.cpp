@@ -1,21 +1,17 @@
 #include "session/status.h"
 
-#include "gcd/gcd_modes.h"
 #include "language/language_modes.h"
 #include "matrix/matrix_modes.h"
 #include "numbers/display_modes.h"
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
 #include "session/session_modes.h"
-#include "storage/interrupt.h"
-#include "storage/progress.h"
+#include "session/switch_table.h"
 
 #include <cstdio>
 #include <cstring>
 namespace tolvex {
-static const char* on_off(boolean on) { return on ? "on.\n" : "off.\n"; }
-
-static void ring_lines() {
+static void ring_line() {
     printf(" Basic arithmetic ring: ");
     if (modularmode) {
         printf("modular arithmetic, modulus: %0d%s%s", modulus, mod_is_prime && !finf ? ", a prime" : "",
@@ -25,22 +21,14 @@ static void ring_lines() {
     } else {
         printf("rational arithmetic");
     }
-    printf(".\n Display constant is %1d.\n", disp_size);
+    printf(".\n");
 }
 
-static void switch_lines() {
-    printf(" Pushing after errors is %s", on_off(errorpush));
+static void integer_mode_line() {
     if (integerflag) printf("Integer mode on.\n");
-    printf(" Displaying results is %s", on_off(noisy));
-    printf(" Block on Chpoly is %s", on_off(chpoly_block));
-    printf(" Hensel gcd double checking is %s", on_off(hen_check));
-    printf(" GCD stashing level is %d, so it's %s. table mass: %lli\n", lookupgcd,
-           lookupgcd > 0 ? "on" : "off", 0LL);
 }
 
-static void method_lines() {
-    printf(" Detcutoff is %1d.\n Kartasuba cutoff for poly multiplication is %1d.\n", detcutoff,
-           simplest_poly_cutoff);
+static void method_line() {
     if (gauss_cutoff == 1) {
         printf(" Determinant method is Gauss-Bareiss.\n");
     } else if (detcutoff >= 0) {
@@ -48,25 +36,10 @@ static void method_lines() {
     } else {
         printf(" Determinant method is Lagrange interpolation if polynomials and more than 4 rows.\n");
     }
-    printf(" Sparse pivot heuristic is %d.\n Array initial index is %d.\n", pseudet_heur, addresser);
-    if (m_interrupt == 0) {
-        printf(" Command interrupt is off.\n");
-    } else {
-        printf(" Command interrupt is on, level %d.\n", m_interrupt);
-    }
 }
 
-static void display_lines() {
+static void prompt_lines() {
     printf(" Prompt is: %s\n Maximum name length is %1d.\n", promptsize < 1 ? "<cr>" : prompt, k_namelength);
-    if (uglyprint) printf(" Ugly printing is on.\n");
-    if (verbose) printf(" Verbose display is on.\n");
-    if (windy) printf(" Extra verbose display is on.\n");
-    if (lagrange_stash) {
-        printf(" Writing LaGrange determ. coefficients to file is on.\n");
-        if (!verbose || !windy) printf("    But verbose and windy must be turned on too.\n");
-    }
-    if (timerflag) printf(" Timing is enabled.\n");
-    printf(" Denominator for random is:\n %d\n", rand_denom_n);
 }
 
 /// The names in the order of their levels; the line is broken at the display width.
@@ -88,17 +61,49 @@ static void polyvar_lines() {
         putchar('\n');
     }
     if (field_depth > 0) printf(" Field depth is: %1d.\n", field_depth);
-    if (laurent) printf(" Laurent polynomials allowed.\n");
+}
+
+static void prime_lines() {
+    printf(" There are 0 first auxiliary primes: \n There are no second auxiliary primes.\n");
+}
+
+static const SwitchRow* row_of(StatusLine line) {
+    size_t count;
+    const SwitchRow* rows = switch_rows(&count);
+    for (size_t i = 0; i < count; i++)
+        if (rows[i].line == line) return &rows[i];
+    return nullptr;
+}
+
+static void show_line(StatusLine line) {
+    switch (line) {
+    case StatusLine::ring:
+        ring_line();
+        break;
+    case StatusLine::integer_mode:
+        integer_mode_line();
+        break;
+    case StatusLine::method:
+        method_line();
+        break;
+    case StatusLine::prompt_text:
+        prompt_lines();
+        break;
+    case StatusLine::polyvars:
+        polyvar_lines();
+        break;
+    case StatusLine::primes:
+        prime_lines();
+        break;
+    default:
+        show_switch(*row_of(line));
+        break;
+    }
 }
 
 void global_dump() {
     putchar('\n');
-    ring_lines();
-    switch_lines();
-    method_lines();
-    display_lines();
-    polyvar_lines();
-    printf(" There are 0 first auxiliary primes: \n There are no second auxiliary primes.\n");
-    if (danger_ok) printf(" *** Can interrupt anytime! This is a bit dangerous.\n");
+    for (int32_t i = 1; i < static_cast<int32_t>(StatusLine::count); i++)
+        show_line(static_cast<StatusLine>(i));
 }
 }  // namespace tolvex
