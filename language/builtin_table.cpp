@@ -45,6 +45,7 @@ struct BuiltinRoutines {
         of[15] = of[60] = of[80] = builtin_Divides;
         of[17] = of[18] = builtin_Equal;
         of[22] = builtin_Ignore;
+        of[24] = of[25] = builtin_Func;
         of[26] = builtin_GCD;
         of[28] = builtin_Height;
         of[31] = builtin_Isprime;
@@ -69,10 +70,12 @@ struct BuiltinRoutines {
         of[59] = builtin_Numvars;
         of[64] = builtin_Powermod;
         of[65] = builtin_Prime;
+        of[66] = of[82] = builtin_Sum;
         of[68] = of[70] = builtin_Rand;
         of[71] = builtin_Rat;
         of[72] = builtin_Rcoef;
         of[74] = builtin_Remquot;
+        of[75] = builtin_Return;
         of[86] = builtin_Splice;
         of[87] = builtin_Split;
         of[89] = builtin_Sqrt;

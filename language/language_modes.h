@@ -11,9 +11,8 @@ inline int32_t uninit = 0;       // uninitialised elements seen in this statemen
 inline boolean matrix_eval = 0;
 inline boolean syst_dump = 0;  // the system array is to be displayed
 inline int32_t addresser = 1;  // array origin, 0 or 1                       writers: &a
-inline boolean doing_sys_func = 0, in_sys_func = 0;
+// Requests of the statement that has just run: leave the function, leave the loop, go on with its next turn.
 inline boolean exit_flag = 0, leave_flag = 0, cycle_flag = 0;
-inline int32_t func_def_count = 0;  // depth of definitions being read
 
 /// A value that an evaluator holds while it reads on: the left operand of an operator, an argument. It stays
 /// where it lives; when a statement that runs meanwhile replaces or deletes it, the holder inherits it

@@ -1,6 +1,7 @@
 #include "language/rubout.h"
 
 #include "language/evaluator.h"
+#include "language/functions.h"
 #include "language/symbols.h"
 #include "poly/poly_vars.h"
 namespace tolvex {
@@ -10,6 +11,10 @@ static void delete_scalar(FILE* inf, nameptr* flag) {
         return;
     }
     tokentipe name = token;
+    if (is_running_parameter(name)) {
+        error(Err::deletion_in_use);
+        return;
+    }
     next_token(inf, flag);
     if (!delete_var(name)) error(Err::undefined_variable, tok_text(name));
 }
@@ -42,19 +47,28 @@ static void delete_older(FILE* inf, nameptr* flag) {
     }
     tokentipe name = token;
     next_token(inf, flag);
-    if (at_char('>'))
-        error(Err::no_function_to_delete, tok_text(name));
-    else
+    if (!at_char('>')) {
         error(Err::greater_expected_after_name);
+        return;
+    }
+    next_token(inf, flag);
+    delete_older_functions(name);
 }
 
-/// One item of a deletion: variables exist, functions and arrays do not.
+/// The newest definition of a function.
+static void delete_definition(FILE* inf, nameptr* flag) {
+    tokentipe name = token;
+    next_token(inf, flag);
+    delete_function(name);
+}
+
+/// One item of a deletion.
 static void single_rubout(FILE* inf, nameptr* flag) {
     unsigned char c = tok_char(token);
     if (is_lower(c))
         delete_scalar(inf, flag);
     else if (is_upper(c))
-        error(Err::no_function_to_delete);
+        delete_definition(inf, flag);
     else if (c == '[')
         delete_array(inf, flag);
     else if (c == '<')

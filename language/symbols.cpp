@@ -3,6 +3,7 @@
 #include "language/builtin_table.h"
 #include "language/language_modes.h"
 #include "language/stack_bound.h"
+#include "language/statements.h"
 #include "quoly/quoly_audit.h"
 #include "quoly/quoly_basic.h"
 #include "storage/audit.h"
@@ -122,5 +123,6 @@ void init_symbols() {
     audit_pool<varnode>("varnode");
     audit_roots(reach_values);
 #endif
+    init_statements();
 }
 }  // namespace tolvex

@@ -1,6 +1,7 @@
 #include "session/levels.h"
 
 #include "gcd/gcd_modes.h"
+#include "language/functions.h"
 #include "language/language_modes.h"
 #include "language/ports.h"
 #include "language/tokens/scanner.h"
@@ -121,6 +122,8 @@ static void drop_line_rests() {
 /// level 1. Values that only skipped frames held are lost to the pools; the audit takes what is live now as
 /// its base.
 [[noreturn]] static void leave_for_level_1(int32_t failure) {
+    eval_state.held = nullptr;
+    pop_calls();
     bool suspended = mod_is_changed > 0;
     ring_unwind();
     quoly none = nullptr;
@@ -133,14 +136,11 @@ static void drop_line_rests() {
     clear_statement_counters();
     dumpitt_length = dumpitt_level = 0;
     tt_flag = 1;
-    statcount = 0;
     back_to_user_names();
     eval_state = {};
-    func_def_count = 0;
-    doing_sys_func = in_sys_func = 0;
-    exit_flag = leave_flag = cycle_flag = 0;
+    forget_running_statements();
+    set_statement_aside();
     matrix_eval = syst_dump = 0;
-    startexpr = prev_expr = currentchar = nullptr;
     levelcount = 1;
     quotient_by_zero = 1;
     time_level = 1;
@@ -163,15 +163,24 @@ static void report_place() {
     if (tt_flag && finish != nullptr) {
         printf("*** Error occurred at this point:\n");
         history_print();
+        if (statcount > 0) putchar('\n');
     }
     history_clear();
+}
+
+/// Functions that run, and the stored statement under way.
+static void report_trail() {
+    report_calls();
+    if (report_statements() && extra_line) putchar('\n');
 }
 
 static void report_error(int32_t k, const char* text) {
     if (extra_line) putchar('\n');
     printf("*** Inappropriate symbol: %s\n", shown_token(text));
     out_err_mess(k);
+    report_definition(static_cast<Err>(k));
     report_place();
+    report_trail();
 }
 
 static void open_level();
@@ -199,6 +208,7 @@ void panic_stop() {
     if (extra_line) putchar('\n');
     printf("*** Panic stop.\n");
     if (levelcount == 1 && statcount == 0) printf("    You were already at the lowest level.\n");
+    report_trail();
     leave_for_level_1(k_panic_stop);
 }
 
@@ -226,25 +236,28 @@ struct SuspendedStatement {
     RingState ring;
     tokentipe token;
     nameptr zilch;
-    boolean tt_flag, doing_sys_func, bar_closes, linesuppression;
-    int32_t func_def_count;
+    boolean tt_flag, bar_closes, linesuppression;
+    StoredPlace place;
     polypt names;  // variables in force instead of the user's; nil: the user's
     StatementCounters counters;
     ScratchMark scratch;
 };
 
 static SuspendedStatement suspend_statement() {
-    SuspendedStatement s = {
-        ring_capture(),  token,          zilch,
-        tt_flag,         doing_sys_func, eval_state.bar_closes,
-        linesuppression, func_def_count, eval_state.user_names == nullptr ? nullptr : polynames,
-        save_counters(), scratch_mark()};
+    SuspendedStatement s = {ring_capture(),
+                            token,
+                            zilch,
+                            tt_flag,
+                            eval_state.bar_closes,
+                            linesuppression,
+                            set_statement_aside(),
+                            eval_state.user_names == nullptr ? nullptr : polynames,
+                            save_counters(),
+                            scratch_mark()};
     back_to_user_names();
     ring_unwind();  // the level works in the ring of the user
     integerflag = 0;
-    doing_sys_func = 0;
     eval_state.bar_closes = 0;  // what is held stays held: the level may delete it
-    func_def_count = 0;
     zilch = nullptr;
     tt_flag = 1;
     return s;
@@ -255,10 +268,9 @@ static void resume_statement(const SuspendedStatement& s) {
     token = s.token;
     zilch = s.zilch;
     tt_flag = s.tt_flag;
-    doing_sys_func = s.doing_sys_func;
     eval_state.bar_closes = s.bar_closes;
     linesuppression = s.linesuppression;
-    func_def_count = s.func_def_count;
+    resume_stored_place(s.place);
     if (s.names != nullptr) {
         eval_state.user_names = polynames;
         eval_state.user_line_sup = do_line_sup;
@@ -296,6 +308,7 @@ static void open_level() {
 static void announce_level() {
     if (extra_line) putchar('\n');
     printf("*** New command level.\n");
+    report_trail();
     history_clear();
 }
 

@@ -160,6 +160,38 @@ void history_print() {
     }
 }
 
+// ---- definitions over several lines --------------------------------------------------------------------
+
+static bool line_is_empty = false;  // no token yet in the present line of a definition
+
+void enter_definition() {
+    if (func_def_count++ > 0) return;
+    semicount = 0;
+    line_end_given = 0;
+    line_is_empty = false;
+}
+
+void leave_definition() {
+    if (--func_def_count == 0) line_end_given = 0;
+}
+
+/// The line feed that the last token of a definition's line was given for.
+static void take_line_end(FILE* inf) {
+    raw_char(inf);
+    line_end_given = 0;
+    line_is_empty = true;
+}
+
+/// A line end at the terminal, which is unread again: ";" for the statement.
+static int give_line_end(FILE* inf) {
+    unread_char('\n', inf);
+    if (func_def_count > 0) {
+        if (line_is_empty) semicount++;
+        line_end_given = 1;
+    }
+    return ';';
+}
+
 // ---- the scanners --------------------------------------------------------------------------------------
 
 /// A token from the stored list *flag.
@@ -174,10 +206,7 @@ static void next_of_list(tokentipe* tok, nameptr* flag) {
 static int skip_white(FILE* inf) {
     for (;;) {
         int c = raw_char(inf);
-        if (c == '\n' && tt_flag) {
-            unread_char(c, inf);
-            return ';';
-        }
+        if (c == '\n' && tt_flag) return give_line_end(inf);
         if (!has_class(c, k_white) && !continues(inf, c)) return c;
     }
 }
@@ -202,8 +231,13 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
         next_of_list(tok, flag);
         return;
     }
+    if (line_end_given) take_line_end(inf);
     int c = static_cast<unsigned char>(leftover[0]);
     if (c == 0 || c == ' ') c = skip_white(inf);
+    if (!line_end_given) {
+        line_is_empty = false;
+        semicount = 0;
+    }
     tok->address = -1;
     if (has_class(c, k_letter)) {
         scan_name(inf, tok, c);

@@ -8,6 +8,9 @@
 ///              white space; the rest of a longer name is the next token.
 ///   line end   at the terminal an implied ";" (the line feed stays unread for the prompt step); in a file
 ///              white space. The continuation mark drops the rest of its line and the line end.
+///   definition while one is typed (func_def_count above 0) a line end is given as ";" and taken by the next
+///              read, so that it goes on in the next line; one that follows its last token stays for the
+///              prompt step. semicount counts its empty lines.
 ///   end        ";" for ever; a reader that could loop asks at_end().
 ///   bytes      NUL, tab and carriage return count as blanks; bytes above 127 are tokens of their own.
 ///
@@ -20,6 +23,8 @@ inline char leftover[4] = "";          // the character a name scan read too far
 inline char continuation = '`';        // line-continuation character; blank under uglyprint   writers: &U
 inline boolean tt_flag = 1;            // 1: reading the terminal, 0: a file
 inline int32_t semicount = 0;          // consecutive empty lines in a definition
+inline int32_t func_def_count = 0;     // depth of definitions being read
+inline boolean line_end_given = 0;     // in a definition: the line feed that is next has been given as ";"
 inline nameptr currentchar = nullptr;  // the list node after the current token
 inline nameptr startexpr = nullptr, prev_expr = nullptr;         // error-report cursors into token lists
 inline nameptr start = nullptr, finish = nullptr, s2 = nullptr;  // history ring; finish nil: empty
@@ -52,6 +57,10 @@ bool at_end(FILE* inf);
 void drop_line(FILE* inf);
 /// The next token becomes the current one.
 inline void next_token(FILE* inf, nameptr* flag) { scanner(inf, &token, flag); }
+
+/// One definition more, or one less, is being read.
+void enter_definition();
+void leave_definition();
 
 /// Allocates the history ring.
 void init_history();
