@@ -339,20 +339,18 @@ extern "C" {
 static void note_interrupt(int) { interrupt_pending = 1; }
 }
 
-void let_interrupts_break_reads(bool yes) {
+// Reads and writes go on after the signal, so that none is cut short.
+void install_interrupt_handler() {
     struct sigaction act = {};
     act.sa_handler = note_interrupt;
     sigemptyset(&act.sa_mask);
-    act.sa_flags = yes ? 0 : SA_RESTART;
+    act.sa_flags = SA_RESTART;
     sigaction(SIGINT, &act, nullptr);
 }
-
-void install_interrupt_handler() { let_interrupts_break_reads(false); }
 
 void take_interrupt() {
     if (interrupts_held > 0) return;
     interrupt_pending = 0;
-    let_interrupts_break_reads(false);
     level_of_interrupt();
 }
 

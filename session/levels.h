@@ -18,8 +18,6 @@ namespace tolvex {
 void new_level();
 /// Binds the interrupt signal.
 void install_interrupt_handler();
-/// Whether the signal ends a read that waits; a fresh handler lets it be restarted.
-void let_interrupts_break_reads(bool yes);
 /// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables.
 inline int32_t interrupts_held = 0;
 /// The counters that belong to one statement start anew.

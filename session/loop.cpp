@@ -70,16 +70,9 @@ static void flush_before_reading() {
     if (!line_is_buffered()) fflush(Output);
 }
 
-// While the first character of a line is awaited an interrupt breaks the read off, so that a level opens at
-// once; everywhere else reads and writes are restarted, so that none is cut short.
 int await_character() {
-    if (line_is_buffered()) return peek_char(Input);
-    fflush(Output);
-    let_interrupts_break_reads(true);
-    poll_interrupt();
-    int c = peek_char(Input);
-    let_interrupts_break_reads(false);
-    return c;
+    if (!line_is_buffered()) await_input(Input);
+    return peek_char(Input);
 }
 
 void drop_open_line() {
@@ -111,8 +104,7 @@ void write_prompt() {
 /// screen has it in front: what is longer than one character is taken off each line, as far as the line goes.
 static void drop_prompt_characters() {
     for (int32_t i = 1; i < promptsize; i++) {
-        flush_before_reading();
-        int c = peek_char(Input);
+        int c = await_character();
         if (c == '\n' || c == EOF) return;
         read_char(Input);
         line_open = 1;

@@ -4,7 +4,9 @@
 #include "storage/interrupt.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <sys/select.h>
 namespace tolvex {
 // ---- characters ----------------------------------------------------------------------------------------
 
@@ -25,18 +27,6 @@ struct CharTable {
 static constexpr CharTable char_table;
 
 static bool has_class(int c, uint8_t classes) { return c >= 0 && (char_table.of[c] & classes) != 0; }
-
-/// What getc answered at a failed read: an interrupt signal while the terminal was awaited is acted on here,
-/// where nothing is half done, and the read is tried again; everything else is the end of the input.
-[[gnu::noinline]] static int read_again(FILE* inf) {
-    while (ferror(inf) && errno == EINTR) {
-        clearerr(inf);
-        poll_interrupt();
-        int c = getc_unlocked(inf);
-        if (c != EOF) return c;
-    }
-    return EOF;
-}
 
 namespace {
 /// The rest of a line whose statement an interrupt had suspended: it comes before what its stream sends next.
@@ -59,21 +49,16 @@ void resume_line(FILE* inf, char* text, size_t length) {
     resumed = {inf, text, 0, length};
 }
 
-static inline int stream_char(FILE* inf) {
-    int c = getc_unlocked(inf);
-    return __builtin_expect(c == EOF, 0) ? read_again(inf) : c;
-}
-
 [[gnu::noinline]] static int resumed_char(FILE* inf) {
     if (inf == resumed.stream) {
         if (resumed.at < resumed.length) return static_cast<unsigned char>(resumed.text[resumed.at++]);
         drop_resumed_line();
     }
-    return stream_char(inf);
+    return getc_unlocked(inf);
 }
 
 static inline int raw_char(FILE* inf) {
-    return __builtin_expect(resumed.text != nullptr, 0) ? resumed_char(inf) : stream_char(inf);
+    return __builtin_expect(resumed.text != nullptr, 0) ? resumed_char(inf) : getc_unlocked(inf);
 }
 
 void unread_char(int c, FILE* inf) {
@@ -84,6 +69,40 @@ void unread_char(int c, FILE* inf) {
 }
 
 bool reads_resumed_line() { return resumed.at < resumed.length; }
+
+/// True if a read of inf may wait: nothing has been read ahead. Where the library does not tell, reads are
+/// made at once, and an interrupt acts when the line has come.
+static bool would_wait(FILE* inf) {
+#if defined(__GLIBC__)
+    return !reads_resumed_line() && inf->_IO_read_ptr == inf->_IO_read_end;
+#else
+    (void)inf;
+    return false;
+#endif
+}
+
+// The signal is blocked but for the wait itself, so that none is lost between the look at the flag and the
+// wait.
+void await_input(FILE* inf) {
+    sigset_t interrupt, before;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    int fd = fileno(inf);
+    while (would_wait(inf)) {
+        fflush(stdout);
+        sigprocmask(SIG_BLOCK, &interrupt, &before);
+        int ready = -1;
+        if (!interrupt_pending) {
+            fd_set input;
+            FD_ZERO(&input);
+            FD_SET(fd, &input);
+            ready = pselect(fd + 1, &input, nullptr, nullptr, nullptr, &before);
+        }
+        sigprocmask(SIG_SETMASK, &before, nullptr);
+        if (ready >= 0 || (!interrupt_pending && errno != EINTR)) return;
+        poll_interrupt();
+    }
+}
 
 int read_char(FILE* inf) {
     int c = raw_char(inf);
@@ -108,6 +127,7 @@ static bool continues(FILE* inf, int c) {
     if (c != static_cast<unsigned char>(continuation) || continuation == ' ') return false;
     drop_line(inf);
     semicount = 0;
+    if (tt_flag) await_input(inf);
     return true;
 }
 

@@ -51,6 +51,8 @@ void resume_line(FILE* inf, char* text, size_t length);
 void drop_resumed_line();
 /// True if some of them are still to be read.
 bool reads_resumed_line();
+/// Waits until the terminal has a character; the output is on the screen before. An interrupt acts at once.
+void await_input(FILE* inf);
 /// True if inf has no further character.
 bool at_end(FILE* inf);
 /// Reads and drops the rest of the line with its line feed.
