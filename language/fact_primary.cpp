@@ -1,5 +1,4 @@
 #include "language/evaluator.h"
-#include "language/functions.h"
 #include "language/locations.h"
 #include "language/parse.h"
 #include "language/symbols.h"
@@ -50,13 +49,6 @@ void unknown_name(Reader& r, tokentipe& name) {
         error(Err::undefined_variable, tok_text(name));
 }
 
-/// for, if, while, unless a variable has the name: a control statement in the place of a value.
-bool starts_control(tokentipe& name) {
-    unsigned char c = tok_char(name);
-    if (c != 'f' && c != 'i' && c != 'w') return false;
-    return (tok_is(name, "for") || tok_is(name, "if") || tok_is(name, "while")) && find_var(name) == nullptr;
-}
-
 bool read_name(Reader& r) {
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
@@ -65,10 +57,6 @@ bool read_name(Reader& r) {
     }
     tokentipe name = token;
     next_token(r.inf, r.flag);
-    if (starts_control(name)) {
-        call_sys_func(name, r.inf, r.n, r.flag);
-        return true;
-    }
     if (at_char('[')) {
         error(Err::undefined_array, tok_text(name));
         return true;
@@ -98,10 +86,7 @@ bool read_fraction(Reader& r) {
 bool read_function(Reader& r) {
     boolean saved = eval_state.bar_closes;
     eval_state.bar_closes = 0;
-    if (!builtin_function(r.inf, r.n, r.flag)) {
-        tokentipe name = token;
-        evaluate(r.inf, name, r.n, r.flag);
-    }
+    if (!builtin_function(r.inf, r.n, r.flag)) error(Err::unknown_function);
     eval_state.bar_closes = saved;
     return true;
 }
@@ -185,7 +170,7 @@ bool read_previous(Reader& r) {
     if (at_char('['))
         error(Err::system_array_undefined);
     else if (tok_is(token, "F"))
-        run_sys_func(r.inf, r.n, r.flag);
+        error(Err::no_stored_statement);
     else if (prevnum != nullptr)
         r.at = &prevnum;
     return true;
