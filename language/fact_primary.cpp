@@ -1,4 +1,5 @@
 #include "language/evaluator.h"
+#include "language/functions.h"
 #include "language/locations.h"
 #include "language/parse.h"
 #include "language/symbols.h"
@@ -49,6 +50,13 @@ void unknown_name(Reader& r, tokentipe& name) {
         error(Err::undefined_variable, tok_text(name));
 }
 
+/// for, if, while, unless a variable has the name: a control statement in the place of a value.
+bool starts_control(tokentipe& name) {
+    unsigned char c = tok_char(name);
+    if (c != 'f' && c != 'i' && c != 'w') return false;
+    return (tok_is(name, "for") || tok_is(name, "if") || tok_is(name, "while")) && find_var(name) == nullptr;
+}
+
 bool read_name(Reader& r) {
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
@@ -57,6 +65,10 @@ bool read_name(Reader& r) {
     }
     tokentipe name = token;
     next_token(r.inf, r.flag);
+    if (starts_control(name)) {
+        call_sys_func(name, r.inf, r.n, r.flag);
+        return true;
+    }
     if (at_char('[')) {
         error(Err::undefined_array, tok_text(name));
         return true;
@@ -86,7 +98,10 @@ bool read_fraction(Reader& r) {
 bool read_function(Reader& r) {
     boolean saved = eval_state.bar_closes;
     eval_state.bar_closes = 0;
-    if (!builtin_function(r.inf, r.n, r.flag)) error(Err::unknown_function);
+    if (!builtin_function(r.inf, r.n, r.flag)) {
+        tokentipe name = token;
+        evaluate(r.inf, name, r.n, r.flag);
+    }
     eval_state.bar_closes = saved;
     return true;
 }
@@ -170,7 +185,7 @@ bool read_previous(Reader& r) {
     if (at_char('['))
         error(Err::system_array_undefined);
     else if (tok_is(token, "F"))
-        error(Err::no_stored_statement);
+        run_sys_func(r.inf, r.n, r.flag);
     else if (prevnum != nullptr)
         r.at = &prevnum;
     return true;
