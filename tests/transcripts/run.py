@@ -15,8 +15,8 @@ A file holds cases; a case begins with a title line '# ...'. Before the first li
   quit: no          the farewell line is not expected
   without: NAME     the data file NAME is missing (the binary is run from a copy of its directory)
   damage: NAME K=V  word K of the data file NAME (from 0, negative from the end) is replaced by V
-  file NAME ... endfile    a file in the working directory ('file NAME nolf': without its last line feed);
-                           tolstart.txt is the line '500' if it is not given; 'nofile NAME' leaves it out
+  file NAME ... endfile    a file in the working directory, with the directories of its name
+                           ('file NAME nolf': without its last line feed); tolstart.txt is the line '500' if it is not given; 'nofile NAME' leaves it out
 
 Then '> TEXT' is sent as a line ('>~ TEXT' without the line feed, '>b TEXT' with Python escapes such as \\x00), every
 other line is expected: as it stands, {has}TEXT, {re}REGEX, {msg N} (message N of the data directory), or '...' for
@@ -187,7 +187,9 @@ def run(case, binary, messages, scale):
         for name in case.lists["nofile"]:
             files.pop(name, None)
         for name, content in files.items():
-            with open(os.path.join(directory, name), "w", encoding="utf-8") as handle:
+            path = os.path.join(directory, name)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            with open(path, "w", encoding="utf-8") as handle:
                 handle.write(content)
         text = b"".join(case.sent)
         if case.options.get("eof") != "yes" and not text.endswith((b"&q\n", b"&Q\n")):

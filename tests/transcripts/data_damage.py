@@ -1,0 +1,82 @@
+#!/usr/bin/env python3
+"""Every file of the data directory missing, cut short, or with a wrong word: start-up names it and ends with status 1.
+
+usage: data_damage.py --tolvex PATH [--scale F]
+
+chdat is left open for its reader; only its absence is noticed.
+"""
+import argparse
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+
+FILES = ["chdat", "Qerrs", "pow228", "pprods", "primelist", "bprimes", "f256d", "f2t16d", "lrgpmes"]
+
+
+def words(change):
+    def damaged(content):
+        parts = content.decode("latin-1").split()
+        change(parts)
+        return "\n".join(parts).encode("latin-1") + b"\n"
+    return damaged
+
+
+def put(place, text):
+    return words(lambda parts: parts.__setitem__(int(place * (len(parts) - 1)), text))
+
+
+DAMAGES = {
+    "empty": lambda content: b"",
+    "half of it": lambda content: content[:len(content) // 2],
+    "a wrong first word": put(0, "-7"),
+    "letters in the middle": put(0.5, "abc"),
+    "a last word out of range": put(1, "99999999999"),
+}
+
+
+def complaint(home, limit):
+    done = subprocess.run([os.path.join(home, "tolvex")], input=b"2+3\n", capture_output=True, cwd=home, timeout=limit)
+    lines = done.stdout.decode("latin-1").split("\n")
+    return done.returncode, [line for line in lines if line.startswith("*** Tolvex error.")]
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--tolvex", required=True)
+    parser.add_argument("--scale", type=float, default=1.0)
+    args = parser.parse_args()
+    binary, cases, failed = os.path.realpath(args.tolvex), 0, 0
+    with tempfile.TemporaryDirectory(prefix="data-damage-") as home:
+        shutil.copy(binary, os.path.join(home, "tolvex"))
+        shutil.copytree(os.path.join(os.path.dirname(binary), "BACKWARD"), os.path.join(home, "BACKWARD"))
+        for name in FILES:
+            path = os.path.join(home, "BACKWARD", name)
+            with open(path, "rb") as handle:
+                whole = handle.read()
+            for kind in ["missing"] + (list(DAMAGES) if name != "chdat" else []):
+                if kind == "missing":
+                    os.remove(path)
+                else:
+                    with open(path, "wb") as handle:
+                        handle.write(DAMAGES[kind](whole))
+                status, lines = complaint(home, 10 * args.scale)
+                cases += 1
+                # a wrong word in the message file may show in the count of its names
+                named = [line for line in lines if name in line or (name == "Qerrs" and "number builtins" in line)]
+                if status != 1 or not named:
+                    failed += 1
+                    print(f"FAILED {name}, {kind}: status {status}, {lines}")
+            with open(path, "wb") as handle:
+                handle.write(whole)
+        status, lines = complaint(home, 10 * args.scale)
+        if status != 0 or lines:
+            failed += 1
+            print(f"FAILED whole files: status {status}, {lines}")
+    print(f"{cases} cases, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
