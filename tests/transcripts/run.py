@@ -15,8 +15,9 @@ A file holds cases; a case begins with a title line '# ...'. Before the first li
   quit: no          the farewell line is not expected
   without: NAME     the data file NAME is missing (the binary is run from a copy of its directory)
   damage: NAME K=V  word K of the data file NAME (from 0, negative from the end) is replaced by V
-  file NAME ... endfile    a file in the working directory, with the directories of its name
-                           ('file NAME nolf': without its last line feed); tolstart.txt is the line '500' if it is not given; 'nofile NAME' leaves it out
+  file NAME ... endfile    a file in the working directory, with the directories of its name ('file NAME nolf':
+                           without its last line feed); tolstart.txt is the line '500' if it is not given;
+                           'nofile NAME' leaves it out
 
 Then '> TEXT' is sent as a line ('>~ TEXT' without the line feed, '>b TEXT' with Python escapes such as \\x00), every
 other line is expected: as it stands, {has}TEXT, {re}REGEX, {msg N} (message N of the data directory), or '...' for
