@@ -1,6 +1,7 @@
 #include "language/builtin_args.h"
 
 #include "language/locations.h"
+#include "language/other_rings.h"
 #include "language/symbols.h"
 #include "numbers/num_assign.h"
 #include "numbers/residue.h"
@@ -76,6 +77,11 @@ void read_result_place(BuiltinCall& call, ResultPlace* place) {
         error(Err::undefined_variable, tok_text(name));
     else
         place->name = name;
+}
+
+varptr place_to_read(ResultPlace* place) {
+    varptr p = tok_char(place->name) == 0 ? nullptr : find_var(place->name);
+    return p == nullptr || refuse_other_ring(&p->val, place->name) ? nullptr : p;
 }
 
 void set_quotient(ResultPlace* place, quolyptr value) {

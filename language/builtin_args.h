@@ -6,6 +6,7 @@
 ///            may change the variable of an earlier one. They are dropped in the reverse order.
 /// Raises     177 no "("; 202 no ","; 1 no ")"; 207 a place for a result that is no variable.
 #include "language/evaluator.h"
+#include "language/symbols.h"
 namespace tolvex {
 struct BuiltinCall {
     FILE* inf;
@@ -39,6 +40,8 @@ struct ResultPlace {
     tokentipe name;  // empty: none
 };
 void read_result_place(BuiltinCall& call, ResultPlace* place);
+/// The variable of a place whose value is read as well; nil if there is none in the ring in force (error 121).
+varptr place_to_read(ResultPlace* place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);
 

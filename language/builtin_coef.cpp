@@ -356,7 +356,7 @@ void builtin_Rcoef(BuiltinCall& call) {
     Value c;
     get_the_data(call, &c);
     close_call(call);
-    varptr p = tok_char(place.name) == 0 ? nullptr : find_var(place.name);
+    varptr p = place_to_read(&place);
     if (!value_of(&c)->numb) error(Err::number_expected);
     if (good && p != nullptr && value_of(&c)->numb) {
         polynode leaf;

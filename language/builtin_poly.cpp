@@ -292,7 +292,7 @@ static void divide_in_place(BuiltinCall& call, Value* a) {
     ResultPlace place;
     read_result_place(call, &place);
     close_call(call);
-    varptr p = tok_char(place.name) == 0 ? nullptr : find_var(place.name);
+    varptr p = place_to_read(&place);
     quoly quotient = nullptr;
     bool yes = false;
     if (p != nullptr) {
@@ -472,7 +472,7 @@ void builtin_Numcon(BuiltinCall& call) {
 
 /// The variable of an argument "^x", which must be a number or polynomial; nil after an error.
 static varptr polynomial_place(ResultPlace* place) {
-    varptr p = tok_char(place->name) == 0 ? nullptr : find_var(place->name);
+    varptr p = place_to_read(place);
     if (p == nullptr || p->val->numb || p->val->denom == nullptr) return p;
     error(Err::rational_not_allowed);
     return nullptr;

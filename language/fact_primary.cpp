@@ -1,8 +1,10 @@
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/locations.h"
+#include "language/other_rings.h"
 #include "language/parse.h"
 #include "language/symbols.h"
+#include "language/tokens/look_ahead.h"
 #include "numbers/decimal_io.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
@@ -57,6 +59,17 @@ bool starts_control(tokentipe& name) {
     return (tok_is(name, "for") || tok_is(name, "if") || tok_is(name, "while")) && find_var(name) == nullptr;
 }
 
+/// A name whose value stands in another ring: it may get a new one, 0 until that is known.
+void name_of_other_ring(Reader& r, tokentipe& name) {
+    if (at_char(':') && sign_follows(r.inf, r.flag, '=')) {
+        if (*r.at == nullptr) quoly_set(0, r.at);
+        return;
+    }
+    refuse_other_ring(r.at, name);
+    quoly_set(0, r.n);
+    r.at = r.n;
+}
+
 bool read_name(Reader& r) {
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
@@ -74,7 +87,11 @@ bool read_name(Reader& r) {
         return true;
     }
     retrieve(name, &r.at, r.n, r.inf, r.flag);
-    if (r.at == nullptr) unknown_name(r, name);
+    if (r.at == nullptr) {
+        unknown_name(r, name);
+    } else if (stands_in_other_ring(r.at)) {
+        name_of_other_ring(r, name);
+    }
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "language/locations.h"
 
 #include "language/evaluator.h"
+#include "language/other_rings.h"
 #include "language/symbols.h"
 #include "numbers/decimal_io.h"
 #include "numbers/num_assign.h"
@@ -22,7 +23,10 @@ static void named_location(quolyptr* qp, FILE* inf, nameptr* flag) {
         return;
     }
     retrieve(name, qp, nullptr, inf, flag);
-    if (*qp == nullptr) error(Err::undefined_variable, tok_text(name));
+    if (*qp == nullptr)
+        error(Err::undefined_variable, tok_text(name));
+    else if (refuse_other_ring(*qp, name))
+        *qp = nullptr;
 }
 
 void get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag) {

@@ -2,6 +2,7 @@
 
 #include "language/builtin_table.h"
 #include "language/language_modes.h"
+#include "language/other_rings.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
 #include "quoly/quoly_audit.h"
@@ -79,6 +80,7 @@ static bool bequeath(quolyptr loc) {
 }
 
 void free_value(quolyptr loc) {
+    if (away_list != nullptr) drop_away(loc);
     if (eval_state.held != nullptr && *loc != nullptr && bequeath(loc))
         *loc = nullptr;
     else
@@ -109,6 +111,7 @@ static void reach_values() {
             audit_reach_quoly(p->val);
         }
     }
+    audit_reach_away();
     audit_reach_quoly(prevnum);
     audit_reach_quoly(sysnum);
 }

@@ -28,8 +28,9 @@ void retrieve(tokentipe& name, quolyptr* qp, quolyptr n, FILE* inf, nameptr* fla
 void spec_retrieve(tokentipe& name, quolyptr n, quolyptr* qp);
 /// Creates or replaces; the value is used up; *p := the node.
 void insert_var(tokentipe& name, quoly value, varptr* p);
-/// *loc := nil; the old value is given back, or inherited by the innermost evaluator that holds it. Every
-/// replacement or deletion of a value that has a name goes through here.
+/// *loc := nil, and a value of it that stands in another ring goes; the old value is given back, or inherited
+/// by the innermost evaluator that holds it. Every replacement or deletion of a value that has a name goes
+/// through here.
 void free_value(quolyptr loc);
 /// To be called before *loc is changed in place: if an evaluator holds it, it inherits the old value and *loc
 /// becomes a copy.

@@ -4,6 +4,7 @@
 #include "language/language_modes.h"
 #include "language/parse.h"
 #include "language/ports.h"
+#include "language/tokens/look_ahead.h"
 #include "language/tokens/scanner.h"
 #include "matrix/matrix_modes.h"
 #include "numbers/decimal_io.h"
@@ -17,6 +18,7 @@
 #include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/questions.h"
+#include "session/ring_list.h"
 #include "session/session_modes.h"
 #include "session/status.h"
 #include "session/switch_table.h"
@@ -83,8 +85,19 @@ static After assignment_form(Command& c) {
     return After::read_next;
 }
 
-static After ground_ring(Command&) {
-    toggle_ground_ring();
+/// `&p` and `&p(x, [a])`. The token behind a list is read after the question, as it is without one.
+static After ground_ring(Command& c) {
+    bool listed = sign_follows(c.inf, c.flag, '(');
+    if (listed) {
+        next_token(c.inf, c.flag);
+        if (c.stored()) {
+            error(Err::ring_list_stored);
+            return After::stay;
+        }
+        next_token(c.inf, c.flag);
+        if (!read_ring_list(c.inf, c.flag, false)) return After::stay;
+    }
+    toggle_ground_ring(listed);
     return After::read_next;
 }
 

@@ -14,6 +14,7 @@
 #include "session/levels.h"
 #include "session/loop.h"
 #include "session/questions.h"
+#include "session/ring_list.h"
 #include "session/session_modes.h"
 
 #include <cstdio>
@@ -42,9 +43,6 @@ static void fresh_cutoffs(int32_t division) {
     div_poly_cutoff = division;
 }
 
-static void convert_to_mod(quolyptr value, void*) { quoly_change_to_mod(value); }
-static void convert_from_mod(quolyptr value, void*) { quoly_change_from_mod(value); }
-
 static void announce_modulus() {
     printf(" Now in modular mode. Modulus is %1d,%s", modulus, mod_is_prime ? " a prime" : " not a prime\n");
     if (!mod_is_prime) return;
@@ -64,7 +62,7 @@ bool enter_modular(int32_t m, bool loud) {
     // An integer goes to a table field through its prime field.
     set_modulus(table_field ? 2 : m);
     mod_is_prime = is_prime(modulus);
-    for_each_value(convert_to_mod, nullptr);
+    carry_values(-1, m);
     modularmode = lintmode = 1;
     f256 = m == 256;
     f2t16 = m == 65536;
@@ -94,7 +92,7 @@ bool leave_modular(bool loud) {
     drop_running_values();
     interrupts_held++;
     modularmode = lintmode = 0;
-    for_each_value(convert_from_mod, nullptr);
+    carry_values(modulus, -1);
     f256 = f2t16 = finf = 0;
     set_modulus(-1);
     mod_is_prime = 0;
@@ -137,8 +135,9 @@ static bool ask_modulus(int32_t* m) {
     }
 }
 
-void toggle_ground_ring() {
+void toggle_ground_ring(bool listed) {
     if (!ring_may_change()) return;
+    if (!listed) list_everything();
     if (modularmode) {
         leave_modular(true);
     } else if (lintmode) {
@@ -150,12 +149,13 @@ void toggle_ground_ring() {
     }
 }
 
-void set_ground_ring(int32_t v, bool rational, bool loud) {
+void set_ground_ring(int32_t v, bool rational, bool loud, bool listed) {
     if (lintmode && !modularmode) {
         error(Err::ring_needed_plain);
         return;
     }
     if (!ring_may_change()) return;
+    if (!listed) list_everything();
     if (rational) {
         if (modularmode) {
             leave_modular(loud);

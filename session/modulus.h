@@ -19,10 +19,11 @@ inline constexpr int32_t k_greatest_modulus = 2147483646;
 bool enter_modular(int32_t m, bool loud);
 /// Back to the integers. False after an error.
 bool leave_modular(bool loud);
-/// `&p`: leaves modular mode, or asks for the modulus.
-void toggle_ground_ring();
+/// `&p`: leaves modular mode, or asks for the modulus. `listed`: what is converted has been listed
+/// (session/ring_list.h).
+void toggle_ground_ring(bool listed);
 /// `&(p = v)`; `rational` for `&(p = _i)`.
-void set_ground_ring(int32_t v, bool rational, bool loud);
+void set_ground_ring(int32_t v, bool rational, bool loud, bool listed);
 /// After a part outside the ground ring has run: the words that it left in *value and in stored values become
 /// residues. Time linear in the size of all values.
 void reduce_stored_words(quolyptr value);

@@ -2,13 +2,17 @@
 
 #include "language/expre.h"
 #include "language/language_modes.h"
+#include "language/other_rings.h"
 #include "language/symbols.h"
 #include "language/tokens/scanner.h"
+#include "numbers/ring_switch.h"
 #include "poly/poly_vars.h"
+#include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
 #include "session/levels.h"
 #include "session/loop.h"
 #include "session/questions.h"
+#include "session/ring_list.h"
 #include "session/session_modes.h"
 #include "storage/failure.h"
 
@@ -49,6 +53,16 @@ static bool list_may_change() {
 
 // ---- declaring -----------------------------------------------------------------------------------------
 
+/// Calls f for the values that stand in other rings, each in its own.
+static void for_each_away(void (*f)(quolyptr value, void* context), void* context) {
+    RingState now = ring_capture();
+    for (away_value* entry = away_list; entry != nullptr; entry = entry->next) {
+        force_ring(entry->ring);
+        f(&entry->value, context);
+    }
+    ring_assign(now);
+}
+
 static void add_level_in_front(quolyptr value, void*) { quoly_insert_level(*value, 1); }
 
 static bool declare(PolyItem& item) {
@@ -69,7 +83,10 @@ static bool declare(PolyItem& item) {
     if (!item.at_end && !list_may_change()) return false;
     interrupts_held++;
     insert_poly_name(item.name, item.at_end);
-    if (!item.at_end) for_each_value(add_level_in_front, nullptr);
+    if (!item.at_end) {
+        for_each_value(add_level_in_front, nullptr);
+        for_each_away(add_level_in_front, nullptr);
+    }
     interrupts_held--;
     return true;
 }
@@ -100,6 +117,25 @@ static void take_level_out(quolyptr value, void* context) {
     quoly_remove_level(*value, r->level);
 }
 
+/// The same where values stand in other rings: the number goes there with them.
+static void take_level_out_of_away(Removal& r) {
+    const quolynode* value = r.value;
+    for (away_value* entry = away_list; entry != nullptr; entry = entry->next) {
+        quoly image = nullptr;
+        if (value != nullptr) {
+            quoly_assign(value, &image);
+            carry_value(&image, modulus, entry->ring);
+        }
+        RingState now = ring_capture();
+        force_ring(entry->ring);
+        r.value = image;
+        take_level_out(&entry->value, &r);
+        free_quoly(&image);
+        ring_assign(now);
+    }
+    r.value = value;
+}
+
 static bool remove_variable(PolyItem& item) {
     int32_t level = 0;
     polypt variable = nullptr;
@@ -113,13 +149,17 @@ static bool remove_variable(PolyItem& item) {
     }
     if (!list_may_change()) return false;
     Removal r = {level, item.value, false, 0};
-    if (item.value == nullptr) for_each_value(look_for_level, &r);
+    if (item.value == nullptr) {
+        for_each_value(look_for_level, &r);
+        for_each_away(look_for_level, &r);
+    }
     if (r.found) {
         error(Err::polyvar_value_not_number, tok_text(item.name));
         return false;
     }
     interrupts_held++;
     for_each_value(take_level_out, &r);
+    take_level_out_of_away(r);
     delete_poly_name(level);
     interrupts_held--;
     return true;

@@ -10,6 +10,7 @@
 #include "quoly/quoly_basic.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
+#include "session/ring_list.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 #include "storage/failure.h"
@@ -168,7 +169,7 @@ static void set_boolean(const SwitchRow& row, int32_t v) {
     if (row.after != nullptr) row.after();
 }
 
-/// `&(p = v)` and `&(p = _i)`; the first token of the value is current.
+/// `&(p = v)`, `&(p = _i)` and both with a list; the first token of the value is current.
 static void set_ring_form(SwitchForm& form) {
     bool rational = tok_is(token, "_");
     int32_t v = 0;
@@ -182,11 +183,15 @@ static void set_ring_form(SwitchForm& form) {
     } else if (!read_number(form, &v)) {
         return;
     }
-    if (!tok_is(token, ")")) {
+    bool listed = tok_is(token, ":");
+    if (listed) {
+        next_token(form.inf, form.flag);
+        if (!read_ring_list(form.inf, form.flag, true)) return;
+    } else if (!tok_is(token, ")")) {
         error(Err::switch_close_paren);
         return;
     }
-    set_ground_ring(v, rational, is_loud(form.flag));
+    set_ground_ring(v, rational, is_loud(form.flag), listed);
 }
 
 /// All other letters; the first token of the value is current.

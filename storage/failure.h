@@ -132,6 +132,7 @@ enum class Err : int32_t {
     not_the_output_file = 261,
     output_form_only = 262,
     no_output_file = 263,
+    ring_list_stored = 264,
     poly_cutoff_value = 272,
     variable_argument = 273,
     sum_body_not_closed = 274,

@@ -1,0 +1,25 @@
+#pragma once
+/// session/ring_list.h: what a change of the ground ring converts.
+///
+/// Purpose    `&p(x, [a])` and `&(p = v: x, [a])` name what is converted; without a list everything is.
+/// Invariant  values of other rings (language/other_rings.h) whose ring is the new one come back as they are.
+/// Raises     1, 19, 28 while a list is read.
+#include "language/tokens/token.h"
+#include "quoly/quoly.h"
+
+#include <cstdint>
+#include <cstdio>
+namespace tolvex {
+/// The next change converts everything.
+void list_everything();
+/// Reads a list up to its ")", which is the current token then; the first token of the list is current.
+/// `empty`: an empty list is legal. False after an error.
+bool read_ring_list(FILE* inf, nameptr* flag, bool empty);
+/// All stored values, from the ring `from` to the ring `to`, one of which is -1. modulus and mod_is_prime are
+/// those that quoly_change_to_mod and quoly_change_from_mod want.
+void carry_values(int32_t from, int32_t to);
+/// One value put away, or a copy that goes with it: from one ring to any other.
+void carry_value(quolyptr value, int32_t from, int32_t to);
+/// The ring is put in force for the work on a value put away; the state before comes back by ring_assign.
+void force_ring(int32_t ring);
+}  // namespace tolvex
