@@ -106,8 +106,8 @@ static void advance(Gathering& g) {
 /// appended in the first case and for a definition inside this statement. True if it ends the statement.
 static bool period_behind_digit(Gathering& g) {
     bool outermost = g.definitions == 0;
+    nameptr before = g.last;  // the digit
     append(g);
-    nameptr before = g.last;
     advance(g);
     if (is_digit(tok_char(token))) return false;
     if (!outermost) {
@@ -115,9 +115,8 @@ static bool period_behind_digit(Gathering& g) {
         return false;
     }
     // the period is the closer: it does not belong to the list
-    nameptr* link = &g.first;
-    while (*link != before) link = &(*link)->next;
-    freename(link);
+    freename(&before->next);
+    g.last = before;
     g.r.after = token;
     g.r.token_ahead = true;
     tok_set(token, ".");
@@ -142,12 +141,12 @@ static bool gather_one(Gathering& g) {
         advance(g);
         return true;
     }
-    if (ends_here(g)) return false;
     bool period = at_char('.') && !g.literal && !g.comment && (g.definitions > 0 || g.end == Closer::period);
     if (period && g.after_digit) {
         g.after_digit = false;
         return !period_behind_digit(g);
     }
+    if (ends_here(g)) return false;
     if (period && g.definitions > 0) g.definitions--;
     note_nesting(g);
     g.after_digit = !g.literal && !g.comment && is_digit(tok_char(token));

@@ -137,16 +137,22 @@ static void run_for(FILE* inf, condexptr p, quolyptr n) {
     }
 }
 
-static bool condition_of(FILE* inf, condexptr p) {
-    prev_expr = startexpr;
-    startexpr = p->cond;
+/// Reports name the statement under way and the one around it.
+static void note_place(nameptr around, nameptr list) {
+    prev_expr = around;
+    startexpr = list;
+}
+
+static bool condition_of(FILE* inf, condexptr p, nameptr around) {
+    note_place(around, p->cond);
     nameptr cursor;
     start_list(p->cond, &cursor);
     return bool_expre(inf, &cursor);
 }
 
 static void run_while(FILE* inf, condexptr p, quolyptr n) {
-    while (condition_of(inf, p)) {
+    nameptr around = startexpr;
+    while (condition_of(inf, p, around)) {
         poll_interrupt();
         eval_form(inf, p->form1, n);
         if (leaves_loop()) return;
@@ -154,8 +160,7 @@ static void run_while(FILE* inf, condexptr p, quolyptr n) {
 }
 
 static void run_simple(FILE* inf, condexptr p, quolyptr n) {
-    prev_expr = startexpr;
-    startexpr = p->expr;
+    note_place(startexpr, p->expr);
     nameptr cursor;
     start_list(p->expr, &cursor);
     run_statement(inf, n, &cursor);
@@ -174,21 +179,22 @@ void getval(FILE* inf, condexptr p, quolyptr n) {
         run_simple(inf, p, n);
         break;
     case StatementKind::choice:
-        eval_form(inf, condition_of(inf, p) ? p->form1 : p->form2, n);
+        eval_form(inf, condition_of(inf, p, startexpr) ? p->form1 : p->form2, n);
         break;
     case StatementKind::while_loop:
         run_while(inf, p, n);
         break;
     case StatementKind::for_loop:
-        prev_expr = startexpr;
-        startexpr = p->cond;
+        note_place(startexpr, p->cond);
         run_for(inf, p, n);
         break;
     }
 }
 
 void eval_form(FILE* inf, formptr f, quolyptr n) {
+    nameptr around = startexpr;
     for (; f != nullptr; f = f->next) {
+        startexpr = around;
         free_quoly(n);
         getval(inf, f->cptr, n);
         if (exit_flag || leave_flag || cycle_flag) return;

@@ -429,7 +429,7 @@ static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, name
     }
     if (!done) error(Err::increment_range);
     quoly_set(0, n);
-    setvalue(shown, (*n)->ncoef);
+    if (*flag == nullptr) setvalue(shown, (*n)->ncoef);  // as an assignment it has the value 0 in a body
     *qp = n;
 }
 
