@@ -40,7 +40,8 @@ struct ResultPlace {
     tokentipe name;  // empty: none
 };
 void read_result_place(BuiltinCall& call, ResultPlace* place);
-/// The variable of a place whose value is read as well; nil if there is none in the ring in force (error 121).
+/// The variable of a place whose value is read as well; nil if there is none in the ring in force (error
+/// 121).
 varptr place_to_read(ResultPlace* place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);

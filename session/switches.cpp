@@ -8,6 +8,7 @@
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
 #include "quoly/quoly_basic.h"
+#include "session/loop.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/ring_list.h"
@@ -47,6 +48,7 @@ static bool read_quoted(FILE* inf, nameptr* flag, char* text) {
         dumbscanner(inf, &token, flag, &line_end);
         if (tok_is(token, "'")) break;
         if (line_end || tok_is(token, k_end_token)) {
+            if (line_end && tt_flag && *flag == nullptr) line_open = 0;  // its line feed has been taken
             fault = Err::bad_file_name;
         } else if (n == k_text_length) {
             fault = Err::text_too_long;
