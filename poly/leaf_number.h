@@ -5,7 +5,7 @@
 ///            to numbers/.
 /// Ownership  a `fresh` number owns no chain yet; results of clone, sum and product are new records.
 /// Modes      any.
-/// Raises     exponent_sum, exponent_product: exponent_too_long.
+/// Raises     exponents_fit: exponent_too_long.
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
@@ -180,19 +180,12 @@ inline polynode leaf_alone(const polynode* p) {
     shell.next = nullptr;
     return shell;
 }
-/// The exponent of a product of two terms. Beyond a word it is refused; after a return from that, 0.
-inline int32_t exponent_sum(int32_t a, int32_t b) {
-    int32_t sum;
-    if (!__builtin_add_overflow(a, b, &sum)) return sum;
+/// Whether exponents from least to most are words. If not that is an error, and after a return from it the
+/// result is to be 0.
+inline bool exponents_fit(int64_t most, int64_t least) {
+    if (most <= INT32_MAX && least >= INT32_MIN) return true;
     error(Err::exponent_too_long);
-    return 0;
-}
-/// The exponent of a power of a term, refused in the same way.
-inline int32_t exponent_product(int32_t a, int32_t b) {
-    int32_t product;
-    if (!__builtin_mul_overflow(a, b, &product)) return product;
-    error(Err::exponent_too_long);
-    return 0;
+    return false;
 }
 /// x^exp c as one node of a chain, next nil; c is used up and not 0. At exponent 0 a number stands bare.
 inline poly chain_node(int32_t exp, poly c) {

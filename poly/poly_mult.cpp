@@ -46,6 +46,10 @@ void poly_mult(poly n, poly m, polyptrr p, polypt pol) {
     int32_t size1 = exp_poly_length(n, &n_last, &one_level_residues), size2 = size1;
     m_last = n_last;
     if (n != m) size2 = exp_poly_length(m, &m_last, &one_level_residues);
+    if (!exponents_fit(int64_t{n->exp} + m->exp, int64_t{n_last} + m_last)) {
+        poly_set(0, p);
+        return;
+    }
     if (one_level_residues) {
         simplest_poly_mult(n, m, p, size1, size2, n_last, m_last);
         return;
@@ -72,6 +76,10 @@ void simplest_poly_mult(poly n, poly m, polyptrr p, int32_t size1, int32_t size2
     }
     const bool long_enough = size1 >= fast_mult_cut && size2 >= fast_mult_cut;
     const int64_t degrees = static_cast<int64_t>(n->exp) + m->exp;
+    if (!exponents_fit(degrees, int64_t{expon} + exp2)) {
+        poly_set(0, p);
+        return;
+    }
     if (size1 < 0) size1 = -size1;
     if (size2 < 0) size2 = -size2;
     const bool arrays =
@@ -94,17 +102,26 @@ static bool is_zero_term(const polynode* p) {
     return iszero(p->ncoef);
 }
 
-/// p := p^k for a single term, in place: the number to the power k, every exponent times k.
+/// Whether every exponent of p times k is a word.
+static bool exponents_scale(const polynode* p, int64_t k) {
+    for (; p != nullptr; p = p->next) {
+        int64_t e = k * p->exp;
+        if (e > INT32_MAX || e < INT32_MIN || (!p->numb && !exponents_scale(p->pcoef, k))) return false;
+    }
+    return true;
+}
+
+/// p := p^k for a single term, in place: the number to the power k, every exponent times k. They fit.
 static void power_of_term(poly p, int32_t k) {
-    for (; !p->numb; p = p->pcoef) p->exp = exponent_product(p->exp, k);
+    for (; !p->numb; p = p->pcoef) p->exp *= k;
     number_power(p->ncoef, k);
 }
 
-/// p := p^q where q is the characteristic: exponents are multiplied; residues of a prime field stay as they
-/// are.
+/// p := p^q where q is the characteristic: exponents, which fit, are multiplied; residues of a prime field
+/// stay as they are.
 static void frobenius(poly p, int32_t q) {
     for (; p != nullptr; p = p->next) {
-        p->exp = exponent_product(p->exp, q);
+        p->exp *= q;
         if (!p->numb)
             frobenius(p->pcoef, q);
         else if (finf)
@@ -151,6 +168,11 @@ static poly power_by_digits(const polynode* base, int32_t expont, int32_t q, pol
 
 void compute_power(polyptrr n, int32_t expont, polypt pol) {
     if (expont == 1) return;
+    if (!exponents_scale(*n, expont)) {
+        error(Err::exponent_too_long);
+        poly_set(0, n);
+        return;
+    }
     if (monomial(*n)) {
         power_of_term(*n, expont);
         if (is_zero_term(*n)) poly_set(0, n);  // a nilpotent number

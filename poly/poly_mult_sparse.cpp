@@ -34,7 +34,8 @@ poly sum_of_piles(Piles& piles) {
     return sum;
 }
 
-/// One-level residues: a copy of m's chain with every exponent raised and every residue multiplied.
+/// One-level residues: a copy of m's chain with every exponent raised and every residue multiplied. The
+/// exponents fit.
 poly simplest_row(int32_t exp, int32_t residue, const polynode* m) {
     poly head = nullptr;
     polyptrr at = &head;
@@ -45,7 +46,7 @@ poly simplest_row(int32_t exp, int32_t residue, const polynode* m) {
         imptr c;
         newimag(&c);
         c->lint = v;
-        *at = chain_node(exponent_sum(exp, m->exp), leaf_of(c));
+        *at = chain_node(exp + m->exp, leaf_of(c));
         at = &(*at)->next;
     }
     *at = nullptr;

@@ -3,6 +3,7 @@
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
+#include "poly/poly_shape.h"
 namespace tolvex {
 static bool is_one(const number* x) { return lintmode ? x->lint == 1 : is_longint(x, 1); }
 
@@ -44,6 +45,11 @@ void scalar_by_poly(const number* x, poly y, polyptrr q) {
 }
 
 void node_by_poly(poly x, poly y, polyptrr q) {
+    int64_t y_last = x->exp < 0 ? lastnode(y)->exp : 0;
+    if (!exponents_fit(int64_t{x->exp} + y->exp, x->exp < 0 ? x->exp + y_last : 0)) {
+        poly_set(0, q);
+        return;
+    }
     polynode x_leaf = leaf_alone(x);
     poly c = x->numb ? &x_leaf : x->pcoef;
     poly head = nullptr;
@@ -57,7 +63,7 @@ void node_by_poly(poly x, poly y, polyptrr q) {
             free_leaf(product);
             continue;
         }
-        *at = chain_node(exponent_sum(x->exp, t->exp), product);
+        *at = chain_node(x->exp + t->exp, product);
         at = &(*at)->next;
     }
     replace(q, head != nullptr ? head : zero_leaf());

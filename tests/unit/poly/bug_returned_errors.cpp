@@ -7,6 +7,8 @@
 #include "poly/div_general.h"
 #include "poly/div_user.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_modes.h"
+#include "poly/poly_mult.h"
 #include "poly/poly_test.h"
 #include "tests/support/random_poly.h"
 #include "tests/support/returned_errors.h"
@@ -62,6 +64,39 @@ TEST_F(ReturnedErrors, DivisionOverAField) {
         EXPECT_EQ(caught.code, 85);
         EXPECT_TRUE(poly_iszero(q) && poly_iszero(r)) << text << ": " << text_of(q) << ", " << text_of(r);
         for (poly* p : {&n, &m, &q, &r}) free_poly(p);
+    }
+}
+
+// Terms whose exponent did not fit got the exponent 0, at any place of the chain.
+TEST_F(ReturnedErrors, ExponentsBeyondAWord) {
+    for (int32_t m : {0, 7, 6}) {
+        use_ring(m);
+        laurent = 1;
+        for (const char* text : {"x^2000000000 + x + 1", "x^2000000000*y + x*z + x", "x^2000000000*y",
+                                 "x^2 + x + 1 + x^-2000000000", "y*x^-2000000000 + z*x^-2000000000"}) {
+            poly n = poly_of(text), p = nullptr, q = copy_of(n);
+            EXPECT_EQ(ERRORS_OF(poly_mult(n, n, &p, polynames)), 1) << text;
+            EXPECT_EQ(caught.code, 32);
+            EXPECT_TRUE(poly_iszero(p)) << text << ": " << text_of(p);
+            EXPECT_EQ(ERRORS_OF(poly_mult(n, q, &p, polynames)), 1) << text;
+            EXPECT_TRUE(poly_iszero(p)) << text << ": " << text_of(p);
+            for (int32_t k : {2, 7, 100}) {
+                poly power = copy_of(n);
+                EXPECT_EQ(ERRORS_OF(compute_power(&power, k, polynames)), 1) << text << " to the " << k;
+                EXPECT_TRUE(poly_iszero(power)) << text << " to the " << k << ": " << text_of(power);
+                free_poly(&power);
+            }
+            for (poly* t : {&n, &p, &q}) free_poly(t);
+        }
+        for (const char* text :
+             {"x*y^2000000000 + x^2*y + 1", "x*y^2000000000 + x^2*z^3*y + y^2000000000*t"}) {
+            poly n = poly_of(text), p = nullptr;  // one level down: what is left is in normal form
+            EXPECT_GE(ERRORS_OF(poly_mult(n, n, &p, polynames)), 1) << text;
+            EXPECT_EQ(caught.code, 32);
+            EXPECT_TRUE(poly_check(p, 6)) << text << ": " << text_of(p);
+            free_poly(&n), free_poly(&p);
+        }
+        laurent = 0;
     }
 }
 
