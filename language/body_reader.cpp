@@ -56,6 +56,11 @@ void free_form(formptr* f) {
     }
 }
 
+void drop_unfinished() {
+    for (Unfinished* u = unfinished; u != nullptr; u = u->below) u->drop(u->what);
+    unfinished = nullptr;
+}
+
 // ---- one statement -------------------------------------------------------------------------------------
 
 /// { text }: the characters between the braces, appended to the comments of the statement.

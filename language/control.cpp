@@ -287,7 +287,11 @@ void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag) 
     last_attached = nullptr;
     enter_definition();
     condexptr p = nullptr;
+    Unfinished u;
+    begin_unfinished(
+        u, [](void* what) { free_statement(static_cast<condexptr*>(what)); }, &p);
     bool read = read_control_statement(r, word, &p);
+    end_unfinished(u);
     leave_definition();
     if (!read) {
         set_zero(n);

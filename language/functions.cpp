@@ -147,7 +147,11 @@ void funcdef(FILE* inf, nameptr* flag) {
     f->name.address = hash(token.name, k_function_buckets);
     BodyReader r = {inf, flag, false, false, false, {}};
     enter_definition();
+    Unfinished u;
+    begin_unfinished(
+        u, [](void* what) { free_function(static_cast<funcptr*>(what)); }, &f);
     bool read = read_definition(r, f);
+    end_unfinished(u);
     leave_definition();
     if (!read) {
         free_function(&f);
@@ -270,6 +274,16 @@ static void read_arguments(Call& c, tokentipe* after) {
     *after = token;
 }
 
+/// Gives back variables that are not in the table.
+static void free_parameters(varptr* first) {
+    while (*first != nullptr) {
+        varptr gone = *first;
+        *first = gone->next;
+        free_quoly(&gone->val);
+        pool_push<&varnode::next>(var_garb, gone);
+    }
+}
+
 // ---- calls ---------------------------------------------------------------------------------------------
 
 /// The variables go to the heads of their buckets, where they hide others of the same name.
@@ -329,6 +343,7 @@ static const paramnode* remove_args(CallFrame* frame) {
 }
 
 void pop_calls() {
+    drop_unfinished();
     while (call_frames != nullptr) remove_args(call_frames);
 }
 
@@ -371,7 +386,11 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
     held_operand here = {n, n, eval_state.held};
     eval_state.held = &here;
     tokentipe after;
+    Unfinished u;
+    begin_unfinished(
+        u, [](void* what) { free_parameters(static_cast<varptr*>(what)); }, &c.first);
     read_arguments(c, &after);
+    end_unfinished(u);
     eval_state.held = here.below;
     CallFrame frame = {f, c.targets, call_frames};
     call_frames = &frame;

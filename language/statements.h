@@ -76,6 +76,21 @@ void free_statement(condexptr* p);
 inline nameptr last_attached = nullptr;  // the list gathered last, for reports; nil: none
 inline tokentipe current_func = {};      // the name of the definition under way, for reports
 
+/// What a reader has built so far and nobody else owns yet. It lives on the process stack of the reader; an
+/// error that does not come back gives it back through drop_unfinished.
+struct Unfinished {
+    void (*drop)(void* what);
+    void* what;
+    Unfinished* below;
+};
+inline Unfinished* unfinished = nullptr;  // innermost first
+inline void begin_unfinished(Unfinished& u, void (*drop)(void*), void* what) {
+    u = {drop, what, unfinished};
+    unfinished = &u;
+}
+inline void end_unfinished(const Unfinished& u) { unfinished = u.below; }
+void drop_unfinished();
+
 // ---- running (language/control.cpp) --------------------------------------------------------------------
 
 /// Runs one statement. *n: its value, nil when it has none.

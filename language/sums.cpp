@@ -217,6 +217,9 @@ void builtin_Sum(BuiltinCall& call) {
     } else {
         Copy copy = {call.inf, call.flag, nullptr, nullptr};
         copy.link = &copy.first;
+        Unfinished u;
+        begin_unfinished(
+            u, [](void* what) { freename(static_cast<nameptr*>(what)); }, &copy.first);
         bool copied = copy_construct(copy);
         tokentipe last = token;
         tok_set(token, k_end_token);
@@ -231,6 +234,7 @@ void builtin_Sum(BuiltinCall& call) {
         } else {
             quoly_set(0, call.n);
         }
+        end_unfinished(u);
         freename(&copy.first);
         if (!copied) return;
     }
