@@ -36,11 +36,13 @@ void need_power(int32_t k) {
     if (powers_known == 0) keep_power(&k_5_19, 1);
     while (powers_known <= k) {
         poll_interrupt();
-        Power last = powers[powers_known - 1];
+        int32_t known = powers_known;
+        Power last = powers[known - 1];
         ScratchMark mark = scratch_mark();
         limb* square = scratch_array<limb>(2 * last.n);
         limbs_mul(square, last.at, last.n, last.at, last.n);
-        keep_power(square, limbs_trim(square, 2 * last.n));
+        // a command level that an interrupt of the product opened may have got as far itself
+        if (powers_known == known) keep_power(square, limbs_trim(square, 2 * last.n));
         scratch_release(mark);
     }
 }

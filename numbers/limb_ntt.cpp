@@ -70,31 +70,44 @@ template <limb P> inline limb times(limb y, Factor f) {
 /// root[0] = 1, root[1] = i, root[j]^2 = root[j / 2] for even j, -root[j / 2] for odd j.
 struct RootTable {
     Factor* root = nullptr;
-    int64_t size = 0;
+    int64_t size = 0;  // entries that are there: a power of two
+    int64_t room = 0;
 };
 template <limb P> RootTable roots;
 
-/// Makes the table at least n long, n a power of two.
-template <limb P, limb Root> void grow_roots(int64_t n) {
+template <limb P> void reserve_roots(int64_t n) {
     RootTable& t = roots<P>;
-    if (t.size >= n) return;
-    if (n < 1024) n = 1024;
+    if (t.room >= n) return;
     auto* root = static_cast<Factor*>(checked_malloc(static_cast<size_t>(n) * sizeof(Factor)));
-    root[0] = factor_of<P>(1);
-    int64_t m = 1;
     if (t.size > 0) {
         memcpy(root, t.root, static_cast<size_t>(t.size) * sizeof(Factor));
-        m = t.size;
-    }
-    for (; m < n; m *= 2) {
-        limb w = Field<P>::power(Root, limb{1} << (38 - (std::bit_width(static_cast<limb>(m)) - 1)));
-        Factor step = factor_of<P>(w);
-        for (int64_t i = 0; i < m; i++)
-            root[m + i] = factor_of<P>(Field<P>::below_p(times<P>(root[i].w, step)));
+    } else {
+        root[0] = factor_of<P>(1);
+        t.size = 1;
     }
     free(t.root);
     t.root = root;
-    t.size = n;
+    t.room = n;
+}
+
+/// Makes the table at least n long, n a power of two. At a poll the table is whole up to its size; a command
+/// level may make it longer, and moves it then.
+template <limb P, limb Root> void grow_roots(int64_t n) {
+    constexpr int64_t k_piece = int64_t{1} << 16;
+    RootTable& t = roots<P>;
+    reserve_roots<P>(n < 1024 ? 1024 : n);
+    while (t.size < n) {
+        int64_t m = t.size;
+        limb w = Field<P>::power(Root, limb{1} << (38 - (std::bit_width(static_cast<limb>(m)) - 1)));
+        Factor step = factor_of<P>(w);
+        for (int64_t from = 0; from < m && t.size == m; from += k_piece) {
+            int64_t to = from + k_piece < m ? from + k_piece : m;
+            for (int64_t i = from; i < to; i++)
+                t.root[m + i] = factor_of<P>(Field<P>::below_p(times<P>(t.root[i].w, step)));
+            poll_interrupt();
+        }
+        if (t.size == m) t.size = 2 * m;
+    }
 }
 
 /// x, y below 4 P become x + f y, x - f y below 4 P.
@@ -102,6 +115,12 @@ template <limb P> inline void split(limb& x, limb& y, Factor f) {
     limb u = Field<P>::below_2p(x), v = times<P>(y, f);
     x = u + v;
     y = u - v + 2 * P;
+}
+
+/// Called in every turn k of a loop over a long array: a safe point now and then.
+inline void poll_at(int64_t k) {
+    constexpr int64_t k_rhythm = int64_t{1} << 17;
+    if (__builtin_expect((k & (k_rhythm - 1)) == k_rhythm - 1, 0)) poll_interrupt();
 }
 
 /// Two levels at once on the four quarters of one block.
@@ -118,6 +137,7 @@ template <limb P> void forward_4(limb* a, int64_t quarter, int64_t node) {
         a[k + quarter] = x1;
         a[k + 2 * quarter] = x2;
         a[k + 3 * quarter] = x3;
+        poll_at(k);
     }
 }
 
@@ -125,7 +145,10 @@ template <limb P> void forward_4(limb* a, int64_t quarter, int64_t node) {
 template <limb P> void forward(limb* a, int64_t n, int64_t node) {
     if (n >= 4 && (std::bit_width(static_cast<limb>(n)) & 1) == 0) {  // an odd number of levels: one alone
         Factor f = roots<P>.root[node];
-        for (int64_t k = 0; k < n / 2; k++) split<P>(a[k], a[k + n / 2], f);
+        for (int64_t k = 0; k < n / 2; k++) {
+            split<P>(a[k], a[k + n / 2], f);
+            poll_at(k);
+        }
         forward<P>(a, n / 2, 2 * node);
         forward<P>(a + n / 2, n / 2, 2 * node + 1);
         return;
@@ -173,6 +196,7 @@ template <limb P> void inverse_4(limb* a, int64_t quarter, int64_t node) {
         a[k + quarter] = x1;
         a[k + 2 * quarter] = x2;
         a[k + 3 * quarter] = x3;
+        poll_at(k);
     }
 }
 
@@ -182,7 +206,10 @@ template <limb P> void inverse(limb* a, int64_t n, int64_t node) {
         inverse<P>(a, n / 2, 2 * node);
         inverse<P>(a + n / 2, n / 2, 2 * node + 1);
         Factor f = inverse_root<P>(node);
-        for (int64_t k = 0; k < n / 2; k++) join<P>(a[k], a[k + n / 2], f);
+        for (int64_t k = 0; k < n / 2; k++) {
+            join<P>(a[k], a[k + n / 2], f);
+            poll_at(k);
+        }
         return;
     }
     if (n == 2) {
@@ -241,6 +268,7 @@ void cut_digits(limb* to, const limb* a, int64_t n, const Plan& plan) {
             rest >>= plan.bits;
             have -= plan.bits;
         }
+        poll_at(i);
     }
     if (have > 0) to[count++] = rest;
     memset(to + count, 0, static_cast<size_t>(plan.length() - count) * sizeof(limb));
@@ -271,7 +299,10 @@ template <limb P> void from_values(limb* a, const Plan& plan) {
     constexpr limb two64 = static_cast<limb>((static_cast<wide>(1) << 64) % P);
     auto scale = [](limb* p, int64_t n) {
         Factor f = factor_of<P>(Field<P>::mul(two64, Field<P>::inverse(static_cast<limb>(n))));
-        for (int64_t k = 0; k < n; k++) p[k] = Field<P>::below_p(times<P>(p[k], f));
+        for (int64_t k = 0; k < n; k++) {
+            p[k] = Field<P>::below_p(times<P>(p[k], f));
+            poll_at(k);
+        }
     };
     inverse<P>(a, plan.h, 0);
     scale(a, plan.h);
@@ -302,8 +333,10 @@ void product_mod(limb* u, limb* v, const limb* a, int64_t an, const limb* b, int
         to_values<P>(v, plan);
     }
     const limb* w = square ? u : v;
-    for (int64_t k = 0; k < plan.length(); k++)
+    for (int64_t k = 0; k < plan.length(); k++) {
         u[k] = Field<P>::montgomery(Field<P>::below_2p(u[k]), Field<P>::below_2p(w[k]));
+        poll_at(k);
+    }
     from_values<P>(u, plan);
 }
 
@@ -322,6 +355,7 @@ void put_together(limb* r, int64_t n, const limb* u, const limb* v, const Plan& 
             limb d = times<k_prime_b>(v[k] + 2 * k_prime_b - u[k], inverse_a);
             c += static_cast<wide>(Field<k_prime_b>::below_p(d)) * k_prime_a + u[k];
         }
+        poll_at(k);
         limb digit = static_cast<limb>(c) & mask;
         carry = c >> plan.bits;
         word |= digit << have;
