@@ -294,6 +294,7 @@ void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag) 
     end_unfinished(u);
     leave_definition();
     if (!read) {
+        tok_set(token, ";");  // the rest of the line went with the statement
         set_zero(n);
         return;
     }

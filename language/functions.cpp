@@ -155,6 +155,7 @@ void funcdef(FILE* inf, nameptr* flag) {
     leave_definition();
     if (!read) {
         free_function(&f);
+        tok_set(token, ";");  // the rest of the line went with the definition
         return;
     }
     f->next = func_store[f->name.address];

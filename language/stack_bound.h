@@ -3,6 +3,7 @@
 ///
 /// Purpose    the evaluators recurse once a parenthesis, sign or call; near the end of the process stack the
 ///            statement ends with error 347 instead of a crash. Every cycle of the recursion passes fact(),
+///            bool_fact(), getval() or read_control_statement(),
 ///            which asks stack_is_low().
 #include <cstdint>
 namespace tolvex {
