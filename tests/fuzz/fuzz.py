@@ -20,7 +20,7 @@ import tempfile
 import time
 
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|Tolvex error")
-PROBE = b"\n;\n&(p=_i)\n123456789*1000\n&q\n"
+PROBE = b"\n" * 17 + b";\n&(p=_i)\n;\n&(p=_i)\n123456789*1000\n&q\n"
 ANSWER = b"123456789000"
 LIMIT = 60
 
@@ -108,12 +108,32 @@ class Grammar:
         if kind < 36:
             return f"&{self.rng.choice(SWITCHES)}"
         if kind < 37:
-            return f"&_m({e(2)})"
+            return self.rng.choice([f"&_m({e(2)})", f"@{self.rng.choice(NAMES + ['<F>', 'F', 'G'])}", f"&(p = 7: {self.rng.choice(NAMES)})"])
         if kind < 38:
-            return f"@{self.rng.choice(NAMES)}"
+            return self.control(3)
         if kind < 39:
             return f"!({e(2)}, 'text', {e(1)}:{self.rng.randrange(12)})"
         return f"&_n {e(2)}"
+
+    def body(self, depth):
+        return "; ".join(self.control(depth - 1) if depth > 0 and self.rng.random() < 0.2 else
+                         f"{self.rng.choice(NAMES)} := {self.expression(1)}" if self.rng.random() < 0.6 else self.expression(1)
+                         for _ in range(self.rng.randrange(1, 4)))
+
+    def control(self, depth):
+        e, kind = self.expression, self.rng.randrange(7)
+        sign = self.rng.choice(["<", ">", "=", "<=", ">=", "<>"])
+        if kind < 2:
+            rest = self.rng.choice(["", f" else {self.body(depth)}"])
+            return f"if {e(1)} {sign} {e(1)} then {self.body(depth)}{rest} fi"
+        if kind < 4:
+            return f"for {self.rng.choice(NAMES)} = {self.rng.randrange(3)} to {self.rng.randrange(6)} do {self.body(depth)} od"
+        if kind < 5:
+            return f"{self.rng.choice(['Sigma', 'Prod'])}<{self.rng.choice(NAMES)} = 1, {self.rng.randrange(6)}>[{e(1)}]"
+        if kind < 6:
+            name, inner = self.rng.choice("FG"), self.body(depth)
+            return f"Func {name}({self.rng.choice(['a', 'a, b', '^a', 'a; c', ''])}) = {inner} ."
+        return f"{self.rng.choice('FG')}({e(1)})"
 
     def session(self):
         lines = []
