@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs conformance suites against a build, leaving out the cases that wait for commands of later milestones.
+"""Runs conformance suites against a build, leaving out the cases that wait for commands that are not built yet.
 
 usage: conformance.py --tolvex PATH --suites DIR --later FILE
 
