@@ -18,6 +18,7 @@
 #include "session/startup.h"
 #include "storage/audit.h"
 #include "storage/interrupt.h"
+#include "storage/interrupt_probe.h"
 #include "storage/memory.h"
 #include "storage/progress.h"
 #include "storage/scratch.h"
@@ -346,11 +347,14 @@ void install_interrupt_handler() {
     sigemptyset(&act.sa_mask);
     act.sa_flags = SA_RESTART;
     sigaction(SIGINT, &act, nullptr);
+    start_probe();
 }
 
 void take_interrupt() {
     if (interrupts_held > 0) return;
+    int raised = interrupt_pending;
     interrupt_pending = 0;
+    if (probe_answered(raised)) return;
     level_of_interrupt();
 }
 

@@ -2,8 +2,8 @@
 /// storage/interrupt.h: the interrupt flag and its safe points.
 ///
 /// Purpose    the signal handler sets `interrupt_pending` and nothing else; long loops call poll_interrupt()
-/// once a
-///            term, row or prime.
+/// once
+///            a term, row or prime. TOLVEX_NO_POLL leaves the safe points out, to measure what they cost.
 /// Invariant  never polled while a free list is half spliced or an operand half built.
 #include "storage/failure.h"
 #include "storage/types.h"
@@ -17,6 +17,8 @@ inline int32_t m_interrupt = 1;  // command interrupt level 0..2     writers: &m
 inline int32_t cmd_modder = 32;  // polling rhythm of that level     writers: &m
 
 inline void poll_interrupt() {
+#ifndef TOLVEX_NO_POLL
     if (__builtin_expect(interrupt_pending != 0, 0)) take_interrupt();
+#endif
 }
 }  // namespace tolvex
