@@ -1,6 +1,6 @@
 // Greatest common divisors and exact quotients: coprime pairs as sums of rational functions make them,
 // planted factors, dense powers.
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "poly/div_general.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"

@@ -1,6 +1,6 @@
 #include "gcd/content.h"
 
-#include "gcd/gcd_internal.h"
+#include "gcd/word_gcd.h"
 #include "poly/div_internal.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_shape.h"

@@ -1,7 +1,24 @@
 #pragma once
-/// gcd/content.h: content of a polynomial in its main variable.
+/// gcd/content.h: contents of polynomials, in their three forms.
+///
+/// Ownership  results are fresh; *r is replaced. A save flag that is false lets the routine use its operand
+/// up: what is left
+///            is given back by its owner.
+/// Cost       one gcd a coefficient, the two smallest first; bounded by the work counters of gcd_modes.h.
 #include "poly/poly.h"
 namespace tolvex {
-/// *s := gcd of the coefficients of u's top chain, padded to stand at u's level. qsave: u is kept.
-void content(poly u, polyptrr s, polypt pt, boolean verbon, boolean allcons, boolean qsave);
+/// *r := gcd of the coefficients of q in the variable pt, standing one level below pt.
+void content(poly q, polyptrr r, polypt pt, boolean verbon, boolean allcons, boolean qsave);
+/// gcd of p, a polynomial of exp 0 in pt, and the coefficients of q; one level below pt.
+void aux_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean allcons, boolean psave,
+                 boolean qsave);
+/// gcd of the coefficients of both; one level below pt.
+void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean allcons, boolean psave,
+                  boolean qsave);
+/// Content with respect to the variables above relative level depth (1: the top level of p), padded to the
+/// shape of p. When *wantr is false on entry and there is a single coefficient: *r := 1 and *wantr := true, p
+/// is its own content.
+void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* wantr, boolean wantcons);
+/// Content in the level-2 variable: lives in levels 1, 3, 4, ..., with a dummy for level 2.
+poly content_2(poly x, polypt pt);
 }  // namespace tolvex

@@ -1,14 +1,41 @@
 #pragma once
-/// gcd/gcd_modes.h: counters and switches of the gcd driver.
+/// gcd/gcd_modes.h: counters, budgets and switches of the gcd driver.
+///
+/// The counters below are shared by all recursion of one computation: they keep contents of contents from
+/// costing more than the answer is worth. A nested computation on images saves and restores them
+/// (GcdCounters).
 #include "storage/types.h"
 
 #include <cstdint>
 namespace tolvex {
-inline int32_t alg_c_count = 0;  // runs of the subresultant engine in this problem
-inline int32_t original_depth = 1;
-inline int32_t c_cntcount = 0, a_cntcount = 0, d_cntcount = 0, g_cntcount = 0;  // cleared a statement
-inline int32_t g_cutoff = 10;
-inline int16_t lookupgcd = 0;   // gcd stash stack counter     writers: &C
-inline boolean chinhensel = 1;  // Hensel lifting and remaindering for several variables    writers: &O
-inline boolean hen_check = 1;   // lifted answers are checked twice                         writers: &c
+// Switches.
+inline int16_t lookupgcd = 0;   // gcd stash: positive on, -1000 around images     writers: &C, init_gcd_stash
+inline boolean chinhensel = 1;  // interpolation for several variables             writers: &O
+inline boolean hen_check = 1;   // lifted answers are checked twice                writers: &c
+inline boolean word_engines = 1;        // the engines on word arrays; cleared by tests that want the others
+inline boolean no_aux_primes2 = 1;      // no second auxiliary primes exist                writers: &P
+inline int32_t trial_cutoff = 25;       // above this size trial division is attempted
+inline int32_t mod_method_diff = 6;     // degrees that v may lose before the modular method is taken
+inline int32_t gcd_stash_cutoff = 200;  // smallest size that polygcd keeps in the stash
+inline int32_t small_gcd_stash_cut = 100;  // smallest degree sum that basic_poly_gcd keeps there
+
+// State of one computation, from an entry on.
+inline int16_t tripval = 20;                    // smallest size for modular methods; 20 again after an error
+inline int32_t alg_c_count = 0;                 // how often Algorithm C has been abandoned
+inline int32_t original_depth = 1;              // the level where the computation began
+inline int32_t c_cntcount = 0, c_cntdepth = 0;  // work of content
+inline int32_t a_cntcount = 0, a_cntdepth = 0;  // work of aux_content
+inline int32_t d_cntcount = 0, d_cntdepth = 0;  // work of dual_content
+inline int32_t g_cntcount = 0, g_cutoff = 10;   // budget of the contents in several levels
+inline int32_t gcd_nesting = 0;                 // polygcd frames in force
+
+/// What a computation on images must find again afterwards.
+struct GcdCounters {
+    int32_t alg_c, original, c, c_depth, a, a_depth, d, d_depth, g, g_limit;
+    int16_t trip, lookup;
+    boolean unproved;
+};
+GcdCounters gcd_counters_save();
+void gcd_counters_restore(const GcdCounters& saved);
+void gcd_counters_reset();  ///< after an error, and when a statement begins: the defaults above, nesting 0
 }  // namespace tolvex

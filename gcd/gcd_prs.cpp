@@ -1,4 +1,4 @@
-#include "gcd/gcd_internal.h"
+#include "gcd/word_gcd.h"
 #include "poly/div_internal.h"
 #include "poly/div_pseudo.h"
 #include "poly/poly_basic.h"

@@ -1,5 +1,5 @@
 // Built-in functions of polynomials and rational functions: shape, parts, gcd, divisibility, derivatives.
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "gcd/num_content.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"

@@ -18,4 +18,6 @@ inline boolean linesuppression = 1;         // still displaying this value
 inline boolean nomodpolyreadin = 0;         // read polynomials as integers  writers: &n
 inline boolean minus_warning = 0;           // set during a load
 inline boolean try_rat = 1, rat_yes = 1;    // fast probabilistic division tests   writers: &_t, reduce
+inline boolean gcd_unproved = 0;  // a gcd in flight rests on a test that may be wrong   writers: gcd, trial_poly_divide_noq
+inline boolean gcd_sure = 0;      // sure mode: nothing unproved is accepted             writers: gcd
 }  // namespace tolvex

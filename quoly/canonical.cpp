@@ -1,6 +1,6 @@
 #include "quoly/canonical.h"
 
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "gcd/num_content.h"
 #include "numbers/limbs.h"
 #include "numbers/num_assign.h"

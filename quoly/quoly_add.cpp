@@ -1,6 +1,6 @@
 #include "quoly/quoly_add.h"
 
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "numbers/limbs.h"
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"

@@ -1,6 +1,6 @@
 #include "quoly/reduce.h"
 
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "gcd/gcd_modes.h"
 #include "poly/div_general.h"
 #include "poly/div_trial.h"

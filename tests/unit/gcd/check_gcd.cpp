@@ -1,7 +1,7 @@
 // Identities of the gcd in every ground ring, and the engines compared with the remainder sequence.
 #include "gcd/content.h"
-#include "gcd/gcd_driver.h"
-#include "gcd/gcd_internal.h"
+#include "gcd/polygcd.h"
+#include "gcd/word_gcd.h"
 #include "numbers/num_compare.h"
 #include "numbers/number_modes.h"
 #include "poly/div_general.h"

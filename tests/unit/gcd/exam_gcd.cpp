@@ -1,6 +1,6 @@
 // Fixed cases of the gcd.
 #include "gcd/content.h"
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "gcd/num_content.h"
 #include "numbers/num_compare.h"
 #include "poly/poly_basic.h"

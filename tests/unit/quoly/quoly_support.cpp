@@ -1,6 +1,6 @@
 #include "tests/unit/quoly/quoly_support.h"
 
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 #include "language/tokens/scanner.h"
 #include "numbers/display_modes.h"
 #include "numbers/residue.h"

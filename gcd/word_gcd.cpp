@@ -1,8 +1,8 @@
 // The gcd through images: over a word field by evaluation and interpolation, over Z from images modulo
 // primes. What comes out may be too large or foreign when points or primes are unlucky, never too small, so
 // that dividing both operands is a full proof.
-#include "gcd/brown_gcd.h"
-#include "gcd/gcd_internal.h"
+#include "gcd/word_brown.h"
+#include "gcd/word_gcd.h"
 #include "gcd/num_content.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
@@ -26,7 +26,7 @@ constexpr uint32_t k_point_limit = 1048573;      // points over Z stay below thi
 
 /// Operands over Z and what is known of the gcd's image.
 struct ModularEnv {
-    polygcd_EnvRec* env;
+    WordGcdEnv* env;
     PackPlan plan;
     number lead_gcd;  // gcd of the leading numbers of the primitive parts: what the images are scaled to
     number content;   // gcd of the integer contents
@@ -38,7 +38,7 @@ static int32_t span_of(const PackMeasure& m, int32_t level) { return m.most[leve
 
 // Levels that the gcd is known to be free of (bound 0) are set to a point, one pair of smaller operands for
 // all primes; what is found may be too large, as for any unlucky point. False: there is no such level.
-static bool set_points(polygcd_EnvRec& env, uint32_t limit) {
+static bool set_points(WordGcdEnv& env, uint32_t limit) {
     bool any = false;
     for (int32_t i = 0; i < env.levels; i++) {
         env.point[i] = 0;
@@ -51,7 +51,7 @@ static bool set_points(polygcd_EnvRec& env, uint32_t limit) {
 
 // The box of both operands, each counted from its own lowest exponents. Its own lowest exponents are those of
 // the common monomial, so that what is written out has it.
-static bool plan_operands(const polygcd_EnvRec& env, PackPlan* plan) {
+static bool plan_operands(const WordGcdEnv& env, PackPlan* plan) {
     int32_t low[k_levels], high[k_levels];
     for (int32_t i = 0; i < env.levels; i++) {
         low[i] = env.monomial[i];
@@ -64,13 +64,13 @@ static bool plan_operands(const polygcd_EnvRec& env, PackPlan* plan) {
 }
 
 // One operand as residues; with points set, terms that have become alike are added up.
-static PackTerms operand_terms(const polygcd_EnvRec& env, const PackPlan& plan, const polynode* p,
+static PackTerms operand_terms(const WordGcdEnv& env, const PackPlan& plan, const polynode* p,
                                const PackMeasure& m, const WordField& f, bool with_points) {
     if (!with_points) return pack_residues(p, plan, m.least, m.terms, f);
     return pack_values(p, plan, m.least, m.terms, f, env.point);
 }
 
-bool divides_both(const polygcd_EnvRec& env, poly g) {
+bool divides_both(const WordGcdEnv& env, poly g) {
     poly q = nullptr;
     boolean failed = 0;
     gen_poly_divide(env.v, g, &q, env.pt, &failed);
@@ -84,7 +84,7 @@ static poly tree_of_residues(const PackPlan& plan, PackTerms* g) {
 }
 
 // Arithmetic modulo a composite: the reciprocal serves any modulus, inverses are asked for.
-bool gcd_by_units(polygcd_EnvRec& env, polyptrr g) {
+bool gcd_by_units(WordGcdEnv& env, polyptrr g) {
     PackPlan plan;
     for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
     if (!plan_operands(env, &plan) || plan.count != 1) return false;
@@ -132,7 +132,7 @@ static bool restrict_terms(const WordField& f, PackTerms& g) {
 }
 
 // One attempt over the field in force.
-static bool field_attempt(polygcd_EnvRec& env, bool with_points, bool careful, polyptrr g) {
+static bool field_attempt(WordGcdEnv& env, bool with_points, bool careful, polyptrr g) {
     PackPlan plan;
     if (!plan_operands(env, &plan)) return false;
     BrownEnv brown = {};
@@ -150,7 +150,7 @@ static bool field_attempt(polygcd_EnvRec& env, bool with_points, bool careful, p
     return false;
 }
 
-bool gcd_over_field(polygcd_EnvRec& env, polyptrr g) {
+bool gcd_over_field(WordGcdEnv& env, polyptrr g) {
     ScratchMark mark = scratch_mark();
     WordField f = word_field_enlarged();
     bool found = false;
@@ -214,7 +214,7 @@ static int64_t size_bound(const ModularEnv& m) {
 
 // The image of the gcd modulo f.p, scaled; false: the prime or a point is bad.
 static bool image_modulo(ModularEnv& m, const WordField& f, PackTerms* g) {
-    const polygcd_EnvRec& env = *m.env;
+    const WordGcdEnv& env = *m.env;
     if (wf_of_number(f, leading_coef(env.u)->ncoef) == 0 || wf_of_number(f, leading_coef(env.v)->ncoef) == 0)
         return false;
     PackTerms u = operand_terms(env, m.plan, env.u, env.um, f, m.with_points);
@@ -264,7 +264,7 @@ static bool run_primes(ModularEnv& m, polyptrr g) {
     return false;
 }
 
-bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g) {
+bool gcd_over_integers(WordGcdEnv& env, polyptrr g) {
     ModularEnv m = {};
     m.env = &env;
     ScratchMark mark = scratch_mark();

@@ -1,7 +1,7 @@
 // One pass over an operand at a random point gives its images in every variable at once: if w is the value of
 // a term, adding w to entry e_j of array j for each variable x_j collects f with all other variables set, as
 // a polynomial in x_j / point_j. The scaling changes no degree.
-#include "gcd/gcd_internal.h"
+#include "gcd/word_gcd.h"
 #include "numbers/primes.h"
 #include "storage/scratch.h"
 
@@ -63,7 +63,7 @@ static int32_t span_of(const PackMeasure& m, int32_t level) {
 }
 
 // Points and power tables for both operands.
-static void choose_point(const polygcd_EnvRec& env, ImagePass* p) {
+static void choose_point(const WordGcdEnv& env, ImagePass* p) {
     for (int32_t i = 0; i < env.levels; i++) {
         p->point[i] = wf_random_unit(*p->f);
         int32_t top = minn(maxx(span_of(env.um, i), span_of(env.vm, i)) + 1, k_power_table);
@@ -73,7 +73,7 @@ static void choose_point(const polygcd_EnvRec& env, ImagePass* p) {
     }
 }
 
-static void make_images(const polygcd_EnvRec& env, ImagePass* p, const polynode* operand,
+static void make_images(const WordGcdEnv& env, ImagePass* p, const polynode* operand,
                         const PackMeasure& m) {
     for (int32_t i = 0; i < m.levels; i++) {
         p->image[i] = nullptr;
@@ -87,7 +87,7 @@ static void make_images(const polygcd_EnvRec& env, ImagePass* p, const polynode*
 }
 
 // One round of images; true if every bound is 0.
-static bool one_point(polygcd_EnvRec& env, const WordField& f) {
+static bool one_point(WordGcdEnv& env, const WordField& f) {
     ScratchMark mark = scratch_mark();
     ImagePass* pu = scratch_array<ImagePass>(1);
     ImagePass* pv = scratch_array<ImagePass>(1);
@@ -113,7 +113,7 @@ static bool one_point(polygcd_EnvRec& env, const WordField& f) {
     return all_zero;
 }
 
-bool bound_by_images(polygcd_EnvRec& env) {
+bool bound_by_images(WordGcdEnv& env) {
     bool all_zero = true;
     for (int32_t i = 0; i < env.levels; i++) {
         if (env.bound[i] > k_image_degree) return false;

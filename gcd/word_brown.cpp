@@ -1,4 +1,4 @@
-#include "gcd/brown_gcd.h"
+#include "gcd/word_brown.h"
 
 #include "storage/interrupt.h"
 #include "storage/scratch.h"

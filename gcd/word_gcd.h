@@ -1,5 +1,5 @@
 #pragma once
-/// gcd/gcd_internal.h: the steps behind polygcd.
+/// gcd/word_gcd.h: the steps behind polygcd.
 ///
 /// Purpose    a chain of attempts, cheapest first; each either gives the gcd or passes on.
 /// Ownership  operands are only read; results are fresh trees of the caller.
@@ -8,7 +8,7 @@
 #include "poly/poly.h"
 namespace tolvex {
 /// Both operands and what has been measured of them. Levels count from the top of the operands, 0 based.
-struct polygcd_EnvRec {
+struct WordGcdEnv {
     poly u, v;
     polypt pt;
     PackMeasure um, vm;
@@ -39,15 +39,15 @@ void common_content(const polynode* u, const polynode* v, imptr c);
 /// Lowers env.bound by images in one variable at a point modulo a word prime; a bound is proved, for the
 /// point keeps the leading coefficient of one operand at least. True if all bounds are 0: nothing in common
 /// but monomials and numbers.
-bool bound_by_images(polygcd_EnvRec& env);
+bool bound_by_images(WordGcdEnv& env);
 /// Evaluation and interpolation over the field in force. False: too few points, or the box is too wide.
 /// The result has the common monomial, is monic, and has divided both operands.
-bool gcd_over_field(polygcd_EnvRec& env, polyptrr g);
+bool gcd_over_field(WordGcdEnv& env, polyptrr g);
 /// Images modulo word primes, combined; the same promise over Z, integer content included.
-bool gcd_over_integers(polygcd_EnvRec& env, polyptrr g);
+bool gcd_over_integers(WordGcdEnv& env, polyptrr g);
 /// Modulo a composite, operands in one variable: Euclid with unit leading numbers. False: other operands, or
 /// a leading number that is no unit.
-bool gcd_by_units(polygcd_EnvRec& env, polyptrr g);
+bool gcd_by_units(WordGcdEnv& env, polyptrr g);
 /// True if g divides u and v, by dividing.
-bool divides_both(const polygcd_EnvRec& env, poly g);
+bool divides_both(const WordGcdEnv& env, poly g);
 }  // namespace tolvex

@@ -1,5 +1,5 @@
 #pragma once
-/// gcd/brown_gcd.h: gcds over a word field by evaluation and interpolation.
+/// gcd/word_brown.h: gcds over a word field by evaluation and interpolation.
 ///
 /// Purpose    the gcd of flat polynomials in several variables: the last variable is set to points, the
 /// images

@@ -1,6 +1,6 @@
-#include "gcd/gcd_driver.h"
+#include "gcd/polygcd.h"
 
-#include "gcd/gcd_internal.h"
+#include "gcd/word_gcd.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/num_content.h"
 #include "numbers/num_assign.h"
@@ -92,7 +92,7 @@ static int32_t span_of(const PackMeasure& m, int32_t level) {
     return level < m.levels ? m.most[level] - m.least[level] : 0;
 }
 
-static void measure_operands(polygcd_EnvRec& env) {
+static void measure_operands(WordGcdEnv& env) {
     pack_measure(env.u, &env.um);
     pack_measure(env.v, &env.vm);
     env.levels = maxx(env.um.levels, env.vm.levels);
@@ -106,7 +106,7 @@ static void measure_operands(polygcd_EnvRec& env) {
 }
 
 // The common monomial times the common integer content: all there is when nothing else is common.
-static poly common_monomial(const polygcd_EnvRec& env) {
+static poly common_monomial(const WordGcdEnv& env) {
     poly g = poly_one();
     common_content(env.u, env.v, g->ncoef);
     for (int32_t i = env.levels - 1; i >= 0; i--)
@@ -119,7 +119,7 @@ static poly common_monomial(const polygcd_EnvRec& env) {
 }
 
 // Every degree of the gcd may be that of `small`: if so it is its primitive part, and one division tells.
-static bool try_divisor(const polygcd_EnvRec& env, poly small, const PackMeasure& m, poly large, polyptrr g) {
+static bool try_divisor(const WordGcdEnv& env, poly small, const PackMeasure& m, poly large, polyptrr g) {
     for (int32_t i = 0; i < env.levels; i++)
         if (env.bound[i] != span_of(m, i) || env.monomial[i] != (i < m.levels ? m.least[i] : 0)) return false;
     poly candidate = primitive_copy(small), q = nullptr;
@@ -140,7 +140,7 @@ static bool try_divisor(const polygcd_EnvRec& env, poly small, const PackMeasure
 
 // Interpolation takes an image for each combination of points of all variables but the first: with many
 // variables the remainder sequence, which works on the terms there are, is the lesser evil.
-static bool images_pay(const polygcd_EnvRec& env) {
+static bool images_pay(const WordGcdEnv& env) {
     int64_t images = 1;
     bool first = true;
     for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
@@ -152,7 +152,7 @@ static bool images_pay(const polygcd_EnvRec& env) {
 }
 
 static poly gcd_in_domain(poly u, poly v, polypt pt) {
-    polygcd_EnvRec env;
+    WordGcdEnv env;
     env.u = u;
     env.v = v;
     env.pt = pt;
@@ -166,7 +166,7 @@ static poly gcd_in_domain(poly u, poly v, polypt pt) {
 
 // Zero divisors: what is found for sure. Reduction by less than the whole common factor is still right.
 static poly gcd_composite(poly u, poly v, polypt pt) {
-    polygcd_EnvRec env;
+    WordGcdEnv env;
     env.u = u;
     env.v = v;
     env.pt = pt;
