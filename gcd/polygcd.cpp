@@ -1,8 +1,9 @@
 #include "gcd/polygcd.h"
 
-#include "gcd/word_gcd.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/num_content.h"
+#include "gcd/word_gcd.h"
+#include "gcd/word_lane.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_gcd.h"
@@ -17,8 +18,6 @@
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 namespace tolvex {
-static constexpr int64_t k_most_images = 1 << 17;
-
 bool ring_is_composite() { return modularmode && !mod_is_prime && !finf; }
 
 void gcd_normal_form(polyptrr g) {
@@ -86,98 +85,6 @@ static poly gcd_classical(poly u, poly v, polypt pt) {
     return g;
 }
 
-// ---- the steps ----
-
-static int32_t span_of(const PackMeasure& m, int32_t level) {
-    return level < m.levels ? m.most[level] - m.least[level] : 0;
-}
-
-static void measure_operands(WordGcdEnv& env) {
-    pack_measure(env.u, &env.um);
-    pack_measure(env.v, &env.vm);
-    env.levels = maxx(env.um.levels, env.vm.levels);
-    for (int32_t i = env.um.levels; i < env.levels; i++) env.um.least[i] = env.um.most[i] = 0;
-    for (int32_t i = env.vm.levels; i < env.levels; i++) env.vm.least[i] = env.vm.most[i] = 0;
-    for (int32_t i = 0; i < env.levels; i++) {
-        bool shared = i < env.um.levels && i < env.vm.levels;
-        env.bound[i] = shared ? minn(span_of(env.um, i), span_of(env.vm, i)) : 0;
-        env.monomial[i] = shared ? minn(env.um.least[i], env.vm.least[i]) : 0;
-    }
-}
-
-// The common monomial times the common integer content: all there is when nothing else is common.
-static poly common_monomial(const WordGcdEnv& env) {
-    poly g = poly_one();
-    common_content(env.u, env.v, g->ncoef);
-    for (int32_t i = env.levels - 1; i >= 0; i--)
-        if (env.monomial[i] != 0 || !is_number(g)) {
-            poly t;
-            new_term(&t, env.monomial[i], g);
-            g = t;
-        }
-    return g;
-}
-
-// Every degree of the gcd may be that of `small`: if so it is its primitive part, and one division tells.
-static bool try_divisor(const WordGcdEnv& env, poly small, const PackMeasure& m, poly large, polyptrr g) {
-    for (int32_t i = 0; i < env.levels; i++)
-        if (env.bound[i] != span_of(m, i) || env.monomial[i] != (i < m.levels ? m.least[i] : 0)) return false;
-    poly candidate = primitive_copy(small), q = nullptr;
-    boolean failed = 0;
-    gen_poly_divide(large, candidate, &q, env.pt, &failed);
-    free_poly(&q);
-    if (failed) {
-        free_poly(&candidate);
-        return false;
-    }
-    number c = {};
-    common_content(env.u, env.v, &c);
-    if (!lintmode && !is_longint(&c, 1)) num_poly_mult(&candidate, &c);
-    special_free(&c);
-    *g = candidate;
-    return true;
-}
-
-// Interpolation takes an image for each combination of points of all variables but the first: with many
-// variables the remainder sequence, which works on the terms there are, is the lesser evil.
-static bool images_pay(const WordGcdEnv& env) {
-    int64_t images = 1;
-    bool first = true;
-    for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
-        if (env.bound[i] == 0) continue;
-        if (!first) images *= int64_t{env.bound[i]} + 2;
-        first = false;
-    }
-    return images <= k_most_images;
-}
-
-static poly gcd_in_domain(poly u, poly v, polypt pt) {
-    WordGcdEnv env;
-    env.u = u;
-    env.v = v;
-    env.pt = pt;
-    measure_operands(env);
-    if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env)) return common_monomial(env);
-    poly g = nullptr;
-    if (try_divisor(env, v, env.vm, u, &g) || try_divisor(env, u, env.um, v, &g)) return g;
-    if (images_pay(env) && (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g))) return g;
-    return gcd_classical(u, v, pt);
-}
-
-// Zero divisors: what is found for sure. Reduction by less than the whole common factor is still right.
-static poly gcd_composite(poly u, poly v, polypt pt) {
-    WordGcdEnv env;
-    env.u = u;
-    env.v = v;
-    env.pt = pt;
-    measure_operands(env);
-    if (env.um.terms == 1 || env.vm.terms == 1) return common_monomial(env);
-    poly g = nullptr;
-    if (gcd_by_units(env, &g)) return g;
-    if (try_divisor(env, v, env.vm, u, &g) || try_divisor(env, u, env.um, v, &g)) return g;
-    return common_monomial(env);
-}
-
 poly gcd_fresh(poly u, poly v, polypt pt) {
     if (is_number(u) || is_number(v)) return gcd_with_number(u, v);
     poly g = nullptr;
@@ -191,11 +98,11 @@ poly gcd_fresh(poly u, poly v, polypt pt) {
     if (unit_lead && (u == v || poly_equal(u, v)))
         poly_assign(u, &g);
     else if (ring_is_composite())
-        g = gcd_composite(u, v, pt);
+        composite_gcd(u, v, &g, pt);
     else if (lintmode && !modularmode)
         g = poly_one();  // words that wrap are no domain
-    else
-        g = gcd_in_domain(u, v, pt);
+    else if (!word_gcd(u, v, &g, pt, false))
+        g = gcd_classical(u, v, pt);
     gcd_normal_form(&g);
     add_pad(&g, pads);
     return g;

@@ -1,0 +1,123 @@
+#include "gcd/word_lane.h"
+
+#include "gcd/num_content.h"
+#include "gcd/word_gcd.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/num_gcd.h"
+#include "numbers/residue.h"
+#include "poly/div_general.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_scale.h"
+#include "poly/poly_test.h"
+namespace tolvex {
+static constexpr int64_t k_most_images = 1 << 17;
+
+static int32_t span_of(const PackMeasure& m, int32_t level) {
+    return level < m.levels ? m.most[level] - m.least[level] : 0;
+}
+
+static void measure_operands(WordGcdEnv& env) {
+    pack_measure(env.u, &env.um);
+    pack_measure(env.v, &env.vm);
+    env.levels = maxx(env.um.levels, env.vm.levels);
+    for (int32_t i = env.um.levels; i < env.levels; i++) env.um.least[i] = env.um.most[i] = 0;
+    for (int32_t i = env.vm.levels; i < env.levels; i++) env.vm.least[i] = env.vm.most[i] = 0;
+    for (int32_t i = 0; i < env.levels; i++) {
+        bool shared = i < env.um.levels && i < env.vm.levels;
+        env.bound[i] = shared ? minn(span_of(env.um, i), span_of(env.vm, i)) : 0;
+        env.monomial[i] = shared ? minn(env.um.least[i], env.vm.least[i]) : 0;
+    }
+}
+
+// The common monomial times the common integer content: all there is when nothing else is common.
+static poly common_monomial(const WordGcdEnv& env) {
+    poly g = nullptr;
+    poly_set(1, &g);
+    common_content(env.u, env.v, g->ncoef);
+    for (int32_t i = env.levels - 1; i >= 0; i--)
+        if (env.monomial[i] != 0 || !is_number(g)) {
+            poly t;
+            new_term(&t, env.monomial[i], g);
+            g = t;
+        }
+    return g;
+}
+
+// Every degree of the gcd may be that of `small`: if so it is its primitive part, and one division tells.
+static bool try_divisor(const WordGcdEnv& env, poly small, const PackMeasure& m, poly large, polyptrr g) {
+    for (int32_t i = 0; i < env.levels; i++)
+        if (env.bound[i] != span_of(m, i) || env.monomial[i] != (i < m.levels ? m.least[i] : 0)) return false;
+    poly candidate = primitive_copy(small), q = nullptr;
+    boolean failed = 0;
+    gen_poly_divide(large, candidate, &q, env.pt, &failed);
+    free_poly(&q);
+    if (failed) {
+        free_poly(&candidate);
+        return false;
+    }
+    number c = {};
+    common_content(env.u, env.v, &c);
+    if (!lintmode && !is_longint(&c, 1)) num_poly_mult(&candidate, &c);
+    special_free(&c);
+    *g = candidate;
+    return true;
+}
+
+// Interpolation takes an image for each combination of points of all variables but the first: with many
+// variables the remainder sequence, which works on the terms there are, is the lesser evil.
+static bool images_pay(const WordGcdEnv& env) {
+    int64_t images = 1;
+    bool first = true;
+    for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
+        if (env.bound[i] == 0) continue;
+        if (!first) images *= int64_t{env.bound[i]} + 2;
+        first = false;
+    }
+    return images <= k_most_images;
+}
+
+static void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt) {
+    env.u = u;
+    env.v = v;
+    env.pt = pt;
+    measure_operands(env);
+}
+
+static void hand_over(poly g, polyptrr r) {
+    gcd_normal_form(&g);
+    free_poly(r);
+    *r = g;
+}
+
+bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool) {
+    if (is_number(u) || is_number(v) || ring_is_composite() || (lintmode && !modularmode)) return false;
+    WordGcdEnv env;
+    open_operands(env, u, v, pt);
+    poly g = nullptr;
+    if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env))
+        g = common_monomial(env);
+    else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
+             !(images_pay(env) && (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g))))
+        return false;
+    hand_over(g, r);
+    return true;
+}
+
+// Zero divisors: what is found for sure. Reduction by less than the whole common factor is still right.
+bool composite_gcd(poly u, poly v, polyptrr r, polypt pt) {
+    WordGcdEnv env;
+    open_operands(env, u, v, pt);
+    poly g = nullptr;
+    bool whole = true;
+    if (env.um.terms == 1 || env.vm.terms == 1)
+        g = common_monomial(env);
+    else if (!gcd_by_units(env, &g) && !try_divisor(env, v, env.vm, u, &g) &&
+             !try_divisor(env, u, env.um, v, &g)) {
+        g = common_monomial(env);
+        whole = false;
+    }
+    hand_over(g, r);
+    return whole;
+}
+}  // namespace tolvex
