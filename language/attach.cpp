@@ -1,9 +1,43 @@
 // Gathering the tokens of one statement, or of one condition, into a list.
 
+#include "language/builtin_table.h"
 #include "language/evaluator.h"
 #include "language/statements.h"
 #include "language/tokens/token_list.h"
+#include "numbers/number.h"
 namespace tolvex {
+/// The number that begins at p, if it fits one digit of a long number.
+static void bind_literal(nameptr p) {
+    int64_t word = 0;
+    nameptr last = p;
+    for (nameptr q = p; q != nullptr && is_digit(tok_char(q->let)); q = q->next) {
+        word = 10 * word + (tok_char(q->let) - '0');
+        if (word > k_max_digit) return;
+        last = q;
+    }
+    p->tipe = word_literal;
+    p->word = static_cast<int32_t>(word);
+    p->last = last;
+}
+
+void bind_list(nameptr first) {
+    bool quoted = false, comment = false, digit = false;
+    for (nameptr p = first; p != nullptr; p = p->next) {
+        unsigned char c = tok_char(p->let);
+        if (c == '\'' && !comment) quoted = !quoted;
+        if (!quoted && (c == '{' || c == '}')) comment = c == '{';
+        bool after_digit = digit;
+        digit = !quoted && !comment && is_digit(c);
+        if (quoted || comment) continue;
+        if (digit && !after_digit) bind_literal(p);
+        if (is_lower(c)) p->let.address = hash(p->let.name, k_variable_buckets);
+        if (!is_upper(c)) continue;
+        int32_t id = builtin_id(p->let);
+        p->let.address =
+            id >= 0 ? static_cast<int16_t>(k_builtin_address + id) : hash(p->let.name, k_function_buckets);
+    }
+}
+
 namespace {
 /// The list under construction and what the reader is inside of.
 struct Gathering {
@@ -52,19 +86,13 @@ static void store_separator(Gathering& g, nameptr node) {
     if (tok_is(token, "by")) tok_set(node->let, " by");
 }
 
-/// Appends the current token. Names get their hash now, once for all runs of the statement.
+/// Appends the current token.
 static void append(Gathering& g) {
     nameptr node = nullptr;
     newname(&node);
     node->let = token;
     node->let.address = -1;
-    if (!g.literal && !g.comment) {
-        unsigned char c = tok_char(token);
-        store_separator(g, node);
-        if (is_lower(c) && tok_char(node->let) != ' ')
-            node->let.address = hash(token.name, k_variable_buckets);
-        if (is_upper(c)) node->let.address = hash(token.name, k_function_buckets);
-    }
+    if (!g.literal && !g.comment) store_separator(g, node);
     (g.last != nullptr ? g.last->next : g.first) = node;
     g.last = node;
 }
@@ -180,6 +208,7 @@ bool attach(BodyReader& r, nameptr* q, Closer end, bool loop_header) {
         error(g.cut_off ? Err::end_of_file_inside : Err::statement_expected);
         return false;
     }
+    bind_list(*q);
     last_attached = *q;
     return true;
 }

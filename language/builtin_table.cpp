@@ -97,7 +97,7 @@ constexpr BuiltinRoutines routines;
 }  // namespace
 
 bool builtin_function(FILE* inf, quolyptr n, nameptr* flag) {
-    int32_t id = builtin_id(token);
+    int32_t id = token.address < 0 ? builtin_id(token) : token.address - k_builtin_address;
     if (id < 0) return false;
     BuiltinRoutine routine = routines.of[id];
     if (routine == nullptr) {

@@ -65,7 +65,9 @@ static bool read_loop_variable(FILE* inf, nameptr* flag, LoopHeader* h) {
     return header_error(Err::undefined_array);
 }
 
-static bool at_separator(const char* word) { return tok_is(token, word) || at_char(','); }
+template <size_t size> static bool at_separator(const char (&word)[size]) {
+    return tok_is(token, word) || at_char(',');
+}
 
 /// first to last by step. The bounds are ordinary integers also in modular arithmetic.
 static bool read_range(FILE* inf, nameptr* flag, LoopHeader* h) {

@@ -6,6 +6,7 @@
 #include "language/expre.h"
 #include "language/language_modes.h"
 #include "language/tokens/scanner.h"
+#include "numbers/residue.h"
 #include "quoly/quoly_basic.h"
 #include "storage/failure.h"
 namespace tolvex {
@@ -47,6 +48,16 @@ inline void settle(quoly q) {
 inline void set_zero(quolyptr n) {
     free_quoly(n);
     quoly_set(0, n);
+}
+/// *n, which is nil, := a word of at most 28 bits.
+inline void word_value(int32_t word, quolyptr n) {
+    init_quoly_node(n);
+    if (modularmode)
+        (*n)->ncoef->lint = residue_of_int(word);
+    else if (lintmode)
+        (*n)->ncoef->lint = word;
+    else
+        num_make_digit((*n)->ncoef, word);
 }
 /// Words of n that were computed with modular arithmetic suspended become residues.
 void reduce_words(quolyptr n);

@@ -96,9 +96,16 @@ bool read_name(Reader& r) {
 }
 
 bool read_number(Reader& r) {
-    int32_t digits = 0;
-    init_quoly_node(r.n);
-    new_readin(r.inf, (*r.n)->ncoef, r.flag, &digits);
+    nameptr node = *r.flag;
+    if (node != nullptr && node->tipe == word_literal) {
+        word_value(node->word, r.n);
+        *r.flag = node->last;
+        next_token(r.inf, r.flag);
+    } else {
+        int32_t digits = 0;
+        init_quoly_node(r.n);
+        new_readin(r.inf, (*r.n)->ncoef, r.flag, &digits);
+    }
     if (at_char('.')) {
         quoly fraction = nullptr;
         get_decimal_part(&fraction, r.inf, r.flag);

@@ -13,9 +13,10 @@ namespace tolvex {
 // ---- the table -----------------------------------------------------------------------------------------
 
 static funcptr* link_of_function(tokentipe& name) {
-    if (name.address == -1) name.address = hash(name.name, k_function_buckets);
+    if (name.address < 0 || name.address >= k_builtin_address)
+        name.address = hash(name.name, k_function_buckets);
     funcptr* link = &func_store[name.address];
-    while (*link != nullptr && strcmp(tok_text((*link)->name), tok_text(name)) != 0) link = &(*link)->next;
+    while (*link != nullptr && !same_name((*link)->name, name)) link = &(*link)->next;
     return link;
 }
 
@@ -56,7 +57,7 @@ void delete_function(tokentipe& name) {
 /// Calls act for the link of each definition of that name but the newest; act returns where to go on.
 template <class Act> static void for_older(funcptr newest, Act act) {
     for (funcptr* link = &newest->next; *link != nullptr;)
-        link = strcmp(tok_text((*link)->name), tok_text(newest->name)) == 0 ? act(link) : &(*link)->next;
+        link = same_name((*link)->name, newest->name) ? act(link) : &(*link)->next;
 }
 
 void delete_older_functions(tokentipe& name) {
@@ -83,7 +84,7 @@ void delete_older_functions(tokentipe& name) {
 bool is_running_parameter(const tokentipe& name) {
     for (const CallFrame* c = call_frames; c != nullptr; c = c->below)
         for (const paramnode* p = c->f->pars; p != nullptr; p = p->next)
-            if (strcmp(tok_text(p->let), tok_text(name)) == 0) return true;
+            if (same_name(p->let, name)) return true;
     return false;
 }
 
@@ -96,7 +97,7 @@ static bool definition_error(Err code) {
 
 static bool is_repeated(const funcnode* f, const tokentipe& name) {
     for (const paramnode* p = f->pars; p != nullptr; p = p->next)
-        if (strcmp(tok_text(p->let), tok_text(name)) == 0) return true;
+        if (same_name(p->let, name)) return true;
     return false;
 }
 
@@ -304,7 +305,7 @@ static varptr unlink_parameters(const funcnode* f) {
     varptr* tail = &first;
     for (const paramnode* p = f->pars; p != nullptr; p = p->next) {
         varptr* link = &sca_store[p->let.address];
-        while (strcmp(tok_text((*link)->let), tok_text(p->let)) != 0) link = &(*link)->next;
+        while (!same_name((*link)->let, p->let)) link = &(*link)->next;
         varptr v = *link;
         *link = v->next;
         v->next = nullptr;

@@ -66,6 +66,9 @@ bool read_control_statement(BodyReader& r, const tokentipe& word, condexptr* p);
 /// Gathers the tokens from the current one to the end of a statement or condition into a list; what has ended
 /// it is the current token. False if an error has come back.
 bool attach(BodyReader& r, nameptr* q, Closer end, bool loop_header);
+/// What does not change from run to run is worked out once: hashes of variables and functions, ids of built-in
+/// functions, numbers that fit one digit. Literals and comments are left alone.
+void bind_list(nameptr first);
 /// True if the current token is the closer.
 bool at_closer(Closer end);
 /// True if nothing but the end of the input can follow the ";" that is the current token.

@@ -226,6 +226,7 @@ void builtin_Sum(BuiltinCall& call) {
         append_token(copy);
         token = last;
         if (copied) {
+            bind_list(copy.first);
             nameptr cursor;
             start_list(copy.first, &cursor);
             s.flag = &cursor;

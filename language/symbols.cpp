@@ -18,7 +18,7 @@ static inline varptr* bucket_of(tokentipe& name) {
 /// The link that points to the variable of that name; it points to nil if there is none.
 static varptr* link_of(tokentipe& name) {
     varptr* link = bucket_of(name);
-    while (*link != nullptr && strcmp(tok_text((*link)->let), tok_text(name)) != 0) link = &(*link)->next;
+    while (*link != nullptr && !same_name((*link)->let, name)) link = &(*link)->next;
     return link;
 }
 

@@ -40,7 +40,7 @@ bool refuse(Reader& r, Err code) {
 }
 
 void advance(Reader& r) { scanner(r.inf, &token, r.flag); }
-bool at(const char* text) { return tok_is(token, text); }
+bool at(const char* text) { return tok_is_text(token, text); }
 bool at_digit() { return isdigit(tok_char(token)) != 0; }
 bool at_name() { return isalpha(tok_char(token)) != 0; }
 

@@ -35,7 +35,7 @@ static bool is_reserved(const tokentipe& name) {
     static const char* const words[] = {"or",   "and", "not", "to",  "by",    "do",   "od",  "then",
                                         "else", "fi",  "if",  "for", "while", "from", "quit"};
     for (const char* word : words)
-        if (tok_is(name, word)) return true;
+        if (tok_is_text(name, word)) return true;
     return false;
 }
 

@@ -235,11 +235,11 @@ static int skip_white(FILE* inf) {
 /// file stay unread.
 static void scan_name(FILE* inf, tokentipe* tok, int c) {
     int32_t length = 0;
+    memset(tok->name, 0, sizeof tok->name);
     do {
         tok->name[length++] = static_cast<unsigned char>(c);
         c = raw_char(inf);
     } while (length < k_namelength && has_class(c, k_letter | k_digit_or_bar));
-    tok->name[length] = 0;
     if (c == '\n') unread_char(c, inf);
     bool white = c == EOF || has_class(c, k_white) || continues(inf, c);
     leftover[0] = white ? ' ' : static_cast<char>(c);
@@ -263,8 +263,7 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
         scan_name(inf, tok, c);
     } else {
         leftover[0] = 0;
-        tok->name[0] = static_cast<unsigned char>(c == EOF ? ';' : c);
-        tok->name[1] = 0;
+        tok_set_char(*tok, static_cast<unsigned char>(c == EOF ? ';' : c));
         if (c == EOF && !tt_flag)
             return;  // at the terminal it ends the last line, in a file it leaves no trace
     }
@@ -281,9 +280,7 @@ void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln) {
     if (c == '\r' && peek_char(inf) == '\n') c = read_char(inf);  // CR LF is one line end
     if (continues(inf, c)) c = ' ';
     *eoln = c == '\n';
-    tok->name[0] = static_cast<unsigned char>(c == EOF ? ';' : c);
-    tok->name[1] = 0;
-    tok->address = -1;
+    tok_set_char(*tok, static_cast<unsigned char>(c == EOF ? ';' : c));
     if (c != EOF) history_add_raw(*tok);
     if (*eoln) tok->name[0] = k_line_end;
 }

@@ -18,6 +18,7 @@ namespace tolvex {
 inline constexpr int32_t k_namelength = 10;
 using nametype = unsigned char[k_namelength + 1];
 
+/// The bytes behind the text are zero, so that names are compared by words.
 struct tokentipe {
     nametype name;
     int16_t address;  // hash of the name; -1: not computed yet
@@ -27,19 +28,25 @@ struct quolynode;
 using quoly = quolynode*;
 using quolyptr = quoly*;
 
-enum classtype : int32_t { zzero, one, two, three };
+/// What is known of a node of a stored list: nothing; the name of a bound scalar, of a bound element with its
+/// subscript, of a bound array; the first digit of a number that fits a word.
+enum classtype : int32_t { zzero, one, two, three, word_literal };
 
 struct namenode;
 using nameptr = namenode*;
+struct binding;
 /// One element of a token list or of the history ring.
 struct namenode {
     tokentipe let;
-    nameptr nother;  // nodes that name the same parameter
-    quolyptr qp;     // location of the value, when `compiled`
-    nameptr next;
     boolean compiled;  // bound by Compile
     boolean space;     // a blank followed in the source
-    classtype tipe;    // how `qp` is to be read
+    classtype tipe;
+    int32_t word;  // word_literal: the number
+    union {
+        binding* bound;  // compiled: what the name stands for, shared by all nodes that name it
+        nameptr last;    // word_literal: its last digit
+    };
+    nameptr next;
 };
 static_assert(std::is_trivially_destructible_v<namenode>);
 
@@ -57,14 +64,30 @@ inline const char k_end_token[] = "\xC2\xA5";  // "¥": end of a stored statemen
 
 /// The text of a token as a C string.
 inline const char* tok_text(const tokentipe& t) { return reinterpret_cast<const char*>(t.name); }
-inline bool tok_is(const tokentipe& t, const char* text) { return strcmp(tok_text(t), text) == 0; }
+template <size_t size> inline bool tok_is(const tokentipe& t, const char (&text)[size]) {
+    static_assert(size <= sizeof(nametype));
+    return memcmp(t.name, text, size) == 0;
+}
+/// The same for a text that is not known when the program is compiled.
+inline bool tok_is_text(const tokentipe& t, const char* text) { return strcmp(tok_text(t), text) == 0; }
+inline bool same_name(const tokentipe& a, const tokentipe& b) {
+    return memcmp(a.name, b.name, sizeof(nametype)) == 0;
+}
 /// The first character of a token, 0 if it is empty.
 inline unsigned char tok_char(const tokentipe& t) { return t.name[0]; }
 /// t := the text (cut at 10 characters), its hash unknown.
 void tok_set(tokentipe& t, const char* text);
+/// The same for one character.
+inline void tok_set_char(tokentipe& t, unsigned char c) {
+    memset(t.name, 0, sizeof t.name);
+    t.name[0] = c;
+    t.address = -1;
+}
 
 /// Table index of a name: h := (h * 123 + c) mod n over its bytes, from 0; the empty name gives 0.
 int16_t hash(const unsigned char* s, int32_t n);
 inline constexpr int32_t k_variable_buckets = 151;
 inline constexpr int32_t k_function_buckets = 71;
+/// In stored lists the address of a built-in function's name is its id on top of this.
+inline constexpr int16_t k_builtin_address = 1000;
 }  // namespace tolvex

@@ -2,8 +2,8 @@
 namespace tolvex {
 void tok_set(tokentipe& t, const char* text) {
     size_t length = strnlen(text, k_namelength);
+    memset(t.name, 0, sizeof t.name);
     memcpy(t.name, text, length);
-    t.name[length] = 0;
     t.address = -1;
 }
 
@@ -17,6 +17,7 @@ void newname(nameptr* p) {
     *p = pool_pop<&namenode::next>(name_garb, nullptr);
     (*p)->compiled = 0;
     (*p)->space = 0;
+    (*p)->tipe = zzero;
     (*p)->next = nullptr;
 }
 

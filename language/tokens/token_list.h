@@ -2,7 +2,7 @@
 /// language/tokens/token_list.h: making and giving back token lists.
 #include "language/tokens/token.h"
 namespace tolvex {
-/// *p := a node; `compiled` and `space` are cleared, the rest is for the caller to set.
+/// *p := a node of which nothing is known; `let` is for the caller to set.
 void newname(nameptr* p);
 /// Gives back the whole list *p; *p := nil.
 void freename(nameptr* p);
