@@ -1,4 +1,5 @@
 // Fixed cases of values: forms, signs, errors, the repair of a wrong gcd, change of ring and of variables.
+#include "gcd/gcd_modes.h"
 #include "numbers/display_modes.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_test.h"
@@ -87,6 +88,68 @@ TEST(Quoly, SameObjectGivesOne) {
     free_quoly(&zero);
 }
 
+/// The record of an expression's value: 'n' a number, 'r' a rational number, 'p' a polynomial, 'f' a
+/// fraction.
+static char form_of(const std::string& text) {
+    quoly q = value(text);
+    EXPECT_TRUE(canonical(q)) << text;
+    char form = q->numb ? 'n' : q->rat ? 'r' : q->denom != nullptr ? 'f' : 'p';
+    EXPECT_EQ(form == 'r', !q->numb && q->denom != nullptr && q->numer->numb && q->denom->numb) << text;
+    free_quoly(&q);
+    return form;
+}
+
+TEST(Quoly, AValueThatBecomesANumberIsStoredAsOne) {
+    Setting setting(0, 1);
+    for (const char* text :
+         {"1/2+1/2", "1/2-1/2", "3/2+1/2", "2/3*3/2", "(2/3)/(2/3)", "1/2-3/2", "2*(1/2)", "(1/2)^2*4",
+          "x/(2x)+1/2", "(x+1)/2-x/2-1/2", "x-x", "x*(1/x)", "(1/x)/(1/x)", "(x+1)/x-1/x", "(2x+2)/(x+1)"})
+        EXPECT_EQ(form_of(text), 'n') << text;
+    for (const char* text : {"1/2+1/3", "x/(2x)", "(x+1)/2-x/2", "(3x+3)/(2x+2)", "(1/(2x))*x"})
+        EXPECT_EQ(form_of(text), 'r') << text;
+    for (const char* text : {"x/2+x/2", "x^2/x", "x+1/x-1/x"}) EXPECT_EQ(form_of(text), 'p') << text;
+    EXPECT_EQ(form_of("x/2"), 'f');
+}
+
+TEST(Quoly, TheSameObjectNeedsNoGcd) {
+    Setting setting(0, 1);
+    quoly x = value("(x^2+1)/(x-3)"), y = copy_of(x), q = nullptr;
+    alg_c_count = 7;  // the driver clears it when it begins
+    quoly_quot(x, x, &q, 0);
+    EXPECT_EQ(alg_c_count, 7);
+    EXPECT_EQ(shown_and_dropped(q), " 1");
+    q = nullptr;
+    quoly_quot(x, x, &x, 0);  // the target may be the operand
+    EXPECT_EQ(alg_c_count, 7);
+    EXPECT_EQ(shown_and_dropped(x), " 1");
+    x = copy_of(y);
+    quoly t = value("x^2-9");
+    quoly_mult(x, t, &q);
+    EXPECT_EQ(alg_c_count, 0);
+    EXPECT_EQ(shown_and_dropped(q), " x^3 + 3x^2 + x + 3");
+    q = nullptr;
+    quoly_quot(x, y, &q, 0);  // an equal value of another object
+    EXPECT_EQ(shown_and_dropped(q), " 1");
+    free_quoly(&x), free_quoly(&y), free_quoly(&t);
+}
+
+TEST(Quoly, EqualFractionsHaveEqualParts) {
+    Setting setting(0, 2);
+    const char* same[][2] = {{"-1/x", "1/(0-x)"},
+                             {"(0-1)/x", "(x-1)/(x-x^2)"},
+                             {"(x-y)/(y-2x)", "(y-x)/(2x-y)"},
+                             {"-3/(6x-3y)", "1/(y-2x)"},
+                             {"(0-x)/(0-2)", "x/2"}};
+    for (auto& [left, right] : same) {
+        quoly a = value(left), b = value(right);
+        EXPECT_TRUE(canonical(a) && canonical(b)) << left;
+        EXPECT_FALSE(neg_leading_term(a->denom)) << left;
+        EXPECT_TRUE(poly_equal(a->numer, b->numer)) << left << " " << right;
+        EXPECT_TRUE(poly_equal(a->denom, b->denom)) << left << " " << right;
+        free_quoly(&a), free_quoly(&b);
+    }
+}
+
 TEST(Quoly, SignsOfFractions) {
     Setting setting(0, 1);
     EXPECT_EQ(shows("-1/x"), " -1/x");
@@ -116,6 +179,20 @@ TEST(Quoly, ConstantDenominatorsAreDividedInModularMode) {
     EXPECT_EQ(shows("3/(0-x)"), " -3/x");
 }
 
+TEST(Quoly, NoConstantDenominatorIsKeptOfWords) {
+    for (int32_t ring : {2, 3, 7, 2147483629, 256, 65536}) {
+        Setting setting(ring, 1);
+        quoly n = value("x+1"), m = value(ring == 3 ? "2" : "3"), q = nullptr, back = nullptr;
+        quoly_quot(n, m, &q, 0);
+        EXPECT_TRUE(canonical(q) && q->denom == nullptr && !q->rat && !q->numb) << ring;
+        quoly_mult(q, m, &back);
+        EXPECT_TRUE(quoly_equal(back, n)) << ring;
+        fast_quoly_quot(&n, m, 0);
+        EXPECT_TRUE(quoly_equal(n, q) && n->denom == nullptr) << ring;
+        free_quoly(&n), free_quoly(&m), free_quoly(&q), free_quoly(&back);
+    }
+}
+
 TEST(Quoly, WordsOutsideModularModeTruncate) {
     Setting setting(0, 0);
     lintmode = 1;
@@ -141,7 +218,9 @@ TEST(Quoly, WordsOutsideModularModeTruncate) {
 TEST(Quoly, LaurentDenominatorsHaveNoMonomials) {
     Setting setting(0, 2, true);
     quoly q = value("x/x^2");
-    EXPECT_TRUE(q->denom == nullptr);
+    EXPECT_TRUE(q->denom == nullptr && !q->numb && !q->rat);
+    EXPECT_EQ(q->numer->exp, -1);
+    EXPECT_TRUE(poly_eq_1(q->numer->pcoef));
     EXPECT_EQ(shown_and_dropped(q), " x^-1");
     EXPECT_EQ(shows("1/(x + x^2)"), " x^-1/(x + 1)");
     EXPECT_EQ(shows("1/(x^-1 + 1)"), " x/(x + 1)");
@@ -232,7 +311,13 @@ TEST(Quoly, Powers) {
         EXPECT_EQ(caught.code, 85);
     }
     {
+        Setting setting(9, 1, true);
+        EXPECT_EQ(shown_and_dropped(power("0", 0)), " 1");
+        EXPECT_EQ(shown_and_dropped(power("3x", 0)), " 1");
+    }
+    {
         Setting setting(256, 0);
+        EXPECT_EQ(shown_and_dropped(power("0", 0)), " 1");
         EXPECT_EQ(shown_and_dropped(power("3", 255)), " 1");
         EXPECT_EQ(shown_and_dropped(power("3", 256)), " 3");
     }
@@ -360,6 +445,9 @@ TEST(Reduce, AWrongGcdIsRepairedAndTurnsTheFastTestsOff) {
     EXPECT_EQ(text_of_poly(a), " x - 1");
     EXPECT_EQ(text_of_poly(b), " x + 1");
     EXPECT_EQ(text_of_poly(wrong), " x + 1");
+    EXPECT_EQ(shows("(x^2-1)/(x^2+2x+1) + 1/(x^2-4)"),  // what follows is right without the test
+              " (x^3 - x^2 - 3x + 5)/(x^3 + x^2 - 4x - 4)");
+    EXPECT_FALSE(try_rat);
     a = b = nullptr;
     wrong = poly_of("x-1");  // divides n, not m
     testing::internal::CaptureStdout();
@@ -399,6 +487,13 @@ TEST(Reduce, NegativeExponentsNeverTouchTheSwitches) {
     reduce(n, m, &wrong, &a, &b);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               " *** Warning 5. A  fast probabilistic gcd algorithm is being retried.\n");
+    EXPECT_TRUE(try_rat && rat_yes);
+    free_poly(&a), free_poly(&b), free_poly(&wrong);
+    wrong = poly_of("x-1");  // divides n, not m
+    testing::internal::CaptureStdout();
+    reduce(n, m, &wrong, &a, &b);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              " *** Warning 6. A  fast probabilistic gcd algorithm is being retried.\n");
     EXPECT_TRUE(try_rat && rat_yes);
     verbose = 0;
     quoly q = nullptr, r = nullptr;
