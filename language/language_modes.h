@@ -10,7 +10,6 @@ inline int32_t statcount = 0;    // depth of user-function calls
 inline int32_t uninit = 0;       // uninitialised elements seen in this statement
 inline boolean matrix_eval = 0;
 inline boolean syst_dump = 0;  // the system array is to be displayed
-inline int32_t addresser = 1;  // array origin, 0 or 1                       writers: &a
 // Requests of the statement that has just run: leave the function, leave the loop, go on with its next turn.
 inline boolean exit_flag = 0, leave_flag = 0, cycle_flag = 0;
 

@@ -1,9 +1,11 @@
 #pragma once
-/// matrix/matrix_modes.h: switches and thresholds of determinants, inverses and characteristic polynomials.
+/// matrix/matrix_modes.h: the array origin; switches and thresholds of determinants, inverses and
+/// characteristic polynomials.
 #include "storage/types.h"
 
 #include <cstdint>
 namespace tolvex {
+inline int32_t addresser = 1;              // the first subscript of arrays, 0 or 1                writers: &a
 inline boolean chpoly_block = 1;           // slow characteristic polynomials in modular mode     writers: &B
 inline int32_t detcutoff = -1;             // rows from which minors finish; negative: defaults   writers: &D
 inline int32_t gauss_cutoff = 0;           // 1: Gauss-Bareiss                                    writers: &K

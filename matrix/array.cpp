@@ -1,0 +1,354 @@
+#include "matrix/array.h"
+
+#include "matrix/matrix_modes.h"
+#include "quoly/garbage.h"
+#include "quoly/quoly_audit.h"
+#include "quoly/quoly_basic.h"
+#include "storage/audit.h"
+#include "storage/failure.h"
+#include "storage/memory.h"
+
+#include <cstdio>
+#include <cstring>
+namespace tolvex {
+// ---- tables --------------------------------------------------------------------------------------------
+
+static inline arrptr* bucket_of(const tokentipe& name) { return &arr_store[name.address]; }
+
+int32_t fastestlookup(tokentipe& name, arrptr* p) {
+    if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
+    arrptr a = *bucket_of(name);
+    while (a != nullptr && !same_name(a->name, name)) a = a->next;
+    *p = a;
+    return a == nullptr ? -1 : array_itself(a)->start;
+}
+
+bool array_seek(tokentipe& name, arrptr* p) {
+    fastestlookup(name, p);
+    if (*p != nullptr) return true;
+    error(Err::undefined_array, tok_text(name));
+    return false;
+}
+
+void link_array(arrptr a) {
+    arrptr* bucket = bucket_of(a->name);
+    a->next = *bucket;
+    *bucket = a;
+}
+
+void unlink_array(arrptr a) {
+    arrptr* link = bucket_of(a->name);
+    while (*link != a) link = &(*link)->next;
+    *link = a->next;
+}
+
+// ---- elements ------------------------------------------------------------------------------------------
+
+int32_t position_of(const quoly* at) {
+    for (int32_t b = 0; b < numblocks; b++) {
+        const quoly* first = arp[b]->val;
+        if (at >= first && at < first + k_store_block)
+            return b * k_store_block + static_cast<int32_t>(at - first);
+    }
+    return -1;
+}
+
+quolyptr dense_slot(const arrnode* a, int32_t k) {
+    return a == syst ? &syst_stash[k] : arp_slot(a->start + k);
+}
+
+static bool out_of_range(const tokentipe& name) {
+    error(Err::index_out_of_range, tok_text(name));
+    return false;
+}
+
+bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name,
+                ElementPlace* place) {
+    r -= addresser;
+    c = two ? c - addresser : 0;
+    if (r < 0 || c < 0) return out_of_range(name);
+    if (two && r >= a->rows) return out_of_range(name);
+    if (a->spar == nullptr) {
+        // no division in the hot case; a column beyond any array is caught before it is multiplied
+        if (c >= a->sizearr || r + c * a->rows >= a->sizearr) return out_of_range(name);
+        place->k = static_cast<int32_t>(r + c * a->rows);
+        return true;
+    }
+    if (two ? c >= columns_of(a) : r >= a->sizearr) return out_of_range(name);
+    place->row = static_cast<int32_t>(two ? r : r % a->rows);
+    place->col = static_cast<int32_t>(two ? c : r / a->rows) + 1;
+    return true;
+}
+
+quolyptr place_slot(const arrnode* a, const ElementPlace& place) {
+    if (a->spar == nullptr) return dense_slot(a, place.k);
+    colm_ptrptr t = get_sparse_colm(sparse_row(a->spar, place.row), place.col);
+    return stands_at(t, place.col) ? &(*t)->val : nullptr;
+}
+
+void for_each_element(arrptr a, void (*f)(quolyptr value, void* context), void* context) {
+    if (a->spar != nullptr) {
+        change_sparse(a->spar, a->rows, f, context);
+        return;
+    }
+    for (int32_t k = 0; k < a->sizearr; k++) {
+        quolyptr slot = dense_slot(a, k);
+        if (*slot == nullptr) continue;
+        f(slot, context);
+        if (*slot == nullptr) quoly_set(0, slot);
+    }
+}
+
+// ---- creation ------------------------------------------------------------------------------------------
+
+static arrptr new_array_record(const tokentipe& let, int64_t r, int64_t c, bool liner) {
+    arrptr a = pool_pop<&arrnode::next>(arr_garb, nullptr);
+    *a = {};
+    a->name = let;
+    if (a->name.address < 0 || a->name.address >= k_variable_buckets)
+        a->name.address = hash(let.name, k_variable_buckets);
+    a->stop = -1;
+    a->rows = static_cast<int32_t>(r);
+    a->sizearr = r * c;
+    a->linear = liner;
+    a->ring = modulus;
+    return a;
+}
+
+/// True if the dimensions are legal as such.
+static bool legal_dimensions(int64_t r, int64_t c) {
+    if (r >= 1 && c >= 1 && r <= INT32_MAX && c <= INT32_MAX) return true;
+    error(Err::index_out_of_range);
+    return false;
+}
+
+/// Room for n more positions.
+static void grow_store(int32_t n) {
+    while (numblocks * k_store_block <= endarr + n) {
+        auto* block = static_cast<storerec*>(checked_malloc(sizeof(storerec)));
+        memset(static_cast<void*>(block), 0, sizeof(storerec));
+        arp[numblocks++] = block;
+    }
+}
+
+arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
+    if (!legal_dimensions(r, c)) return nullptr;
+    if (oversize(r, c)) {
+        error(Err::array_too_large);
+        return nullptr;
+    }
+    auto n = static_cast<int32_t>(r * c);
+    if (endarr + n > k_greatest_position) {
+        error(Err::array_store_full);
+        return nullptr;
+    }
+    arrptr a = new_array_record(let, r, c, liner);
+    grow_store(n);
+    a->start = endarr + 1;
+    a->stop = endarr + n;
+    endarr += n;
+    a->time = ++array_time;
+    link_array(a);
+    return a;
+}
+
+arrptr sparse_create(const tokentipe& let, int64_t r, int64_t c, bool liner, sparseptr chain) {
+    if (!legal_dimensions(r, c)) return nullptr;
+    arrptr a = new_array_record(let, r, c, liner);
+    if (chain == nullptr)
+        sparse_init(&a->spar, a->rows);
+    else
+        a->spar = chain;
+    a->time = ++array_time;
+    link_array(a);
+    return a;
+}
+
+arrptr new_alias(const tokentipe& let, arrptr of) {
+    of = array_itself(of);
+    arrptr a = new_array_record(let, of->rows, 0, of->linear);
+    a->father = of;
+    a->time = -of->time;
+    of->aliases++;
+    return a;
+}
+
+void free_alias(arrptr a) {
+    a->father->aliases--;
+    pool_push<&arrnode::next>(arr_garb, a);
+}
+
+// ---- release -------------------------------------------------------------------------------------------
+
+/// Positions first..first + n - 1, which are nil, go; the elements behind them and their arrays move down.
+static void close_hole(int32_t first, int32_t n, int32_t stamp) {
+    for (int32_t to = first, from = first + n; from <= endarr;) {
+        int32_t run = minn(minn(k_store_block - to % k_store_block, k_store_block - from % k_store_block),
+                           endarr - from + 1);
+        memmove(static_cast<void*>(arp_slot(to)), arp_slot(from), static_cast<size_t>(run) * sizeof(quoly));
+        to += run;
+        from += run;
+    }
+    for (int32_t k = endarr - n + 1; k <= endarr; k++) *arp_slot(k) = nullptr;
+    endarr -= n;
+    for (arrptr a : arr_store) {
+        for (; a != nullptr; a = a->next) {
+            if (a->time < stamp || a->spar != nullptr) continue;
+            a->start -= n;
+            a->stop -= n;
+        }
+    }
+}
+
+/// Values are given back in the shape that numbers have in their own ring.
+static void free_elements(arrptr a) {
+    boolean shape = lintmode;
+    lintmode = a->ring > 0;
+    if (a->spar != nullptr)
+        free_sparse(&a->spar, a->rows, 1);
+    else
+        for (int32_t k = 0; k < a->sizearr; k++) free_quoly(dense_slot(a, k));
+    lintmode = shape;
+}
+
+static void empty_places(arrptr a) {
+    for (int32_t i = 0; a->places > 0; i++) {
+        if (arrstash[i] != a) continue;
+        arrstash[i] = nullptr;
+        a->places--;
+    }
+}
+
+void free_array(arrptr a) {
+    CHECK(!is_alias(a) && a->aliases == 0 && a->lent == 0);
+    unlink_array(a);
+    bool dense = a->spar == nullptr;
+    free_elements(a);
+    if (dense) close_hole(a->start, static_cast<int32_t>(a->sizearr), a->time);
+    empty_places(a);
+    pool_push<&arrnode::next>(arr_garb, a);
+}
+
+void fill_sparse(arrptr a) {
+    int32_t first = a->start, n = static_cast<int32_t>(a->sizearr);
+    sparseptr chain = nullptr;
+    sparse_init(&chain, a->rows);
+    SparseWalk w = walk_sparse(chain, a->rows);
+    while (colm_ptrptr link = next_row(w)) {
+        int32_t col = 1;
+        for (int32_t k = w.row; k < n; k += a->rows, col++) {
+            quolyptr slot = arp_slot(first + k);
+            if (*slot == nullptr) continue;
+            if (quoly_iszero(*slot)) {
+                free_quoly(slot);
+                continue;
+            }
+            *link = newcolm(col, *slot, nullptr);
+            *slot = nullptr;
+            link = &(*link)->next;
+        }
+    }
+    a->spar = chain;
+    a->start = 0;
+    a->stop = -1;
+    close_hole(first, n, a->time);
+}
+
+// ---- the system array ----------------------------------------------------------------------------------
+
+arrptr clear_syst() {
+    static arrnode record;
+    if (syst == nullptr) {
+        syst_stash =
+            static_cast<workptr>(checked_malloc(static_cast<size_t>(k_greatest_array) * sizeof(quoly)));
+        record = {};
+        tok_set(record.name, "<");
+        syst = &record;
+    } else {
+        free_elements(syst);
+    }
+    syst->sizearr = 0;
+    syst->stop = -1;
+    syst->ring = modulus;
+    return syst;
+}
+
+// ---- the array of arrays -------------------------------------------------------------------------------
+
+static bool legal_place(int64_t i) {
+    if (i >= 0 && i < k_array_places) return true;
+    error(Err::array_place_range);
+    return false;
+}
+
+arrptr get_arr_arr(int64_t i) {
+    if (!legal_place(i) || arrstash == nullptr) return nullptr;
+    return arrstash[i];
+}
+
+bool set_arr_arr(int64_t i, arrptr a) {
+    if (!legal_place(i)) return false;
+    if (arrstash == nullptr) {
+        constexpr size_t bytes = k_array_places * sizeof(arrptr);
+        arrstash = static_cast<arrptr*>(checked_malloc(bytes));
+        memset(static_cast<void*>(arrstash), 0, bytes);
+    }
+    if (a != nullptr) a->places++;
+    if (arrstash[i] != nullptr) arrstash[i]->places--;
+    arrstash[i] = a;
+    return true;
+}
+
+// ---- reports and the checked build ---------------------------------------------------------------------
+
+static int64_t free_records() {
+    int64_t count = 0;
+    for (const arrnode* p = arr_garb; p != nullptr; p = pool_link<&arrnode::next>(p)) count++;
+    return count;
+}
+
+static void list_free_records() {
+    for (const arrnode* p = arr_garb; p != nullptr; p = pool_link<&arrnode::next>(p))
+        printf("%s\n", tok_text(p->name));
+}
+
+static int64_t free_work_arrays() {
+    int64_t count = 0;
+    for (int32_t i = first_available - 1; i < k_work_arrays; i++) count += workhead[i] != nullptr;
+    return count;
+}
+
+#ifdef TOLVEX_CHECKED
+/// The records of one array, counted in the shape that they have in its ring.
+static void reach_array(const arrnode* a) {
+    boolean shape = lintmode;
+    lintmode = a->ring > 0;
+    if (a->spar != nullptr)
+        audit_reach_sparse(a->spar, a->rows);
+    else
+        for (int32_t k = 0; k < a->sizearr; k++) audit_reach_quoly(*dense_slot(a, k));
+    lintmode = shape;
+}
+
+static void reach_arrays() {
+    for (const arrnode* a : arr_store) {
+        for (; a != nullptr; a = a->next) {
+            audit_reach<arrnode>();
+            if (!is_alias(a)) reach_array(a);
+        }
+    }
+    if (syst != nullptr) reach_array(syst);
+}
+#endif
+
+void init_arrays() {
+    init_sparse();
+    garbage_provide(GarbageRow::arrays, {free_records, sizeof(arrnode), list_free_records});
+    garbage_provide(GarbageRow::work_arrays,
+                    {free_work_arrays, k_greatest_array * int64_t{sizeof(quoly)}, nullptr});
+#ifdef TOLVEX_CHECKED
+    audit_pool<arrnode>("arrnode");
+    audit_roots(reach_arrays);
+#endif
+}
+}  // namespace tolvex
