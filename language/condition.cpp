@@ -1,6 +1,7 @@
 // Conditions: comparisons, not, and, or, in brackets.
 
 #include "language/evaluator.h"
+#include "language/integer_eval.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
 #include "numbers/num_compare.h"
@@ -123,6 +124,15 @@ static bool lone_value(bool truth) {
     return false;
 }
 
+static bool compare_words(FILE* inf, nameptr* flag) {
+    int32_t left = old_iexpre(inf, flag);
+    tokentipe sign;
+    Relation r = read_relation(inf, flag, &sign);
+    if (r == Relation::none) return lone_value(left == 1);
+    int32_t right = old_iexpre(inf, flag);
+    return holds(r, (left > right) - (left < right));
+}
+
 /// A comparison of two values, which stay where they live, or a value alone.
 static bool evalcond(FILE* inf, nameptr* flag) {
     Value left, right;
@@ -152,7 +162,8 @@ static bool bool_fact(FILE* inf, nameptr* flag) {
         next_token(inf, flag);
         return !bool_fact(inf, flag);
     }
-    if (!at_char('[')) return evalcond(inf, flag);
+    if (!at_char('['))
+        return integerflag && *flag != nullptr ? compare_words(inf, flag) : evalcond(inf, flag);
     next_token(inf, flag);
     bool result = bool_expre(inf, flag);
     expect(inf, flag, ']', Err::condition_bracket);

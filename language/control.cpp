@@ -1,7 +1,9 @@
 // Running stored statements: bodies, if, while, for, and the immediate control statement.
 
+#include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
+#include "language/integer_eval.h"
 #include "language/parse.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
@@ -17,22 +19,26 @@ namespace tolvex {
 
 /// A bound: a number of one digit. 0 if the error comes back.
 static bool obtain_int(FILE* inf, nameptr* flag, Err code, int32_t* value) {
-    Value v;
-    read_expression(inf, &v, flag);
-    const quolynode* q = value_of(&v);
-    *value = k_max_digit + 1;
-    if (q->numb && (lintmode || q->ncoef->size == 1))
-        *value = lintmode ? q->ncoef->lint : q->ncoef->head->value;
-    release(&v);
+    if (integerflag && *flag != nullptr) {
+        *value = old_iexpre(inf, flag);
+    } else {
+        Value v;
+        read_expression(inf, &v, flag);
+        const quolynode* q = value_of(&v);
+        *value = k_max_digit + 1;
+        if (q->numb && (lintmode || q->ncoef->size == 1))
+            *value = lintmode ? q->ncoef->lint : q->ncoef->head->value;
+        release(&v);
+    }
     if (*value <= k_max_digit && *value >= -k_max_digit) return true;
     error(code);
     return false;
 }
 
 /// The variable of a loop, in place if it holds a number already.
-static void write_loop_variable(tokentipe& name, int64_t value) {
+static void write_loop_variable(LoopName& name, int64_t value) {
     int32_t word = modularmode ? residue_of_int(value) : static_cast<int32_t>(value);
-    varptr p = find_var(name);
+    varptr p = name.node != nullptr ? var_at(name.node) : find_var(name.let);
     if (p != nullptr && p->val != nullptr && p->val->numb) {
         own_value(&p->val);
         setvalue(word, p->val->ncoef);
@@ -41,7 +47,7 @@ static void write_loop_variable(tokentipe& name, int64_t value) {
     }
     quoly v = nullptr;
     quoly_set(word, &v);
-    insert_var(name, v, &p);
+    insert_var(name.let, v, &p);
 }
 
 static bool header_error(Err code) {
@@ -51,7 +57,7 @@ static bool header_error(Err code) {
 
 /// The name and the sign behind it.
 static bool read_loop_variable(FILE* inf, nameptr* flag, LoopHeader* h) {
-    h->name = token;
+    h->name = {token, *flag};
     if (!is_lower(tok_char(token))) return header_error(Err::loop_variable);
     if (number_polys > 0 && its_a_polyname(token) != 0) return header_error(Err::polyvar_as_name);
     next_token(inf, flag);
@@ -99,10 +105,10 @@ LoopTurns turns_of(const LoopHeader& h) {
     return {h.first, h.last, h.step, 1};
 }
 
-void next_turn(LoopTurns& t, tokentipe& name) {
+void next_turn(LoopTurns& t, LoopName& name) {
     t.index += t.step;
     if (t.index > k_max_digit) {
-        error(Err::loop_index_range, tok_text(name));
+        error(Err::loop_index_range, tok_text(name.let));
         t.index = t.last + 1;
         return;
     }
@@ -161,11 +167,43 @@ static void run_while(FILE* inf, condexptr p, quolyptr n) {
     }
 }
 
+/// A statement in integer mode. Output, arrays and names in I are as everywhere; names in A, C and M begin no
+/// assignment.
+static void run_in_words(FILE* inf, quolyptr n, nameptr* cursor) {
+    int32_t word = 0;
+    switch (tok_char(token)) {
+    case '!':
+    case '"':
+    case '[':
+    case '~':
+    case 'I':
+        run_statement(inf, n, cursor);
+        return;
+    case 'A':
+    case 'C':
+    case 'M':
+        word = old_iexpre(inf, cursor);
+        break;
+    default:
+        if (!iexpre(inf, cursor, &word)) return;
+    }
+    value_of_word(word, n);
+}
+
 static void run_simple(FILE* inf, condexptr p, quolyptr n) {
     note_place(startexpr, p->expr);
     nameptr cursor;
     start_list(p->expr, &cursor);
-    run_statement(inf, n, &cursor);
+    if (tok_is(token, "Compile")) {
+        compile(inf, n, p, &cursor);
+    } else if (tok_is(token, "Integer")) {
+        integerflag = 1;
+        next_token(inf, &cursor);
+    } else if (integerflag) {
+        run_in_words(inf, n, &cursor);
+    } else {
+        run_statement(inf, n, &cursor);
+    }
     if (tok_is(token, k_end_token) || at_char(';') || at_char('@')) return;
     error(Err::statement_end);
     set_zero(n);
@@ -307,6 +345,8 @@ void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag) 
     sweep_typed_statements();
     run_typed(inf, n);
 }
+
+const condnode* last_control_statement() { return typed_statements != nullptr ? typed_statements->p : nullptr; }
 
 void run_sys_func(FILE* inf, quolyptr n, nameptr* flag) {
     if (*flag != nullptr || typed_statements == nullptr) {

@@ -1,5 +1,7 @@
 #include "language/expre.h"
 
+#include "language/compile.h"
+#include "language/array_elements.h"
 #include "language/evaluator.h"
 #include "language/stack_bound.h"
 #include "language/symbols.h"
@@ -365,19 +367,46 @@ static int32_t read_step(FILE* inf, nameptr* flag) {
     return step;
 }
 
-/// The location of the variable, created with the value 0 if it has gone meanwhile.
-static quolyptr target_again(tokentipe& name) {
-    varptr p = find_var(name);
+namespace {
+/// What stands in front of a ":": a name, and the node where it stands in a stored list, or an element.
+struct Target {
+    tokentipe name;
+    nameptr node;
+    bool is_element;
+    ElementTarget element;
+};
+}  // namespace
+
+static varptr find_target(Target& t) { return t.node != nullptr ? var_at(t.node) : find_var(t.name); }
+
+/// The variable takes the value; it is created if it has gone meanwhile.
+static varptr store_in_target(Target& t, quoly value) {
+    varptr p = find_target(t);
+    if (p == nullptr) {
+        insert_var(t.name, value, &p);
+        return p;
+    }
+    free_value(&p->val);
+    if (value->numb) value->arr_arg = 0;
+    p->val = value;
+    return p;
+}
+
+/// The location of the target; a variable is created with the value 0 if it has gone meanwhile, for an array that
+/// has gone the answer is nil.
+static quolyptr target_again(Target& t) {
+    if (t.is_element) return location_to_change(t.element);
+    varptr p = find_target(t);
     if (p == nullptr || p->val == nullptr) {
         quoly zero = nullptr;
         quoly_set(0, &zero);
-        insert_var(name, zero, &p);
+        p = store_in_target(t, zero);
     }
     return &p->val;
 }
 
 /// The variable's value, held where it lives, plus the word step becomes its new value.
-static void add_to_variable(quolyptr target, int32_t step, tokentipe& name) {
+static void add_to_variable(quolyptr target, int32_t step, Target& name) {
     Value v;
     v.own = nullptr;
     v.hold = {target, &v.own, nullptr};
@@ -390,12 +419,16 @@ static void add_to_variable(quolyptr target, int32_t step, tokentipe& name) {
     let_go(&v);
     release(&v);
     target = target_again(name);
+    if (target == nullptr) {
+        free_quoly(&sum);
+        return;
+    }
     free_value(target);
     *target = sum;
 }
 
 /// A polynomial target: its constant term is changed where it stands; one that comes or goes is added.
-static bool do_poly(quolyptr target, int32_t step, tokentipe& name, int32_t* shown) {
+static bool do_poly(quolyptr target, int32_t step, Target& name, int32_t* shown) {
     imptr constant = constant_term((*target)->numer);
     if (constant != nullptr) {
         if (!add_to_im(constant, step)) return false;
@@ -409,16 +442,18 @@ static bool do_poly(quolyptr target, int32_t step, tokentipe& name, int32_t* sho
     return true;
 }
 
-static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr* flag) {
+static void increment(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* flag) {
     bool minus = at_char('-');
     next_token(inf, flag);
     int32_t step = read_step(inf, flag);
     if (minus) step = static_cast<int32_t>(0u - static_cast<uint32_t>(step));
     quolyptr target = target_again(name);
-    own_value(target);
     int32_t shown = 0;
-    bool done = false;
-    if ((*target)->numb) {
+    bool done = target == nullptr;
+    if (!done) own_value(target);
+    if (done) {
+        // the error has been raised
+    } else if ((*target)->numb) {
         done = add_to_im((*target)->ncoef, step);
         shown = low_word((*target)->ncoef);
     } else if ((*target)->denom != nullptr) {
@@ -427,30 +462,35 @@ static void increment(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, name
     } else {
         done = do_poly(target, step, name, &shown);
     }
+    if (name.is_element) purge_element(name.element);
     if (!done) error(Err::increment_range);
     quoly_set(0, n);
     if (*flag == nullptr) setvalue(shown, (*n)->ncoef);  // as an assignment it has the value 0 in a body
     *qp = n;
 }
 
-static void assign(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr* flag) {
+static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* flag) {
     next_token(inf, flag);
     old_expre(inf, n, flag);
-    varptr p = nullptr;
-    insert_var(name, *n, &p);
+    *qp = n;
+    quoly value = *n;
     *n = nullptr;
     if (*flag == nullptr)
-        quoly_assign(p->val, n);  // for display
+        quoly_assign(value, n);  // for display
     else
         quoly_set(0, n);  // the statements of a body need no copies
-    *qp = n;
+    if (name.is_element)
+        store_element(name.element, &value);
+    else
+        store_in_target(name, value);
 }
 
 /// What follows the ":" after the single term at *qp, which is a variable of that name if *n is nil.
-[[gnu::noinline]] static void after_colon(FILE* inf, quolyptr* qp, quolyptr n, tokentipe name,
-                                          nameptr* flag) {
+[[gnu::noinline]] static void after_colon(FILE* inf, quolyptr* qp, quolyptr n, Target name, nameptr* flag) {
     next_token(inf, flag);
-    bool assignable = *n == nullptr && *qp != n && is_lower(tok_char(name));
+    name.is_element = *n == nullptr && *qp == element_read.at;
+    if (name.is_element) name.element = element_read.target;
+    bool assignable = name.is_element || (*n == nullptr && *qp != n && is_lower(tok_char(name.name)));
     if (at_char('=') || at_char('+') || at_char('-')) {
         if (!assignable)
             error(Err::assignment_left_value);
@@ -467,7 +507,7 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, tokentipe& name, nameptr
 }
 
 void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
-    tokentipe name = token;
+    Target name = {token, *flag, false, {}};
     term(inf, qp, n, aux, colpos, flag);
     if (at_char(':'))
         after_colon(inf, qp, n, name, flag);

@@ -1,3 +1,5 @@
+#include "language/compile.h"
+#include "language/array_elements.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/locations.h"
@@ -70,7 +72,19 @@ void name_of_other_ring(Reader& r, tokentipe& name) {
     r.at = r.n;
 }
 
+/// A name that Compile has bound.
+bool read_bound_name(Reader& r, varptr p) {
+    tokentipe name = token;
+    next_token(r.inf, r.flag);
+    r.at = &p->val;
+    if (stands_in_other_ring(r.at)) name_of_other_ring(r, name);
+    return true;
+}
+
 bool read_name(Reader& r) {
+    const namenode* node = *r.flag;
+    if (node != nullptr && node->compiled && node->bound->var != nullptr)
+        return read_bound_name(r, node->bound->var);
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
         polynomial_variable(r, level);
@@ -83,7 +97,7 @@ bool read_name(Reader& r) {
         return true;
     }
     if (at_char('[')) {
-        error(Err::undefined_array, tok_text(name));
+        new_arretrieve(r.inf, name, r.flag, &r.at, r.n);
         return true;
     }
     retrieve(name, &r.at, r.n, r.inf, r.flag);
@@ -207,7 +221,7 @@ bool read_statement(Reader& r) {
 bool read_previous(Reader& r) {
     next_token(r.inf, r.flag);
     if (at_char('['))
-        error(Err::system_array_undefined);
+        system_element(r.inf, r.flag, &r.at, r.n);
     else if (tok_is(token, "F"))
         run_sys_func(r.inf, r.n, r.flag);
     else if (prevnum != nullptr)
@@ -215,8 +229,8 @@ bool read_previous(Reader& r) {
     return true;
 }
 
-bool read_array_of_arrays(Reader&) {
-    error(Err::array_of_arrays_empty);
+bool read_array_of_arrays(Reader& r) {
+    element_of_place(r.inf, r.flag, &r.at, r.n);
     return true;
 }
 

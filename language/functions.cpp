@@ -1,6 +1,7 @@
 #include "language/functions.h"
 
 #include "language/builtin_table.h"
+#include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/parse.h"
 #include "language/stack_bound.h"
@@ -28,6 +29,7 @@ static void free_function(funcptr* f) {
         gone->pars = p->next;
         pool_push<&paramnode::next>(param_garb, p);
     }
+    free_bindings(&gone->bindings);
     free_form(&gone->rht);
     pool_push<&funcnode::next>(func_garb, gone);
 }
@@ -144,7 +146,7 @@ void funcdef(FILE* inf, nameptr* flag) {
     current_func = token;
     last_attached = nullptr;
     funcptr f = pool_pop<&funcnode::next>(func_garb, nullptr);
-    *f = {token, nullptr, 0, nullptr, nullptr};
+    *f = {token, nullptr, 0, nullptr, nullptr, nullptr, 0, 0, nullptr};
     f->name.address = hash(token.name, k_function_buckets);
     BodyReader r = {inf, flag, false, false, false, {}};
     enter_definition();
@@ -239,7 +241,7 @@ static void bind(Call& c, const paramnode* p, bool given) {
     if (value->numb) value->arr_arg = 0;
     varptr v = pool_pop<&varnode::next>(var_garb, nullptr);
     v->let = p->let;
-    v->qp = nullptr;
+    v->bound = v->own = nullptr;
     v->val = value;
     v->next = nullptr;
     *c.link = v;
@@ -336,6 +338,8 @@ static const paramnode* remove_args(CallFrame* frame) {
     for (const paramnode* p = frame->f->pars; p != nullptr; p = p->next, place++) {
         if (p->result && tok_char(frame->targets[place]) != 0 && !give_back(frame->targets[place], &v->val))
             lost = p;
+        if (v->own != nullptr) end_parameter_binding(v);
+        if (v->bound != nullptr) unbind(v);
         free_value(&v->val);
         varptr gone = v;
         v = v->next;
@@ -431,6 +435,7 @@ static void reach_functions() {
             audit_reach<funcnode>();
             for (const paramnode* p = f->pars; p != nullptr; p = p->next) audit_reach<paramnode>();
             audit_reach_form(f->rht);
+            audit_reach_bindings(f->bindings);
         }
     }
 }
@@ -441,6 +446,7 @@ void init_functions() {
 #ifdef TOLVEX_CHECKED
     audit_pool<funcnode>("funcnode");
     audit_pool<paramnode>("paramnode");
+    audit_pool<binding>("binding");
     audit_roots(reach_functions);
 #endif
 }

@@ -104,6 +104,8 @@ void eval_form(FILE* inf, formptr f, quolyptr n);
 void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag);
 /// `<F`, the "F" being the current token.
 void run_sys_func(FILE* inf, quolyptr n, nameptr* flag);
+/// The last control statement that was typed, nil: there is none.
+const condnode* last_control_statement();
 /// After a jump to level 1 no stored statement runs any more.
 void forget_running_statements();
 /// Makes pools and roots known to the audit.
@@ -120,8 +122,12 @@ inline void start_list(nameptr list, nameptr* cursor) {
     currentchar = list->next;
 }
 /// The header of a loop or a sum: name, first, last and step, all fitting one digit.
+struct LoopName {
+    tokentipe let;
+    nameptr node;  // where it stands in a stored list
+};
 struct LoopHeader {
-    tokentipe name;
+    LoopName name;
     int32_t first, last, step;
 };
 /// Reads a header from the variable on; the variable has its first value afterwards. False if an error has
@@ -134,7 +140,7 @@ struct LoopTurns {
 };
 LoopTurns turns_of(const LoopHeader& h);
 /// Goes on to the next turn and writes the variable.
-void next_turn(LoopTurns& t, tokentipe& name);
+void next_turn(LoopTurns& t, LoopName& name);
 
 /// Where a stored statement or a definition under way stands, and what has been asked of the ones around it.
 struct StoredPlace {

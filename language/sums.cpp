@@ -1,6 +1,7 @@
 // Sums and products over ranges: Sigma<i = a, b>[e], Prod<i = a, b>[e], with any number of headers.
 
 #include "language/builtin_table.h"
+#include "language/integer_words.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
 #include "language/tokens/token_list.h"
@@ -102,6 +103,7 @@ static bool copy_construct(Copy& c) {
 namespace {
 struct RangeSum {
     bool product;
+    bool words;  // integer mode
     FILE* inf;
     nameptr* flag;
 };
@@ -126,8 +128,19 @@ static void skip_rest(RangeSum& s) {
     skip_body(s);
 }
 
+/// In integer mode sums and products wrap as all words do.
+static void accumulate_words(const RangeSum& s, quolyptr n, quolyptr value) {
+    int32_t sum = 0, turn = 0;
+    word_of_value(*n, &sum);
+    word_of_value(*value, &turn);
+    value_of_word(s.product ? word_product(sum, turn) : word_sum(sum, turn), n);
+    free_quoly(value);
+}
+
 static void accumulate(const RangeSum& s, quolyptr n, quolyptr value) {
-    if (s.product) {
+    if (s.words) {
+        accumulate_words(s, n, value);
+    } else if (s.product) {
         fast_quoly_mult(n, *value);
         free_quoly(value);
     } else {
@@ -153,7 +166,10 @@ static bool one_turn(RangeSum& s, quolyptr value) {
     next_token(s.inf, s.flag);
     boolean saved = eval_state.bar_closes;
     eval_state.bar_closes = 0;
-    old_expre(s.inf, value, s.flag);
+    if (s.words)
+        value_of_word(old_iexpre(s.inf, s.flag), value);
+    else
+        old_expre(s.inf, value, s.flag);
     eval_state.bar_closes = saved;
     if (at_char(closing)) return true;
     error(Err::sum_body_not_closed);
@@ -211,7 +227,7 @@ void builtin_Sum(BuiltinCall& call) {
         quoly_set(0, call.n);
         return;
     }
-    RangeSum s = {call.id == k_product_id, call.inf, call.flag};
+    RangeSum s = {call.id == k_product_id, integerflag && *call.flag != nullptr, call.inf, call.flag};
     if (*call.flag != nullptr) {
         sum_mult_up(s, call.n);
     } else {

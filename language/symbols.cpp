@@ -1,10 +1,14 @@
 #include "language/symbols.h"
 
+#include "language/array_values.h"
 #include "language/builtin_table.h"
+#include "language/compile.h"
+#include "language/evaluator.h"
 #include "language/language_modes.h"
 #include "language/other_rings.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
+#include "language/tokens/look_ahead.h"
 #include "quoly/quoly_audit.h"
 #include "quoly/quoly_basic.h"
 #include "storage/audit.h"
@@ -24,15 +28,26 @@ static varptr* link_of(tokentipe& name) {
 
 varptr find_var(tokentipe& name) { return *link_of(name); }
 
-void retrieve(tokentipe& name, quolyptr* qp, quolyptr, FILE*, nameptr*) {
+static bool is_array_parameter(const varnode* p) {
+    return p != nullptr && p->val != nullptr && p->val->numb && p->val->arr_arg;
+}
+
+void retrieve(tokentipe& name, quolyptr* qp, quolyptr n, FILE* inf, nameptr* flag) {
     varptr p = find_var(name);
     *qp = p == nullptr ? nullptr : &p->val;
+    if (!is_array_parameter(p) || (at_char(':') && sign_follows(inf, flag, '='))) return;
+    printf("Warning. %s is an array parameter used as a scalar.\n  Value 0 used for %s.\n", tok_text(name),
+           tok_text(name));
+    quoly_set(0, n);
+    *qp = n;
 }
 
 void spec_retrieve(tokentipe& name, quolyptr n, quolyptr* qp) {
     *qp = n;
     varptr p = find_var(name);
     if (p == nullptr) error(Err::undefined_variable, tok_text(name));
+    if (is_array_parameter(p))
+        printf("Warning. %s is an array parameter.\n  Value 0 used for %s.\n", tok_text(name), tok_text(name));
     if (p == nullptr || p->val == nullptr)
         quoly_set(0, n);
     else
@@ -48,7 +63,7 @@ void insert_var(tokentipe& name, quoly value, varptr* p) {
         varptr* bucket = bucket_of(name);
         *p = pool_pop<&varnode::next>(var_garb, nullptr);
         (*p)->let = name;
-        (*p)->qp = nullptr;
+        (*p)->bound = (*p)->own = nullptr;
         (*p)->next = *bucket;
         *bucket = *p;
     }
@@ -61,6 +76,7 @@ bool delete_var(tokentipe& name) {
     varptr p = *link;
     if (p == nullptr) return false;
     *link = p->next;
+    if (p->bound != nullptr) unbind(p);
     free_value(&p->val);
     pool_push<&varnode::next>(var_garb, p);
     return true;
@@ -79,8 +95,17 @@ static bool bequeath(quolyptr loc) {
     return true;
 }
 
+/// Operands of array expressions may share the value: it is kept aside. Who holds the location gets a copy.
+static void leave_to_borrowers(quolyptr loc) {
+    quoly copy = nullptr;
+    if (eval_state.held != nullptr) quoly_assign(*loc, &copy);
+    bury(loc);
+    *loc = copy;
+}
+
 void free_value(quolyptr loc) {
     if (away_list != nullptr) drop_away(loc);
+    if (borrowed_operands > 0 && *loc != nullptr) leave_to_borrowers(loc);
     if (eval_state.held != nullptr && *loc != nullptr && bequeath(loc))
         *loc = nullptr;
     else
@@ -88,18 +113,30 @@ void free_value(quolyptr loc) {
 }
 
 void own_value(quolyptr loc) {
-    if (eval_state.held == nullptr || *loc == nullptr) return;
+    if (*loc == nullptr) return;
+    if (borrowed_operands > 0) {
+        quoly copy = nullptr;
+        quoly_assign(*loc, &copy);
+        bury(loc);
+        *loc = copy;
+    }
+    if (eval_state.held == nullptr) return;
     quoly old = *loc;
     if (!bequeath(loc)) return;
     *loc = nullptr;
     quoly_assign(old, loc);
 }
 
-void for_each_value(void (*f)(quolyptr value, void* context), void* context) {
+void for_each_scalar(void (*f)(quolyptr value, void* context), void* context) {
     for (varptr bucket : sca_store)
         for (varptr p = bucket; p != nullptr; p = p->next)
             if (p->val != nullptr) f(&p->val, context);
     if (prevnum != nullptr) f(&prevnum, context);
+}
+
+void for_each_value(void (*f)(quolyptr value, void* context), void* context) {
+    for_each_scalar(f, context);
+    for_each_array_value(f, context);
 }
 
 #ifdef TOLVEX_CHECKED
@@ -126,6 +163,7 @@ void init_symbols() {
     audit_pool<varnode>("varnode");
     audit_roots(reach_values);
 #endif
+    init_arrays();
     init_statements();
 }
 }  // namespace tolvex

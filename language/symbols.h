@@ -15,8 +15,10 @@ using varptr = varnode*;
 struct varnode {
     tokentipe let;
     varptr next;
-    quolyptr qp;  // by-reference parameter: the caller's location
     quoly val;
+    binding* bound;  // the compiled names that lead here (language/compile.h)
+    binding* own;    // a compiled parameter: its binding
+    varptr outer;    // and what that led to before the call
 };
 inline varptr var_garb = nullptr;
 inline varptr sca_store[k_variable_buckets] = {};
@@ -39,9 +41,10 @@ void own_value(quolyptr loc);
 varptr find_var(tokentipe& name);
 /// Unlinks the variable and gives it back with its value; false if there is none.
 bool delete_var(tokentipe& name);
-/// Calls f for the location of every stored value (variables, previous value): for changes of ring and of
-/// variables.
+/// Calls f for the location of every stored value of the ring in force (variables, elements of arrays, previous
+/// value): for changes of variables. The second: not for arrays.
 void for_each_value(void (*f)(quolyptr value, void* context), void* context);
+void for_each_scalar(void (*f)(quolyptr value, void* context), void* context);
 /// The table is emptied, the bound of the process stack is found; pools and roots are made known to the
 /// audit.
 void init_symbols();

@@ -1,0 +1,232 @@
+// The statement Compile: names of a body are bound to their variables.
+
+#include "language/compile.h"
+
+#include "language/evaluator.h"
+#include "language/functions.h"
+#include "poly/poly_vars.h"
+#include "storage/audit.h"
+namespace tolvex {
+static constexpr int32_t k_most_bindings = 100;
+
+// ---- bindings and variables ----------------------------------------------------------------------------
+
+/// The variable goes on the list of nobody any more.
+static void unchain(binding* b) {
+    if (b->var == nullptr) return;
+    for (binding** link = &b->var->bound; *link != nullptr; link = &(*link)->same) {
+        if (*link != b) continue;
+        *link = b->same;
+        break;
+    }
+    b->var = nullptr;
+}
+
+void unbind(varptr v) {
+    for (binding* b = v->bound; b != nullptr; b = b->same) b->var = nullptr;
+    v->bound = nullptr;
+}
+
+void end_parameter_binding(varptr v) {
+    v->own->var = v->outer;
+    v->own = nullptr;
+}
+
+void free_bindings(binding** first) {
+    while (*first != nullptr) {
+        binding* gone = *first;
+        *first = gone->next;
+        if (!gone->parameter) unchain(gone);
+        pool_push<&binding::next>(binding_garb, gone);
+    }
+}
+
+// ---- the table of one statement ------------------------------------------------------------------------
+
+namespace {
+/// The names that a statement Compile binds, sorted by their keys; and where it reads.
+struct Compilation {
+    FILE* inf;
+    nameptr* flag;
+    binding* names[k_most_bindings];
+    int32_t count;
+};
+}  // namespace
+
+static int compare_keys(const tokentipe& a, const tokentipe& b) { return strcmp(tok_text(a), tok_text(b)); }
+
+/// The place of the key: the first binding that is not before it.
+static int32_t place_of(const Compilation& c, const tokentipe& key) {
+    int32_t low = 0, high = c.count;
+    while (low < high) {
+        int32_t middle = (low + high) / 2;
+        if (compare_keys(c.names[middle]->key, key) < 0)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
+static binding* find_key(const Compilation& c, const tokentipe& key) {
+    int32_t place = place_of(c, key);
+    return place < c.count && compare_keys(c.names[place]->key, key) == 0 ? c.names[place] : nullptr;
+}
+
+static bool compile_error(Err code, const tokentipe& name) {
+    error(code, tok_text(name));
+    return false;
+}
+
+static bool enter(Compilation& c, const tokentipe& key, varptr var, bool parameter) {
+    if (c.count == k_most_bindings) return compile_error(Err::compile_too_many, key);
+    int32_t place = place_of(c, key);
+    if (place < c.count && compare_keys(c.names[place]->key, key) == 0)
+        return compile_error(Err::compile_twice, key);
+    auto* b = pool_pop<&binding::next>(binding_garb, nullptr);
+    *b = {key, var, parameter, nullptr, nullptr};
+    memmove(&c.names[place + 1], &c.names[place], sizeof(binding*) * static_cast<size_t>(c.count - place));
+    c.names[place] = b;
+    c.count++;
+    return true;
+}
+
+static void drop(Compilation& c) {
+    for (int32_t i = 0; i < c.count; i++) pool_push<&binding::next>(binding_garb, c.names[i]);
+    c.count = 0;
+}
+
+// ---- reading the statement -----------------------------------------------------------------------------
+
+static bool enter_parameters(Compilation& c, const funcnode* f) {
+    for (const paramnode* p = f->pars; p != nullptr; p = p->next)
+        if (!enter(c, p->let, nullptr, true)) return false;
+    return true;
+}
+
+/// One item of the list: a scalar that exists.
+static bool read_item(Compilation& c) {
+    tokentipe name = token;
+    bool array = at_char('[');
+    if (array) {
+        next_token(c.inf, c.flag);
+        return compile_error(Err::undefined_array, token);
+    }
+    if (!is_lower(tok_char(name)) || its_a_polyname(name) != 0) return compile_error(Err::compile_item, name);
+    next_token(c.inf, c.flag);
+    if (at_char('[')) return compile_error(Err::undefined_array, name);
+    varptr p = find_var(name);
+    if (p == nullptr) return compile_error(Err::undefined_variable, name);
+    return enter(c, name, p, false);
+}
+
+/// (item, item, ...)
+static bool read_items(Compilation& c) {
+    do {
+        next_token(c.inf, c.flag);
+        if (!read_item(c)) return false;
+    } while (at_char(','));
+    if (!at_char(')')) return compile_error(Err::compile_list, token);
+    next_token(c.inf, c.flag);
+    return true;
+}
+
+// ---- marking the body ----------------------------------------------------------------------------------
+
+/// Binds the nodes of a list whose text is a key. Characters between quotes name nothing.
+static void do_tok_list(const Compilation& c, nameptr p) {
+    bool quoted = false;
+    for (; p != nullptr; p = p->next) {
+        if (tok_is(p->let, "'")) quoted = !quoted;
+        if (quoted || !is_lower(tok_char(p->let))) continue;
+        if (p->next != nullptr && tok_is(p->next->let, "[")) continue;  // an array of that name
+        binding* b = find_key(c, p->let);
+        if (b == nullptr) continue;
+        p->compiled = 1;
+        p->tipe = one;
+        p->bound = b;
+    }
+}
+
+static void do_form(const Compilation& c, const formnode* f) {
+    for (; f != nullptr; f = f->next) {
+        do_tok_list(c, f->cptr->cond);
+        do_tok_list(c, f->cptr->expr);
+        do_form(c, f->cptr->form1);
+        do_form(c, f->cptr->form2);
+    }
+}
+
+/// The bindings become those of the function; variables learn which lead to them.
+static void install(Compilation& c, funcptr f) {
+    for (int32_t i = c.count - 1; i >= 0; i--) {
+        binding* b = c.names[i];
+        b->next = f->bindings;
+        f->bindings = b;
+        if (b->var == nullptr) continue;
+        b->same = b->var->bound;
+        b->var->bound = b;
+    }
+}
+
+/// The first run: the list is read, the statements behind this one are bound.
+static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
+    Compilation c = {inf, flag, {}, 0};
+    next_token(inf, flag);
+    boolean parameters = !at_char('*');
+    if (!parameters) next_token(inf, flag);
+    bool good = !parameters || enter_parameters(c, f);
+    if (good && at_char('(')) good = read_items(c);
+    const formnode* here = f->rht;
+    while (here != nullptr && here->cptr != p) here = here->next;
+    if (good && here == nullptr) good = compile_error(Err::compile_not_in_body, token);
+    if (!good) {
+        drop(c);
+        return false;
+    }
+    f->do_params = parameters;
+    f->comp = here->next;
+    f->compiled = 1;
+    install(c, f);
+    do_form(c, f->comp);
+    return true;
+}
+
+// ---- running -------------------------------------------------------------------------------------------
+
+/// The parameters of the running call are bound; what the bindings led to is kept for its end.
+static void bind_parameters(const funcnode* f) {
+    for (binding* b = f->bindings; b != nullptr; b = b->next) {
+        if (!b->parameter) continue;
+        varptr v = find_var(b->key);
+        if (v == nullptr || v->own != nullptr) continue;
+        v->own = b;
+        v->outer = b->var;
+        b->var = v;
+    }
+}
+
+void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
+    if (call_frames == nullptr) {
+        error(Err::compile_outside, "Compile");
+        set_zero(n);
+        return;
+    }
+    funcptr f = call_frames->f;
+    if (!f->compiled && !first_run(inf, f, p, flag)) {
+        set_zero(n);
+        return;
+    }
+    if (f->do_params) bind_parameters(f);
+    eval_form(inf, f->comp, n);
+    if (*n == nullptr) quoly_set(0, n);
+    if (!leave_flag && !cycle_flag) exit_flag = 1;  // the rest of the body has been run
+    tok_set(token, k_end_token);
+}
+
+#ifdef TOLVEX_CHECKED
+void audit_reach_bindings(const binding* b) {
+    for (; b != nullptr; b = b->next) audit_reach<binding>();
+}
+#endif
+}  // namespace tolvex
