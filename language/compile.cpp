@@ -177,6 +177,7 @@ static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
     if (!parameters) next_token(inf, flag);
     bool good = !parameters || enter_parameters(c, f);
     if (good && at_char('(')) good = read_items(c);
+    if (good && !tok_is(token, k_end_token)) good = compile_error(Err::statement_end, token);
     const formnode* here = f->rht;
     while (here != nullptr && here->cptr != p) here = here->next;
     if (good && here == nullptr) good = compile_error(Err::compile_not_in_body, token);
