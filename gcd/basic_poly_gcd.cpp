@@ -1,0 +1,103 @@
+#include "gcd/emgcd.h"
+#include "gcd/engines.h"
+#include "poly/dense_gcd.h"
+#include "poly/div_field.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_monic.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "storage/interrupt.h"
+#include "storage/scratch.h"
+namespace tolvex {
+// Sum of degrees from which the half-gcd is taken where arrays are out of reach.
+static constexpr int32_t k_half_gcd_degrees = 20;
+
+static poly power_of_variable(int32_t e) {
+    poly leaf = nullptr;
+    poly_set(1, &leaf);
+    if (e == 0) return leaf;
+    poly p;
+    new_term(&p, e, leaf);
+    return p;
+}
+
+void monomial2(poly u, poly v, polyptrr p) {
+    poly g = power_of_variable(minn(u->exp, lastnode(v)->exp));
+    free_poly(p);
+    *p = g;
+}
+
+void fastest_poly_gcd(poly n, poly m, polyptrr p, boolean, polypt pt) {
+    if (n->exp >= fast_gcd_size) {
+        emgcd_poly(n, m, p, pt, 1);
+        return;
+    }
+    ScratchMark mark = scratch_mark();
+    auto* x = scratch_array<int32_t>(int64_t{n->exp} + 1);
+    auto* y = scratch_array<int32_t>(int64_t{m->exp} + 1);
+    fill_poly_array(n, x);
+    fill_poly_array(m, y);
+    int32_t *g, degree;
+    poly result = nullptr;
+    if (dense_gcd(x, n->exp, y, m->exp, &g, &degree))
+        array_to_poly(g, degree, &result);
+    else
+        poly_set(1, &result);
+    scratch_release(mark);
+    free_poly(p);
+    *p = result;
+}
+
+// Euclid's algorithm on lists. n and m are the caller's; every remainder is private.
+static poly classical_gcd(poly n, poly m) {
+    int32_t steps = 0;
+    for (;;) {
+        poll_interrupt();
+        poly r = nullptr;
+        poly_div_no_q(n, m, &r);
+        if (steps > 1) free_poly(&n);
+        steps++;
+        n = m;
+        m = r;
+        if (!is_number(r)) continue;
+        poly g = nullptr;
+        if (!poly_iszero(r)) {
+            poly_set(1, &g);
+            if (steps > 1) free_poly(&n);
+        } else if (steps > 1) {
+            g = n;
+        } else {
+            poly_assign(n, &g);
+        }
+        free_poly(&r);
+        return g;
+    }
+}
+
+void basic_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt) {
+    if (is_number(n) || is_number(m)) tolvex_error(" number in basic_poly_gcd ");
+    if (n->exp < m->exp) {
+        poly t = n;
+        n = m;
+        m = t;
+    }
+    if (n->next == nullptr) {
+        monomial2(n, m, p);
+        return;
+    }
+    if (m->next == nullptr) {
+        monomial2(m, n, p);
+        return;
+    }
+    if (n->exp < fast_gcd_size) {
+        fastest_poly_gcd(n, m, p, need_monic, pt);
+    } else if (int64_t{n->exp} + m->exp >= k_half_gcd_degrees) {
+        emgcd_poly(n, m, p, pt, 1);
+    } else {
+        poly g = classical_gcd(n, m);
+        free_poly(p);
+        *p = g;
+    }
+    if (need_monic && !is_number(*p)) monic_poly(p);
+}
+}  // namespace tolvex
