@@ -48,8 +48,28 @@ void take_value(Value* v, quolyptr n) {
         *n = v->own;
         v->own = nullptr;
     } else {
-        quoly_assign(value_of(v), n);
+        copy_value(v->hold.at, n);
+        release(v);
     }
+}
+
+void copy_value(quolyptr at, quolyptr n) {
+    const quolynode* q = *at;
+    if (q == *n) return;
+    if (q->numb && (lintmode || q->ncoef->size == 1)) {
+        quoly_assign(q, n);
+        return;
+    }
+    Value source;
+    source.own = nullptr;
+    source.hold = {at, &source.own, nullptr};
+    hold(&source);
+    quoly copy = nullptr;
+    quoly_assign_polled(value_of(&source), &copy);
+    let_go(&source);
+    release(&source);
+    free_quoly(n);
+    *n = copy;
 }
 
 // ---- products ------------------------------------------------------------------------------------------
@@ -253,7 +273,7 @@ static void rest_of_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
 /// *n := a copy of *qp unless the value is there already.
 static void own_result(quolyptr qp, quolyptr n) {
     make_whole(&qp, n);
-    if (qp != n) quoly_assign(*qp, n);
+    if (qp != n) copy_value(qp, n);
 }
 
 void old_fact(FILE* inf, quolyptr n, nameptr* flag) {
@@ -476,7 +496,7 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
     quoly value = *n;
     *n = nullptr;
     if (*flag == nullptr)
-        quoly_assign(value, n);  // for display
+        quoly_assign_polled(value, n);  // for display
     else
         quoly_set(0, n);  // the statements of a body need no copies
     if (name.is_element)

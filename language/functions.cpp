@@ -189,7 +189,8 @@ struct Call {
     funcptr f;
     varptr first;        // the variables of the parameters read so far, in order, not in the table yet
     varptr* link;        // where the next one goes
-    tokentipe* targets;  // see CallFrame
+    ResultTarget* targets;  // see CallFrame
+    arrptr* arrays;         // their aliases are not in the table yet
     int32_t place;
 };
 }  // namespace
@@ -205,7 +206,8 @@ static void read_by_reference(Call& c, quolyptr value) {
     tokentipe name = token;
     next_token(c.inf, c.flag);
     if (at_char('[')) {
-        error(Err::undefined_array, tok_text(name));
+        ElementTarget* element = &c.targets[c.place].element;
+        if (!read_element_argument(c.inf, c.flag, name, element, value)) *element = {};
         return;
     }
     varptr p = find_var(name);
@@ -214,15 +216,23 @@ static void read_by_reference(Call& c, quolyptr value) {
         return;
     }
     quoly_assign(p->val, value);
-    c.targets[c.place] = name;
+    c.targets[c.place].name = name;
 }
 
-/// [a] as an argument: no array exists.
-static void read_array_argument(Call& c, quolyptr value) {
-    next_token(c.inf, c.flag);
-    error(at_char('<')   ? Err::system_array_not_deleted
-          : at_char('%') ? Err::array_of_arrays_empty
-                         : Err::undefined_array);
+/// A cleared table with a place for each parameter, in scratch memory.
+template <class R> static R* table_of_places(const funcnode* f) {
+    int32_t count = 0;
+    for (const paramnode* p = f->pars; p != nullptr; p = p->next) count++;
+    auto* table = scratch_array<R>(count);
+    memset(static_cast<void*>(table), 0, sizeof(R) * static_cast<size_t>(count));
+    return table;
+}
+
+/// [a] as an argument; as a scalar the parameter is the number 0.
+static void bind_array(Call& c, const paramnode* p, quolyptr value) {
+    arrptr alias = read_array_argument(c.inf, c.flag, p->let);
+    if (c.arrays == nullptr) c.arrays = table_of_places<arrptr>(c.f);
+    c.arrays[c.place] = alias;
     quoly_set(0, value);
 }
 
@@ -234,11 +244,11 @@ static void bind(Call& c, const paramnode* p, bool given) {
     else if (p->result)
         read_by_reference(c, &value);
     else if (given && at_char('['))
-        read_array_argument(c, &value);
+        bind_array(c, p, &value);
     else if (given)
         old_expre(c.inf, &value, c.flag);
     if (value == nullptr) quoly_set(0, &value);
-    if (value->numb) value->arr_arg = 0;
+    if (value->numb) value->arr_arg = c.arrays != nullptr && c.arrays[c.place] != nullptr;
     varptr v = pool_pop<&varnode::next>(var_garb, nullptr);
     v->let = p->let;
     v->bound = v->own = nullptr;
@@ -278,11 +288,13 @@ static void read_arguments(Call& c, tokentipe* after) {
     *after = token;
 }
 
-/// Gives back variables that are not in the table.
-static void free_parameters(varptr* first) {
-    while (*first != nullptr) {
-        varptr gone = *first;
-        *first = gone->next;
+/// Gives back variables and aliases that are not in the tables.
+static void free_parameters(Call& c) {
+    for (int32_t i = 0; c.arrays != nullptr && i < c.place; i++)
+        if (c.arrays[i] != nullptr) free_alias(c.arrays[i]);
+    while (c.first != nullptr) {
+        varptr gone = c.first;
+        c.first = gone->next;
         free_quoly(&gone->val);
         pool_push<&varnode::next>(var_garb, gone);
     }
@@ -291,8 +303,9 @@ static void free_parameters(varptr* first) {
 // ---- calls ---------------------------------------------------------------------------------------------
 
 /// The variables go to the heads of their buckets, where they hide others of the same name.
-static void push_parameters(varptr first) {
-    while (first != nullptr) {
+static void push_parameters(varptr first, arrptr* arrays) {
+    for (int32_t place = 0; first != nullptr; place++) {
+        if (arrays != nullptr && arrays[place] != nullptr) link_array(arrays[place]);
         varptr v = first;
         first = v->next;
         varptr* bucket = &sca_store[v->let.address];
@@ -317,9 +330,11 @@ static varptr unlink_parameters(const funcnode* f) {
     return first;
 }
 
-/// The value of a parameter by reference goes to the variable of that name. False if that has gone.
-static bool give_back(tokentipe& name, quolyptr value) {
-    varptr target = find_var(name);
+/// The value of a parameter by reference goes to its variable or element. False if that has gone.
+static bool give_back(ResultTarget& to, quolyptr value) {
+    if (is_element(to)) return give_back_element(to.element, value);
+    if (tok_char(to.name) == 0) return true;
+    varptr target = find_var(to.name);
     if (target == nullptr) return false;
     free_value(&target->val);
     target->val = *value;
@@ -327,17 +342,27 @@ static bool give_back(tokentipe& name, quolyptr value) {
     return true;
 }
 
-/// Ends the innermost call: its frame is off, its parameters are given back. *lost: a parameter by reference
-/// whose variable has gone, nil if there is none.
-static const paramnode* remove_args(CallFrame* frame) {
-    const paramnode* lost = nullptr;
+namespace {
+/// What the end of a call has to report.
+struct LostParameter {
+    const paramnode* p;  // nil: nothing
+    Err code;
+};
+}  // namespace
+
+/// Ends the innermost call: its frame is off, its parameters are given back. The answer is a parameter by reference
+/// whose variable or array has gone, or an array parameter whose name the body has given to a new array.
+static LostParameter remove_args(CallFrame* frame) {
+    LostParameter lost = {nullptr, Err{}};
     varptr v = unlink_parameters(frame->f);
     call_frames = frame->below;
     statcount--;
     int32_t place = 0;
     for (const paramnode* p = frame->f->pars; p != nullptr; p = p->next, place++) {
-        if (p->result && tok_char(frame->targets[place]) != 0 && !give_back(frame->targets[place], &v->val))
-            lost = p;
+        bool good = !p->result || give_back(frame->targets[place], &v->val);
+        if (frame->arrays != nullptr && frame->arrays[place] != nullptr) good = remove_alias(frame->arrays[place]);
+        if (!good) lost = {p, p->result && !is_element(frame->targets[place]) ? Err::target_gone
+                                                                             : Err::array_parameter_missing};
         if (v->own != nullptr) end_parameter_binding(v);
         if (v->bound != nullptr) unbind(v);
         free_value(&v->val);
@@ -380,35 +405,30 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
     }
     poll_interrupt();
     ScratchMark mark = scratch_mark();
-    Call c = {inf, flag, f, nullptr, nullptr, nullptr, 0};
+    Call c = {inf, flag, f, nullptr, nullptr, nullptr, nullptr, 0};
     c.link = &c.first;
-    if (f->results > 0) {
-        int32_t count = 0;
-        for (const paramnode* p = f->pars; p != nullptr; p = p->next) count++;
-        c.targets = scratch_array<tokentipe>(count);
-        memset(static_cast<void*>(c.targets), 0, sizeof(tokentipe) * static_cast<size_t>(count));
-    }
+    if (f->results > 0) c.targets = table_of_places<ResultTarget>(f);
     // arguments that have been read are values half computed: while one is open, the ring stays
     held_operand here = {n, n, eval_state.held};
     eval_state.held = &here;
     tokentipe after;
     Unfinished u;
     begin_unfinished(
-        u, [](void* what) { free_parameters(static_cast<varptr*>(what)); }, &c.first);
+        u, [](void* what) { free_parameters(*static_cast<Call*>(what)); }, &c);
     read_arguments(c, &after);
     end_unfinished(u);
     eval_state.held = here.below;
-    CallFrame frame = {f, c.targets, call_frames};
+    CallFrame frame = {f, c.targets, c.arrays, call_frames};
     call_frames = &frame;
     statcount++;
-    push_parameters(c.first);
+    push_parameters(c.first, c.arrays);
     free_quoly(n);
     run_body(inf, f, n);
-    const paramnode* lost = remove_args(&frame);
+    LostParameter lost = remove_args(&frame);
     syst_dump = 0;
     scratch_release(mark);
     token = after;
-    if (lost != nullptr) error(Err::target_gone, tok_text(lost->let));
+    if (lost.p != nullptr) error(lost.code, tok_text(lost.p->let));
 }
 
 /// Return(e): the value of the function.

@@ -13,6 +13,7 @@
 /// Ownership  a funcnode owns its parameters and its body. A function with a frame is not deleted.
 /// Raises     5, 6, 7, 11, 12, 103, 237 definitions; 14, 15, 16, 125, 206, 207, 318, 347 calls; 20, 170
 ///            deletion.
+#include "language/array_params.h"
 #include "language/statements.h"
 #include "language/symbols.h"
 #include "storage/failure.h"
@@ -45,7 +46,8 @@ inline funcptr func_store[k_function_buckets] = {};
 /// One running call.
 struct CallFrame {
     funcptr f;
-    tokentipe* targets;  // by place of the parameter: the caller's variable of a ^p, empty if it has gone
+    ResultTarget* targets;  // by place of the parameter; nil: the function has no ^p
+    arrptr* arrays;         // by place of the parameter: its alias; nil: no argument is an array
     CallFrame* below;
 };
 inline CallFrame* call_frames = nullptr;

@@ -1,5 +1,6 @@
 #include "language/rubout.h"
 
+#include "language/array_values.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/symbols.h"
@@ -19,26 +20,76 @@ static void delete_scalar(FILE* inf, nameptr* flag) {
     if (!delete_var(name)) error(Err::undefined_variable, tok_text(name));
 }
 
-/// "[": no array exists, so all of them are deleted, and none can be.
-static void delete_array(FILE* inf, nameptr* flag) {
+/// `[*x]`: all arrays of the name.
+static void delete_all_of_name(FILE* inf, nameptr* flag) {
+    tokentipe name = token;
+    arrptr a = nullptr;
+    if (!is_lower(tok_char(name)))
+        error(Err::undefined_array, tok_text(name));
+    else if (array_seek(name, &a))
+        while (a != nullptr && removearray(true, name)) fastestlookup(name, &a);
+    if (a == nullptr) next_token(inf, flag);
+}
+
+/// `[**]`: every array. What cannot be cancelled stops it.
+static void delete_all_arrays(FILE* inf, nameptr* flag) {
     next_token(inf, flag);
-    bool every = at_char('*');
-    if (every) next_token(inf, flag);
-    if (at_char('<')) {
-        error(Err::system_array_not_deleted);
-    } else if (every && at_char('*')) {
-        next_token(inf, flag);
-        expect(inf, flag, ']', Err::close_bracket_expected);
-    } else {
-        error(Err::undefined_array);
+    for (arrptr& bucket : arr_store) {
+        while (bucket != nullptr) {
+            tokentipe name = bucket->name;
+            if (!removearray(false, name)) return;
+        }
     }
 }
 
-/// "<": the older definitions of a function, or all arrays of a name but the last.
+/// `[x]`, `[*x]`, `[**]`.
+static void delete_array(FILE* inf, nameptr* flag) {
+    next_token(inf, flag);
+    if (at_char('<')) {
+        error(Err::system_array_not_deleted);
+        return;
+    }
+    if (!at_char('*')) {
+        tokentipe name = token;
+        if (!removearray(false, name)) return;
+        next_token(inf, flag);
+    } else {
+        next_token(inf, flag);
+        at_char('*') ? delete_all_arrays(inf, flag) : delete_all_of_name(inf, flag);
+    }
+    expect(inf, flag, ']', Err::close_bracket_expected);
+}
+
+/// The next older array of the same name.
+static arrptr older_array(arrptr a) {
+    arrptr older = a->next;
+    while (older != nullptr && !same_name(older->name, a->name)) older = older->next;
+    return older;
+}
+
+/// `<[x]>`: all arrays of the name but the newest.
+static void delete_older_arrays(FILE* inf, nameptr* flag) {
+    next_token(inf, flag);
+    tokentipe name = token;
+    arrptr newest = nullptr;
+    if (at_char('<')) {
+        error(Err::system_array_not_deleted);
+        return;
+    }
+    if (!array_seek(name, &newest)) return;
+    for (arrptr a = older_array(newest); a != nullptr; a = older_array(a))
+        if (!may_cancel(a, name)) return;
+    while (arrptr a = older_array(newest)) cancel_array(a);
+    next_token(inf, flag);
+    if (expect(inf, flag, ']', Err::close_bracket_expected))
+        expect(inf, flag, '>', Err::greater_expected_after_name);
+}
+
+/// "<": the older definitions of a function, or all arrays of a name but the newest.
 static void delete_older(FILE* inf, nameptr* flag) {
     next_token(inf, flag);
     if (at_char('[')) {
-        delete_array(inf, flag);
+        delete_older_arrays(inf, flag);
         return;
     }
     if (!is_upper(tok_char(token))) {

@@ -62,28 +62,21 @@ static bool out_of_range(const tokentipe& name) {
     return false;
 }
 
-bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name,
-                ElementPlace* place) {
+bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, int64_t* index) {
     r -= addresser;
     c = two ? c - addresser : 0;
-    if (r < 0 || c < 0) return out_of_range(name);
-    if (two && r >= a->rows) return out_of_range(name);
-    if (a->spar == nullptr) {
-        // no division in the hot case; a column beyond any array is caught before it is multiplied
-        if (c >= a->sizearr || r + c * a->rows >= a->sizearr) return out_of_range(name);
-        place->k = static_cast<int32_t>(r + c * a->rows);
-        return true;
-    }
-    if (two ? c >= columns_of(a) : r >= a->sizearr) return out_of_range(name);
-    place->row = static_cast<int32_t>(two ? r : r % a->rows);
-    place->col = static_cast<int32_t>(two ? c : r / a->rows) + 1;
-    return true;
+    if (r < 0 || c < 0 || (two && r >= a->rows)) return out_of_range(name);
+    // a column beyond any array is caught before it is multiplied
+    if (c >= a->sizearr || c > INT32_MAX) return out_of_range(name);
+    *index = r + c * a->rows;
+    return *index < a->sizearr || out_of_range(name);
 }
 
-quolyptr place_slot(const arrnode* a, const ElementPlace& place) {
-    if (a->spar == nullptr) return dense_slot(a, place.k);
-    colm_ptrptr t = get_sparse_colm(sparse_row(a->spar, place.row), place.col);
-    return stands_at(t, place.col) ? &(*t)->val : nullptr;
+quolyptr place_slot(const arrnode* a, int64_t index) {
+    if (a->spar == nullptr) return dense_slot(a, static_cast<int32_t>(index));
+    int32_t col = column_of_place(a, index);
+    colm_ptrptr t = get_sparse_colm(sparse_row(a->spar, row_of_place(a, index)), col);
+    return stands_at(t, col) ? &(*t)->val : nullptr;
 }
 
 void for_each_element(arrptr a, void (*f)(quolyptr value, void* context), void* context) {

@@ -32,6 +32,7 @@ struct arrnode {
     boolean linear;   // declared with one subscript
     int32_t ring;     // modulus of the ring that the values belong to, -1 the integers
     int32_t lent;     // operands under way that borrow elements: it cannot be cancelled
+    boolean shared;   // its chain is that of such an operand as well: it is copied before it changes
     int32_t aliases;  // live array parameters that stand for it
     int32_t places;   // places of the array of arrays that name it
 };
@@ -78,17 +79,16 @@ inline quolyptr arp_slot(int32_t position) {
 int32_t position_of(const quoly* at);
 /// Element k of a dense array itself (no alias), from 0, column by column.
 quolyptr dense_slot(const arrnode* a, int32_t k);
-/// Where a subscript leads in the array itself: the position in a dense one, row and column in a sparse one.
-struct ElementPlace {
-    int32_t k;    // dense: the element, from 0
-    int32_t row;  // sparse: from 0
-    int32_t col;  // sparse: from 1
-};
-/// Resolves the subscripts r, c, or r alone, as the user counts them. False after error 27, which names
-/// `name`.
-bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, ElementPlace* place);
+/// Resolves the subscripts r, c, or r alone, as the user counts them, in the array itself: *index counts the
+/// elements from 0, column by column. False after error 27, which names `name`.
+bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, int64_t* index);
+/// The row from 0 and the column from 1 of an element.
+inline int32_t row_of_place(const arrnode* a, int64_t index) { return static_cast<int32_t>(index % a->rows); }
+inline int32_t column_of_place(const arrnode* a, int64_t index) {
+    return static_cast<int32_t>(index / a->rows) + 1;
+}
 /// The location of the value; nil: a sparse array has no entry there.
-quolyptr place_slot(const arrnode* a, const ElementPlace& place);
+quolyptr place_slot(const arrnode* a, int64_t index);
 /// Calls f for the location of every value of the array itself that is there; a sparse entry that has become
 /// 0 is unlinked, a dense one becomes the number 0.
 void for_each_element(arrptr a, void (*f)(quolyptr value, void* context), void* context);

@@ -1,5 +1,6 @@
 #include "session/polyvars.h"
 
+#include "language/array_values.h"
 #include "language/expre.h"
 #include "language/language_modes.h"
 #include "language/other_rings.h"
@@ -47,7 +48,7 @@ static bool is_lower_case_name(const tokentipe& name) {
 /// Rewriting all values is not for a level above 1, nor while a value is half computed.
 static bool list_may_change() {
     if (levelcount == 1 && eval_state.held == nullptr) return true;
-    error(Err::polyvar_not_now);
+    error(Err::not_now);
     return false;
 }
 
@@ -60,6 +61,11 @@ static void for_each_away(void (*f)(quolyptr value, void* context), void* contex
         force_ring(entry->ring);
         f(&entry->value, context);
     }
+    each_array([&](arrptr a) {
+        if (a->ring == now.modulus) return;
+        force_ring(a->ring);
+        for_each_element(a, f, context);
+    });
     ring_assign(now);
 }
 
@@ -71,7 +77,9 @@ static bool declare(PolyItem& item) {
         return true;
     }
     Err fault = Err{};
-    if (find_var(item.name) != nullptr) {
+    arrptr a = nullptr;
+    fastestlookup(item.name, &a);
+    if (a != nullptr || find_var(item.name) != nullptr) {
         fault = Err::polyvar_name_taken;
     } else if (number_polys == k_max_polys) {
         fault = Err::too_many_polyvars;
@@ -99,6 +107,7 @@ struct Removal {
     int32_t level;
     const quolynode* value;
     bool found;        // some value contains the variable
+    bool entries;      // the values are those of a sparse array
     int32_t warnings;  // written so far
 };
 }  // namespace
@@ -113,27 +122,45 @@ static void take_level_out(quolyptr value, void* context) {
     auto* r = static_cast<Removal*>(context);
     if (r->value != nullptr && !quoly_put_number(value, r->level, r->value) &&
         r->warnings++ < k_most_warnings)
-        printf("Warning. A quoly denominator has become 0.  That value has been set to 1.\n");
+        fputs(r->entries ? "Warning. A quoly denominator in a sparse array entry has become 0.  That entry has "
+                           "been set to 1.\n"
+                         : "Warning. A quoly denominator has become 0.  That value has been set to 1.\n",
+              stdout);
     quoly_remove_level(*value, r->level);
 }
 
-/// The same where values stand in other rings: the number goes there with them.
-static void take_level_out_of_away(Removal& r) {
+/// Runs `act` in another ring, the number having gone there with it.
+template <class Act> static void in_ring_of(Removal& r, int32_t ring, Act act) {
     const quolynode* value = r.value;
-    for (away_value* entry = away_list; entry != nullptr; entry = entry->next) {
-        quoly image = nullptr;
-        if (value != nullptr) {
-            quoly_assign(value, &image);
-            carry_value(&image, modulus, entry->ring);
-        }
-        RingState now = ring_capture();
-        force_ring(entry->ring);
-        r.value = image;
-        take_level_out(&entry->value, &r);
-        free_quoly(&image);
-        ring_assign(now);
+    quoly image = nullptr;
+    if (value != nullptr) {
+        quoly_assign(value, &image);
+        carry_value(&image, modulus, ring);
     }
+    RingState now = ring_capture();
+    force_ring(ring);
+    r.value = image;
+    act();
+    free_quoly(&image);
+    ring_assign(now);
     r.value = value;
+}
+
+/// The same for arrays, and for values that stand in other rings.
+static void take_level_out_of_arrays(Removal& r) {
+    each_array([&](arrptr a) {
+        r.entries = a->spar != nullptr;
+        if (a->ring == modulus)
+            for_each_element(a, take_level_out, &r);
+        else
+            in_ring_of(r, a->ring, [&] { for_each_element(a, take_level_out, &r); });
+    });
+    r.entries = false;
+}
+
+static void take_level_out_of_away(Removal& r) {
+    for (away_value* entry = away_list; entry != nullptr; entry = entry->next)
+        in_ring_of(r, entry->ring, [&] { take_level_out(&entry->value, &r); });
 }
 
 static bool remove_variable(PolyItem& item) {
@@ -148,7 +175,7 @@ static bool remove_variable(PolyItem& item) {
         return false;
     }
     if (!list_may_change()) return false;
-    Removal r = {level, item.value, false, 0};
+    Removal r = {level, item.value, false, false, 0};
     if (item.value == nullptr) {
         for_each_value(look_for_level, &r);
         for_each_away(look_for_level, &r);
@@ -158,7 +185,8 @@ static bool remove_variable(PolyItem& item) {
         return false;
     }
     interrupts_held++;
-    for_each_value(take_level_out, &r);
+    for_each_scalar(take_level_out, &r);
+    take_level_out_of_arrays(r);
     take_level_out_of_away(r);
     delete_poly_name(level);
     interrupts_held--;

@@ -1,5 +1,6 @@
 #include "session/ring_list.h"
 
+#include "language/array_values.h"
 #include "language/other_rings.h"
 #include "language/symbols.h"
 #include "language/tokens/scanner.h"
@@ -9,10 +10,11 @@
 #include "storage/failure.h"
 namespace tolvex {
 namespace {
-/// A location that the next change converts. It is only compared, never followed: the variable may be gone.
+/// What the next change converts: a location, or an array itself. It is only compared, never followed: the variable
+/// may be gone.
 struct listed_value {
     listed_value* next;
-    const quoly* at;
+    const void* what;
 };
 listed_value* list = nullptr;
 listed_value* list_garb = nullptr;
@@ -33,11 +35,32 @@ void list_everything() {
     everything = true;
 }
 
-static bool is_listed(const quoly* at) {
+static bool is_listed(const void* what) {
     if (everything) return true;
     for (const listed_value* l = list; l != nullptr; l = l->next)
-        if (l->at == at) return true;
+        if (l->what == what) return true;
     return false;
+}
+
+static void add_to_list(const void* what) {
+    listed_value* l = pool_pop<&listed_value::next>(list_garb, nullptr);
+    *l = {list, what};
+    list = l;
+}
+
+/// "[a]", the name being the current token; false after an error.
+static bool read_array_item(FILE* inf, nameptr* flag) {
+    arrptr a = nullptr;
+    tokentipe name = token;
+    if (!array_seek(name, &a)) return false;
+    next_token(inf, flag);
+    if (!tok_is(token, "]")) {
+        error(Err::close_bracket_expected);
+        return false;
+    }
+    next_token(inf, flag);
+    add_to_list(array_itself(a));
+    return true;
 }
 
 /// "x" or "[a]"; false after an error.
@@ -46,17 +69,14 @@ static bool read_item(FILE* inf, nameptr* flag) {
     if (array) next_token(inf, flag);
     unsigned char c = tok_char(token);
     bool is_name = c >= 'a' && c <= 'z';
-    varptr p = is_name && !array ? find_var(token) : nullptr;
+    if (is_name && array) return read_array_item(inf, flag);
+    varptr p = is_name ? find_var(token) : nullptr;
     if (!is_name) {
         error(Err::close_paren_expected);
-    } else if (array) {
-        error(Err::undefined_array, tok_text(token));
     } else if (p == nullptr) {
         error(Err::undefined_variable, tok_text(token));
     } else {
-        listed_value* l = pool_pop<&listed_value::next>(list_garb, nullptr);
-        *l = {list, &p->val};
-        list = l;
+        add_to_list(&p->val);
         next_token(inf, flag);
         return true;
     }
@@ -125,11 +145,33 @@ static void drop_unfinished(int32_t from) {
     lintmode = shape;
 }
 
+static void element_to_mod(quolyptr value, void*) { quoly_change_to_mod(value); }
+static void element_from_mod(quolyptr value, void*) { quoly_change_from_mod(value); }
+
+/// The array itself goes to the ring `to`. Whether an entry has become 0 is seen in the shape that it has then.
+static void carry_array(arrptr a, int32_t to) {
+    RingState now = ring_capture();
+    if (a->ring > 0) {
+        force_ring(a->ring);
+        modularmode = lintmode = 0;
+        for_each_element(a, element_from_mod, nullptr);
+    }
+    if (to > 0) {
+        force_ring(to == 256 || to == 65536 ? 2 : to);
+        for_each_element(a, element_to_mod, nullptr);
+    }
+    ring_assign(now);
+    a->ring = to;
+}
+
 void carry_values(int32_t from, int32_t to) {
     Change change = {from, to};
     drop_unfinished(from);
     away_value* before = away_list;  // what is put away now comes in front
-    for_each_value(carry_or_put_away, &change);
+    for_each_scalar(carry_or_put_away, &change);
+    each_array([=](arrptr a) {
+        if (a->ring != to && is_listed(a)) carry_array(a, to);
+    });
     away_value** link = &away_list;
     while (*link != before) link = &(*link)->next;
     while (*link != nullptr) {

@@ -1,0 +1,166 @@
+#include "language/array_operand.h"
+
+#include "language/array_elements.h"
+#include "quoly/quoly_basic.h"
+#include "storage/failure.h"
+#include "storage/interrupt.h"
+
+#include <cstring>
+#include <utility>
+namespace tolvex {
+static void release_contents(ArrOperand& v) {
+    if (v.lender != nullptr) {
+        arrptr lender = v.lender;
+        v.lender = nullptr;
+        v.spar = nullptr;
+        v.facts = {};
+        v.arr_free = 0;
+        end_borrowing(lender);
+    }
+    if (v.spar != nullptr) {
+        free_sparse(&v.spar, v.facts.rows, v.arr_free);
+    } else if (v.arr_free) {
+        workptr arr = elements_of(v);
+        for (int64_t k = 0; k < v.facts.arrsize; k++) free_quoly(&arr[k]);
+    }
+    free_quoly(&v.n);
+}
+
+void clear_operand(ArrOperand& v) {
+    release_contents(v);
+    v.facts = {};
+    v.arr_free = 0;
+}
+
+static void drop_operand(void* what) {
+    auto* v = static_cast<ArrOperand*>(what);
+    clear_operand(*v);
+    free_work();
+}
+
+bool begin_operand(ArrOperand& v) {
+    v = {};
+    if (!new_worknode(&v.work)) return false;
+    begin_unfinished(v.unfinished, drop_operand, &v);
+    return true;
+}
+
+void end_operand(ArrOperand& v) {
+    end_unfinished(v.unfinished);
+    drop_operand(&v);
+}
+
+void swap_operands(ArrOperand& a, ArrOperand& b) {
+    std::swap(workhead[a.work - 1], workhead[b.work - 1]);
+    std::swap(a.facts, b.facts);
+    std::swap(a.arr_free, b.arr_free);
+    std::swap(a.spar, b.spar);
+    std::swap(a.n, b.n);
+    std::swap(a.lender, b.lender);
+}
+
+void scalar_zero(ArrOperand& v) {
+    clear_operand(v);
+    quoly_set(0, &v.n);
+}
+
+bool fail_operand(ArrOperand& v, Err code, const char* symbol) {
+    error(code, symbol);
+    scalar_zero(v);
+    return false;
+}
+
+bool make_dense(ArrOperand& v, int64_t rows, int64_t cols) {
+    if (oversize(rows, cols)) return fail_operand(v, Err::array_too_large);
+    free_quoly(&v.n);
+    v.facts = {rows * cols, static_cast<int32_t>(rows)};
+    v.arr_free = 1;
+    memset(static_cast<void*>(elements_of(v)), 0, static_cast<size_t>(rows * cols) * sizeof(quoly));
+    return true;
+}
+
+void make_sparse_operand(ArrOperand& v, int64_t rows, int64_t cols, sparseptr chain) {
+    free_quoly(&v.n);
+    v.facts = {rows * cols, static_cast<int32_t>(rows)};
+    v.arr_free = 1;
+    if (chain == nullptr) sparse_init(&chain, v.facts.rows);
+    v.spar = chain;
+}
+
+void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& name) {
+    workptr arr = elements_of(v);
+    for (int32_t k = 0; a->spar == nullptr && k < a->sizearr; k++) {
+        quolyptr slot = dense_slot(a, k);
+        if (*slot == nullptr) {
+            quoly_set(0, slot);
+            which == nullptr ? note_uninitialized_in(name) : note_uninitialized(which);
+        }
+        arr[k] = *slot;
+    }
+    v.spar = a->spar;
+    v.facts = {a->sizearr, a->rows};
+    v.arr_free = 0;
+    v.lender = a;
+    begin_borrowing(a);
+}
+
+void make_private(ArrOperand& v) {
+    if (is_scalar(v) || v.arr_free) return;
+    if (is_sparse(v)) {
+        sparseptr copy = nullptr;
+        copy_sparse(v.spar, &copy, v.facts.rows, 0);
+        v.spar = copy;
+    } else {
+        workptr arr = elements_of(v);
+        for (int64_t k = 0; k < v.facts.arrsize; k++) {
+            quoly lent = arr[k];
+            arr[k] = nullptr;
+            quoly_assign(lent, &arr[k]);
+        }
+    }
+    v.arr_free = 1;
+    arrptr lender = v.lender;
+    v.lender = nullptr;
+    if (lender != nullptr) end_borrowing(lender);
+}
+
+bool expand_to_dense(ArrOperand& v) {
+    if (!is_sparse(v)) return true;
+    if (v.facts.arrsize > k_greatest_array) return fail_operand(v, Err::sparse_too_large);
+    make_private(v);
+    workptr arr = elements_of(v);
+    memset(static_cast<void*>(arr), 0, static_cast<size_t>(v.facts.arrsize) * sizeof(quoly));
+    SparseWalk w = walk_sparse(v.spar, v.facts.rows);
+    while (colm_ptrptr t = next_row(w)) {
+        for (colm_ptr p = *t; p != nullptr; p = p->next) {
+            arr[w.row + int64_t{p->coord - 1} * v.facts.rows] = p->val;
+            p->val = nullptr;
+        }
+    }
+    free_sparse(&v.spar, v.facts.rows, 1);
+    for (int64_t k = 0; k < v.facts.arrsize; k++)
+        if (arr[k] == nullptr) quoly_set(0, &arr[k]);
+    return true;
+}
+
+void contract_to_sparse(ArrOperand& v) {
+    sparseptr chain = nullptr;
+    sparse_init(&chain, v.facts.rows);
+    workptr arr = elements_of(v);
+    SparseWalk w = walk_sparse(chain, v.facts.rows);
+    while (colm_ptrptr link = next_row(w)) {
+        int32_t col = 1;
+        for (int64_t k = w.row; k < v.facts.arrsize; k += v.facts.rows, col++) {
+            if (arr[k] == nullptr) continue;
+            if (quoly_iszero(arr[k])) {
+                free_quoly(&arr[k]);
+                continue;
+            }
+            *link = newcolm(col, arr[k], nullptr);
+            arr[k] = nullptr;
+            link = &(*link)->next;
+        }
+    }
+    v.spar = chain;
+}
+}  // namespace tolvex
