@@ -19,14 +19,16 @@ uint32_t wf_inverse(const WordField& f, uint32_t a) {
 }
 
 // xorshift64* (Vigna, "An experimental exploration of Marsaglia's xorshift generators", 2016).
-uint32_t wf_random_unit(const WordField& f) {
+uint32_t wf_random_below(uint32_t n) {
     static uint64_t state = 0x9E3779B97F4A7C15u;
     state ^= state >> 12;
     state ^= state << 25;
     state ^= state >> 27;
     uint64_t word = (state * 0x2545F4914F6CDD1Du) >> 33;
-    return 1 + static_cast<uint32_t>(word % (f.p - 1));
+    return static_cast<uint32_t>(word % n);
 }
+
+uint32_t wf_random_unit(const WordField& f) { return 1 + wf_random_below(f.p - 1); }
 
 int32_t wf_degree(const uint32_t* a, int32_t top) {
     while (top >= 0 && a[top] == 0) top--;

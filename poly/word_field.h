@@ -98,6 +98,8 @@ inline uint32_t wf_of_number(const WordField& f, const number* n) {
 
 /// A pseudo-random element other than 0, from a generator of its own: the user's random values do not change.
 uint32_t wf_random_unit(const WordField& f);
+/// 0..n-1 from the same generator.
+uint32_t wf_random_below(uint32_t n);
 
 /// One-variable polynomials as arrays of elements, index = exponent. A degree of -1 is zero.
 int32_t wf_degree(const uint32_t* a, int32_t top);
