@@ -32,7 +32,7 @@ static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
     quolyptr qp = n;
     expre(inf, &qp, n, &aux, &colpos, flag);
     if (qp != n && qp != nullptr && *qp != nullptr)
-        quoly_assign(*qp, n);
+        copy_value(qp, n);
     else if (*n == nullptr)
         quoly_set(0, n);
 }

@@ -2,6 +2,7 @@
 #include "numbers/digit_source.h"
 #include "numbers/limbs.h"
 #include "storage/checked.h"
+#include "storage/interrupt.h"
 
 #include <bit>
 namespace tolvex {
@@ -30,6 +31,7 @@ void write_digits(imptr x, const limb* a, int64_t n, int64_t size, bool negative
             last->next = p;
         }
         last = p;
+        source.pause_every(i, last);
     }
     source.finish(last);
     x->tail = last;
@@ -59,6 +61,7 @@ int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
             acc = d << shift;
         }
         shift -= k_digit_bits;
+        poll_every<k_digits_unpolled>(i);
     }
     r[0] = acc;
     return limbs_trim(r, length);

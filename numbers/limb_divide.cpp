@@ -201,7 +201,7 @@ void limbs_divrem(limb* q, limb* a, int64_t an, const limb* b, int64_t bn) {
             a[0] = limbs_mod_1(a, an, b[0]);
             return;
         }
-        memcpy(q, a, static_cast<size_t>(an) * sizeof(limb));
+        scratch_copy(q, a, static_cast<size_t>(an) * sizeof(limb));
         a[0] = limbs_divrem_1(q, an, b[0]);
         return;
     }

@@ -73,7 +73,7 @@ int64_t gcd_loop(limb* r, limb* a, int64_t an, limb* b, int64_t bn, limb* tmp) {
             std::swap(an, bn);
         }
         if (bn == 0) {
-            memcpy(r, a, static_cast<size_t>(an) * sizeof(limb));
+            scratch_copy(r, a, static_cast<size_t>(an) * sizeof(limb));
             return an;
         }
         if (an <= 2) return store_wide(r, wide_gcd(two_limbs(a, an), two_limbs(b, bn)));

@@ -26,8 +26,10 @@ struct Pair {
     int64_t shorter() const { return an < bn ? an : bn; }
 };
 
-void copy_limbs(limb* r, const limb* a, int64_t n) { memcpy(r, a, static_cast<size_t>(n) * sizeof(limb)); }
-void clear_limbs(limb* r, int64_t n) { memset(r, 0, static_cast<size_t>(n) * sizeof(limb)); }
+void copy_limbs(limb* r, const limb* a, int64_t n) {
+    scratch_copy(r, a, static_cast<size_t>(n) * sizeof(limb));
+}
+void clear_limbs(limb* r, int64_t n) { scratch_clear(r, static_cast<size_t>(n) * sizeof(limb)); }
 
 void set_identity(CofactorMatrix& m) {
     m.n = 1;

@@ -117,11 +117,7 @@ template <limb P> inline void split(limb& x, limb& y, Factor f) {
     y = u - v + 2 * P;
 }
 
-/// Called in every turn k of a loop over a long array: a safe point now and then.
-inline void poll_at(int64_t k) {
-    constexpr int64_t k_rhythm = int64_t{1} << 17;
-    if (__builtin_expect((k & (k_rhythm - 1)) == k_rhythm - 1, 0)) poll_interrupt();
-}
+constexpr auto poll_at = poll_every<int64_t{1} << 17>;  // in every turn of a loop over a long array
 
 /// Two levels at once on the four quarters of one block.
 template <limb P> void forward_4(limb* a, int64_t quarter, int64_t node) {
@@ -271,7 +267,7 @@ void cut_digits(limb* to, const limb* a, int64_t n, const Plan& plan) {
         poll_at(i);
     }
     if (have > 0) to[count++] = rest;
-    memset(to + count, 0, static_cast<size_t>(plan.length() - count) * sizeof(limb));
+    scratch_clear(to + count, static_cast<size_t>(plan.length() - count) * sizeof(limb));
 }
 
 template <limb P> Factor factor_i() { return roots<P>.root[1]; }
@@ -289,6 +285,7 @@ template <limb P> void to_values(limb* a, const Plan& plan) {
         limb x = c0[k], z = c2[k];  // all below P
         c2[k] = x + times<P>(c1[k], i) + (P - z);
         c0[k] = x + z;
+        poll_at(k);
     }
     forward<P>(a, plan.h, 0);
     forward<P>(c2, q, 2);
@@ -318,6 +315,7 @@ template <limb P> void from_values(limb* a, const Plan& plan) {
         limb x = Field<P>::below_p(times<P>(sum + difference, half));
         c0[k] = x;
         c2[k] = sum >= x ? sum - x : sum + P - x;
+        poll_at(k);
     }
 }
 

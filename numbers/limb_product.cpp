@@ -10,7 +10,9 @@ namespace {
 /// Factors below this count are multiplied one after the other.
 constexpr int64_t k_leaf = 24;
 
-void copy_limbs(limb* r, const limb* a, int64_t n) { memcpy(r, a, static_cast<size_t>(n) * sizeof(limb)); }
+void copy_limbs(limb* r, const limb* a, int64_t n) {
+    scratch_copy(r, a, static_cast<size_t>(n) * sizeof(limb));
+}
 
 /// r := a * b, returns the length.
 int64_t product(limb* r, const limb* a, int64_t an, const limb* b, int64_t bn) {
@@ -89,7 +91,7 @@ int64_t odd_factorial(limb* r, uint32_t n, const unsigned char* sieve) {
 int64_t shift_up(limb* a, int64_t n, int64_t k) {
     int64_t whole = k / 64;
     limb out = limbs_shift_left(a + whole, a, n, static_cast<int>(k % 64));
-    memset(a, 0, static_cast<size_t>(whole) * sizeof(limb));
+    scratch_clear(a, static_cast<size_t>(whole) * sizeof(limb));
     n += whole;
     if (out != 0) a[n++] = out;
     return n;

@@ -26,6 +26,7 @@ void store_digits(imptr ans, const int32_t* s, int32_t n, bool negative) {
         d->value = (s[i] ^ flip) - flip;
         last->next = d;
         last = d;
+        source.pause_every(i, last);
     }
     source.finish(last);
     ans->head = head;
@@ -83,7 +84,10 @@ void add_chains(numptr p, int32_t nsize, numptr q, int32_t msize, int32_t sign, 
     int32_t i = 0;
     for (; i < n - msize; i++, p = p->next) s[i] = p->value;
     for (; i < n - nsize; i++, q = q->next) s[i] = sign * q->value;
-    for (; i < n; i++, p = p->next, q = q->next) s[i] = p->value + sign * q->value;
+    for (; i < n; i++, p = p->next, q = q->next) {
+        s[i] = p->value + sign * q->value;
+        poll_every<k_digits_unpolled>(i);
+    }
     carry_and_store(ans, s, n, base);
     if (!small) scratch_release(mark);
 }

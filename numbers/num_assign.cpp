@@ -46,7 +46,8 @@ void num_assign(const number* n, imptr x) {
 
 void spec_num_assign(const number* n, imptr x) { fast_num_assign(n->head, n->size, x); }
 
-void fast_num_assign(numptr p, int32_t size, imptr x) {
+/// x := the chain p; with `polled` there are safe points.
+template <bool polled> static void copy_digits(numptr p, int32_t size, imptr x) {
     CHECK(size >= 1);
     if (size == 1 && x->size == 1) {
         x->head->value = p->value;
@@ -62,12 +63,23 @@ void fast_num_assign(numptr p, int32_t size, imptr x) {
         d->value = p->value;
         last->next = d;
         last = d;
+        if constexpr (polled) source.pause_every(i, last);
     }
     source.finish(last);
     special_free(x);
     x->head = head;
     x->tail = last;
     x->size = size;
+}
+
+void fast_num_assign(numptr p, int32_t size, imptr x) { copy_digits<false>(p, size, x); }
+
+void num_assign_polled(const number* n, imptr x) {
+    if (lintmode) {
+        x->lint = n->lint;
+    } else {
+        copy_digits<true>(n->head, n->size, x);
+    }
 }
 
 void faster_num_assign(numptr p, int32_t size, imptrptr x) {

@@ -16,7 +16,7 @@ int64_t with_sign(const number* n, limb v) {
 
 Limbs copy_of(LimbArena& arena, Limbs a) {
     limb* r = arena_take(arena, a.n);
-    memcpy(r, a.at, static_cast<size_t>(a.n) * sizeof(limb));
+    scratch_copy(r, a.at, static_cast<size_t>(a.n) * sizeof(limb));
     return {r, a.n};
 }
 

@@ -23,10 +23,10 @@ constexpr int32_t k_ntt_entries = 360;
 }  // namespace
 
 static void copy_entries(uint32_t* to, const uint32_t* from, int32_t n) {
-    memcpy(to, from, static_cast<size_t>(n) * sizeof(uint32_t));
+    scratch_copy(to, from, static_cast<size_t>(n) * sizeof(uint32_t));
 }
 static void clear_entries(uint32_t* x, int32_t n) {
-    if (n > 0) memset(x, 0, static_cast<size_t>(n) * sizeof(uint32_t));
+    if (n > 0) scratch_clear(x, static_cast<size_t>(n) * sizeof(uint32_t));
 }
 
 // c := a b for bn <= an < 2 bn, with the low parts of `half` entries: three products of half the size

@@ -164,8 +164,8 @@ WIDE_VECTORS static void scale_entries(uint32_t* x, int32_t n, FixedFactor s, ui
 }
 
 static void load(uint32_t* x, int32_t n, const uint32_t* a, int32_t an) {
-    memcpy(x, a, static_cast<size_t>(an) * sizeof(uint32_t));
-    memset(x + an, 0, static_cast<size_t>(n - an) * sizeof(uint32_t));
+    scratch_copy(x, a, static_cast<size_t>(an) * sizeof(uint32_t));
+    scratch_clear(x + an, static_cast<size_t>(n - an) * sizeof(uint32_t));
 }
 
 // x := a b modulo prime i, reduced; y is room.
@@ -177,7 +177,7 @@ static void product_image(int32_t i, Length length, const uint32_t* a, int32_t a
     forward(x, length, t);
     reduce_entries(x, n, t.p);
     if (a == b && an == bn) {
-        memcpy(y, x, static_cast<size_t>(n) * sizeof(uint32_t));
+        scratch_copy(y, x, static_cast<size_t>(n) * sizeof(uint32_t));
     } else {
         load(y, n, b, bn);
         forward(y, length, t);

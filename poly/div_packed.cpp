@@ -95,7 +95,7 @@ static bool index_divides(const PackDivision& d, int64_t at, int64_t lead) {
 static Outcome dense_residues(const PackDivision& d, const WordField& f, const PackTerms& n,
                               const PackTerms& m, Quotient& q) {
     auto* cell = scratch_array<uint64_t>(d.plan.box);
-    memset(cell, 0, static_cast<size_t>(d.plan.box) * sizeof(uint64_t));
+    scratch_clear(cell, static_cast<size_t>(d.plan.box) * sizeof(uint64_t));
     for (int64_t i = 0; i < n.count; i++) cell[n.index[i]] = n.residue[i];
     uint64_t square = static_cast<uint64_t>(f.p) * f.p;
     uint32_t inverse = wf_inverse(f, m.residue[0]);
@@ -139,7 +139,7 @@ static int64_t word_limit(const PackTerms& n, const PackTerms& m) {
 
 static Outcome dense_words(const PackDivision& d, const PackTerms& n, const PackTerms& m, Quotient& q) {
     auto* cell = scratch_array<int64_t>(d.plan.box);
-    memset(cell, 0, static_cast<size_t>(d.plan.box) * sizeof(int64_t));
+    scratch_clear(cell, static_cast<size_t>(d.plan.box) * sizeof(int64_t));
     for (int64_t i = 0; i < n.count; i++) cell[n.index[i]] = n.word[i];
     int64_t limit = word_limit(n, m), lead = m.index[0], lead_word = m.word[0];
     for (int64_t at = n.index[0]; at >= 0; at--) {

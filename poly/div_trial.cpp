@@ -65,7 +65,7 @@ static uint32_t tree_value(const WordField& f, const polynode* p, const uint32_t
 
 // The image in the main variable of a chain; returns its degree.
 static int32_t main_image(const WordField& f, const polynode* p, const uint32_t* point, uint32_t* image) {
-    memset(image, 0, static_cast<size_t>(p->exp + 1) * sizeof(uint32_t));
+    scratch_clear(image, static_cast<size_t>(p->exp + 1) * sizeof(uint32_t));
     for (const polynode* t = p; t != nullptr; t = t->next)
         image[t->exp] = t->numb ? wf_of_number(f, t->ncoef) : tree_value(f, t->pcoef, point);
     return wf_degree(image, p->exp);

@@ -2,10 +2,13 @@
 
 #include "numbers/num_assign.h"
 #include "poly/poly_basic.h"
+#include "storage/interrupt.h"
 #include "storage/scratch.h"
 
 #include <algorithm>
 namespace tolvex {
+static constexpr int64_t k_terms_unpolled = int64_t{1} << 14;  // of one walk, from one safe point to the next
+
 // ---- reading ----
 
 static void note(PackMeasure* m, int32_t level, int32_t exp, bool first) {
@@ -83,6 +86,7 @@ static int64_t word_of_number(const number* n) {
 }
 
 static void put_term(PackReader& reader, int64_t index, const number* n) {
+    poll_every<k_terms_unpolled>(reader.out.count);
     if (reader.field == nullptr) {
         reader.out.index[reader.out.count] = index;
         reader.out.word[reader.out.count++] = word_of_number(n);
@@ -181,6 +185,7 @@ static void read_values(ValueReader& v, const polynode* p, int32_t level, int64_
             read_values(v, t->pcoef, level + 1, at, here);
             continue;
         }
+        poll_every<k_terms_unpolled>(out.count);
         out.index[out.count] = at + reader.below[whole ? level : level + 1];
         out.residue[out.count++] = wf_mul(*v.f, here, wf_of_number(*v.f, t->ncoef));
     }
@@ -189,7 +194,10 @@ static void read_values(ValueReader& v, const polynode* p, int32_t level, int64_
 // Falling indexes, alike ones added, zeros dropped.
 static void collect(PackTerms* terms, const WordField& f) {
     auto* pair = scratch_array<IndexedResidue>(terms->count);
-    for (int64_t i = 0; i < terms->count; i++) pair[i] = {terms->index[i], terms->residue[i]};
+    for (int64_t i = 0; i < terms->count; i++) {
+        pair[i] = {terms->index[i], terms->residue[i]};
+        poll_every<k_terms_unpolled>(i);
+    }
     std::sort(pair, pair + terms->count,
               [](const IndexedResidue& a, const IndexedResidue& b) { return a.index > b.index; });
     int64_t n = 0;
@@ -241,6 +249,7 @@ static poly write_terms(const PackWriter& w, int64_t from, int64_t to, int32_t k
     int32_t level = plan.level[k];
     int32_t low = w.low != nullptr ? w.low[level] : plan.low[k];
     int64_t weight = plan.weight[k], radix = plan.radix[k];
+    poll_interrupt();
     poly head = nullptr;
     polyptrr tail = &head;
     while (from < to) {

@@ -15,6 +15,9 @@
 
 #include <cstdint>
 namespace tolvex {
+/// Terms from one safe point of a walk to the next: of their residues or words, of their numbers as chains.
+inline constexpr int64_t k_terms_unpolled = int64_t{1} << 16, k_numbers_unpolled = int64_t{1} << 12;
+
 /// What one walk over a tree finds out. Levels count from 1; beyond `depth` all exponents are 0.
 struct TreeSurvey {
     int32_t least[k_levels], most[k_levels];  // exponents by level
@@ -67,6 +70,7 @@ poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, in
         int64_t slot = base + e * step;
         poly c;
         if (last) {
+            poll_every<k_numbers_unpolled>(e);
             if (box.zero(slot)) continue;
             c = box.leaf(slot);
         } else {

@@ -2,6 +2,7 @@
 
 #include "poly/dense_mult.h"
 #include "poly/packed_rings.h"
+#include "storage/interrupt.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,8 +30,11 @@ int64_t place_limbs(int64_t n_bits, int64_t m_bits, int64_t meeting) {
 
 int32_t* residue_array(const PackedOperand& p) {
     auto* a = scratch_array<int32_t>(p.extent());
-    memset(a, 0, static_cast<size_t>(p.extent()) * sizeof(int32_t));
-    for (int64_t i = 0; i < p.terms; i++) a[p.keys[i]] = p.numbers[i]->lint;
+    scratch_clear(a, static_cast<size_t>(p.extent()) * sizeof(int32_t));
+    for (int64_t i = 0; i < p.terms; i++) {
+        a[p.keys[i]] = p.numbers[i]->lint;
+        poll_every<k_terms_unpolled>(i);
+    }
     return a;
 }
 
@@ -47,20 +51,21 @@ limb* value_at_power(const PackedOperand& p, int64_t width, bool* negative) {
     auto* plus = scratch_array<limb>(length);
     ScratchMark mark = scratch_mark();
     auto* minus = scratch_array<limb>(length);
-    memset(plus, 0, static_cast<size_t>(length) * sizeof(limb));
-    memset(minus, 0, static_cast<size_t>(length) * sizeof(limb));
+    scratch_clear(plus, static_cast<size_t>(length) * sizeof(limb));
+    scratch_clear(minus, static_cast<size_t>(length) * sizeof(limb));
     auto* magnitude = scratch_array<limb>(limbs_for(p.digits));
     for (int64_t i = 0; i < p.terms; i++) {
         const number* x = p.numbers[i];
         int64_t n = limbs_from_chain(magnitude, x->head, x->size);
         limb* to = (x->head->value < 0 ? minus : plus) + static_cast<int64_t>(p.keys[i]) * width;
         memcpy(to, magnitude, static_cast<size_t>(n) * sizeof(limb));
+        poll_every<k_numbers_unpolled>(i);
     }
     int64_t plus_length = limbs_trim(plus, length), minus_length = limbs_trim(minus, length);
     *negative = limbs_compare(plus, plus_length, minus, minus_length) < 0;
     if (*negative) {
         limbs_sub(minus, minus, minus_length, plus, plus_length);
-        memcpy(plus, minus, static_cast<size_t>(length) * sizeof(limb));
+        scratch_copy(plus, minus, static_cast<size_t>(length) * sizeof(limb));
     } else if (minus_length > 0) {
         limbs_sub(plus, plus, plus_length, minus, minus_length);
     }
@@ -74,6 +79,7 @@ void restore_borrows(limb* r, int64_t places, int64_t width) {
     for (int64_t i = 0; i < places; i++, r += width) {
         for (int64_t k = 0; carry != 0 && k < width; k++) carry = (r[k] += carry) < carry;
         carry |= r[width - 1] >> 63;
+        poll_every<k_terms_unpolled>(i);
     }
 }
 
@@ -96,7 +102,7 @@ poly integer_product(const PackedPlan& plan, const int64_t* weight, int64_t slot
     else
         limbs_mul(box.acc, b, b_length, a, a_length);
     int64_t used = a_length + b_length;
-    memset(box.acc + used, 0, static_cast<size_t>(places * width - used) * sizeof(limb));
+    scratch_clear(box.acc + used, static_cast<size_t>(places * width - used) * sizeof(limb));
     restore_borrows(box.acc, places, width);
     poly p = box_tree(plan, weight, box);
     if (n_negative != m_negative) poly_inplace(p);
@@ -133,7 +139,7 @@ poly kronecker_product(const PackedPlan& plan, const int64_t* weight, int64_t sl
     const int32_t* b = n.keys == m.keys ? a : residue_array(m);
     const int64_t entries = n.extent() + m.extent() - 1;  // the largest vector of exponents need not occur
     auto* c = scratch_array<int32_t>(std::max(slots, entries));
-    if (slots > entries) memset(c + entries, 0, static_cast<size_t>(slots - entries) * sizeof(int32_t));
+    if (slots > entries) scratch_clear(c + entries, static_cast<size_t>(slots - entries) * sizeof(int32_t));
     dense_mult(a, static_cast<int32_t>(n.extent()), b, static_cast<int32_t>(m.extent()), c);
     return box_tree(plan, weight, ResidueBox{c});
 }

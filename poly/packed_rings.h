@@ -52,7 +52,7 @@ inline int64_t chain_word(const number* x) {
 /// More accumulators: the old ones keep their values and places.
 template <class Acc> inline Acc* grown(const Acc* old, int64_t used, int64_t count) {
     Acc* fresh = scratch_array<Acc>(count);
-    if (used > 0) memcpy(static_cast<void*>(fresh), old, static_cast<size_t>(used) * sizeof(Acc));
+    if (used > 0) scratch_copy(fresh, old, static_cast<size_t>(used) * sizeof(Acc));
     return fresh;
 }
 
@@ -68,9 +68,7 @@ template <class Acc> struct WordRing {
         capacity = count;
     }
     void open(int64_t slot) { acc[slot] = 0; }
-    void open_all(int64_t count) {
-        memset(static_cast<void*>(acc), 0, static_cast<size_t>(count) * sizeof(Acc));
-    }
+    void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(Acc)); }
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t i) const { return 2 * n[i]; }
     void add(int64_t slot, Left a, int64_t j) { acc[slot] += static_cast<Acc>(a) * m[j]; }
@@ -111,7 +109,7 @@ template <bool wide> struct ResidueRing {
         capacity = count;
     }
     void open(int64_t slot) { acc[slot] = 0; }
-    void open_all(int64_t count) { memset(acc, 0, static_cast<size_t>(count) * sizeof(uint64_t)); }
+    void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(uint64_t)); }
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t i) const { return (uint64_t{n[i]} << 1) % modul; }
     void add(int64_t slot, Left a, int64_t j) {
@@ -138,7 +136,7 @@ struct TableRing {
         capacity = count;
     }
     void open(int64_t slot) { acc[slot] = 0; }
-    void open_all(int64_t count) { memset(acc, 0, static_cast<size_t>(count) * sizeof(uint32_t)); }
+    void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(uint32_t)); }
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t) const { return 0; }  // characteristic 2
     void add(int64_t slot, Left a, int64_t j) { acc[slot] ^= static_cast<uint32_t>(table_mult(a, m[j])); }
@@ -186,7 +184,7 @@ struct LimbRing {
 
   private:
     void open_slots(int64_t slot, int64_t count) {
-        memset(acc + slot * width, 0, static_cast<size_t>(count * width) * sizeof(limb));
+        scratch_clear(acc + slot * width, static_cast<size_t>(count * width) * sizeof(limb));
     }
 };
 }  // namespace tolvex

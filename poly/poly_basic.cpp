@@ -2,6 +2,7 @@
 
 #include "poly/leaf_number.h"
 #include "poly/poly_test.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 /// Puts the new tree in the place of the old one, which goes back only now: it may have been the source.
 static void replace(polyptrr p, poly fresh) {
@@ -50,7 +51,7 @@ void fix_top(polyptrr u) {
 }
 
 /// Which form of the numbers a copy takes over.
-enum class Leaves { by_mode, chains };
+enum class Leaves { by_mode, chains, polled };  // polled: by the mode, with safe points
 
 template <Leaves leaves> static poly copy_node(const polynode* p);
 
@@ -58,6 +59,7 @@ template <Leaves leaves> static poly copy_chain(const polynode* p) {
     poly head = nullptr;
     polyptrr at = &head;
     for (; p != nullptr; p = p->next) {
+        if constexpr (leaves == Leaves::polled) poll_interrupt();
         *at = copy_node<leaves>(p);
         at = &(*at)->next;
     }
@@ -74,6 +76,9 @@ template <Leaves leaves> static poly copy_node(const polynode* p) {
         c->pcoef = copy_chain<leaves>(p->pcoef);
     } else if constexpr (leaves == Leaves::by_mode) {
         c->ncoef = leaf_clone(p->ncoef);
+    } else if constexpr (leaves == Leaves::polled) {
+        newimag(&c->ncoef);
+        num_assign_polled(p->ncoef, c->ncoef);
     } else {
         newimag(&c->ncoef);
         spec_num_assign(p->ncoef, c->ncoef);
@@ -82,6 +87,8 @@ template <Leaves leaves> static poly copy_node(const polynode* p) {
 }
 
 void poly_assign(const polynode* p, polyptrr q) { replace(q, copy_chain<Leaves::by_mode>(p)); }
+
+void poly_assign_polled(const polynode* p, polyptrr q) { replace(q, copy_chain<Leaves::polled>(p)); }
 
 void node_assign(const polynode* p, polyptrr q) { replace(q, copy_node<Leaves::by_mode>(p)); }
 

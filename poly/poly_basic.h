@@ -13,6 +13,8 @@ void remove_dummy(polyptrr u);              ///< u is one term of exp 0 over a n
 /// or one or last term of exp 0 over a number (becomes a leaf).
 void fix_top(polyptrr u);
 void poly_assign(const polynode* p, polyptrr q);
+/// The same with safe points: p stays in place while statements run.
+void poly_assign_polled(const polynode* p, polyptrr q);
 void node_assign(const polynode* p, polyptrr q);       ///< the single node with its coefficient, next nil
 void mini_copy(polyptrr p, polyptrr q);                ///< moves: the new head takes over everything
 void spec_poly_assign(const polynode* p, polyptrr q);  ///< chains are copied whatever the mode

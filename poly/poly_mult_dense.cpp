@@ -114,12 +114,12 @@ void fastest_poly2_mult(poly n, poly m, polyptrr p) {
     const int32_t m_entries = m->exp * stride + m_shape.inner_degree + 1;
     ScratchMark mark = scratch_mark();
     auto* a = scratch_array<int32_t>(n_entries);
-    memset(a, 0, static_cast<size_t>(n_entries) * sizeof(int32_t));
+    scratch_clear(a, static_cast<size_t>(n_entries) * sizeof(int32_t));
     fill_two_levels(n, stride, a);
     int32_t* b = a;
     if (n != m) {
         b = scratch_array<int32_t>(m_entries);
-        memset(b, 0, static_cast<size_t>(m_entries) * sizeof(int32_t));
+        scratch_clear(b, static_cast<size_t>(m_entries) * sizeof(int32_t));
         fill_two_levels(m, stride, b);
     }
     auto* c = scratch_array<int32_t>(static_cast<int64_t>(n_entries) + m_entries - 1);

@@ -56,6 +56,7 @@ void fill_terms(const Product& e, const polynode* p, const Key* weight_of_plan, 
     }
     int64_t at = 0;
     auto sink = [&](Key key, const number* c) {
+        poll_every<k_terms_unpolled>(at);
         keys[at] = key;
         numbers[at++] = c;
     };
@@ -86,7 +87,10 @@ Keys<Key> fill_keys(Product& e, const polynode* n, const polynode* m, const Key*
 
 uint32_t* residues_of(const number* const* numbers, int64_t count) {
     auto* r = scratch_array<uint32_t>(count);
-    for (int64_t i = 0; i < count; i++) r[i] = static_cast<uint32_t>(numbers[i]->lint);
+    for (int64_t i = 0; i < count; i++) {
+        r[i] = static_cast<uint32_t>(numbers[i]->lint);
+        poll_every<k_terms_unpolled>(i);
+    }
     return r;
 }
 
@@ -110,6 +114,7 @@ bool words_of(const number* const* numbers, int64_t count, WordNumbers* w) {
         double magnitude = static_cast<double>(v < 0 ? -v : v);
         if (magnitude > w->largest) w->largest = magnitude;
         w->sum += magnitude;
+        poll_every<k_terms_unpolled>(i);
     }
     return true;
 }
@@ -130,6 +135,7 @@ LimbNumbers limbs_of(const number* const* numbers, int64_t count, int64_t* longe
         length[i] = static_cast<int32_t>(x->head->value < 0 ? -l : l);
         at += l;
         if (l > *longest) *longest = l;
+        poll_every<k_numbers_unpolled>(i);
     }
     return {limbs, start, length};
 }
@@ -263,7 +269,7 @@ template <class Key> struct KeyTable {
         slots = scratch_array<uint32_t>(capacity);
         clear();
     }
-    void clear() { memset(static_cast<void*>(keys), 0xFF, static_cast<size_t>(capacity) * sizeof(Key)); }
+    void clear() { scratch_fill(keys, 0xFF, static_cast<size_t>(capacity) * sizeof(Key)); }
 };
 
 /// One entry of a bucket on its way to the result.
@@ -359,6 +365,7 @@ template <class Key, class Ring> struct BucketProduct {
         std::sort(entries, entries + used,
                   [](const Entry<Key>& a, const Entry<Key>& b) { return a.key > b.key; });
         for (int64_t i = 0; i < used; i++) {
+            poll_every<k_numbers_unpolled>(i);
             poly c = ring.leaf(entries[i].slot);
             if (c != nullptr) builder.put(entries[i].key, c);
         }

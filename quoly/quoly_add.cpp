@@ -47,11 +47,10 @@ static void add_numbers(const quolynode* n, const quolynode* m, quolyptr p, bool
     }
     imptr t;
     newimag(&t);
-    num_assign(a, t);
     if (subtract) {
-        fastdiff(t, b);
+        meddiff(a->size, b->size, a->head, b->head, t);
     } else {
-        fastsum(t, b);
+        medsum(a->size, b->size, a->head, b->head, t);
     }
     receive_number(p, t);
 }

@@ -49,6 +49,14 @@ void spec_scalar_quoly(const number* n, quolyptr q) {
     receive_number(q, copy);
 }
 
+/// *q := the fraction of the two trees, which are used up.
+static void receive_fraction(quolyptr q, poly numer, poly denom, boolean rat) {
+    quoly r = quoly_target(q);
+    r->numer = numer;
+    r->denom = denom;
+    r->rat = rat;
+}
+
 void quoly_assign(const quolynode* p, quolyptr q) {
     if (p == *q) return;
     if (p->numb) {
@@ -58,11 +66,22 @@ void quoly_assign(const quolynode* p, quolyptr q) {
     poly numer = nullptr, denom = nullptr;
     poly_assign(p->numer, &numer);
     if (p->denom != nullptr) poly_assign(p->denom, &denom);
-    boolean rat = p->rat;
-    quoly copy = quoly_target(q);
-    copy->numer = numer;
-    copy->denom = denom;
-    copy->rat = rat;
+    receive_fraction(q, numer, denom, p->rat);
+}
+
+void quoly_assign_polled(const quolynode* p, quolyptr q) {
+    if (p == *q) return;
+    if (p->numb) {
+        imptr copy;
+        newimag(&copy);
+        num_assign_polled(p->ncoef, copy);
+        receive_number(q, copy);
+        return;
+    }
+    poly numer = nullptr, denom = nullptr;
+    poly_assign_polled(p->numer, &numer);
+    if (p->denom != nullptr) poly_assign_polled(p->denom, &denom);
+    receive_fraction(q, numer, denom, p->rat);
 }
 
 void quoly_inplace(quoly q) {

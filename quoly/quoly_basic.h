@@ -6,7 +6,9 @@ void quoly_set(int32_t n, quolyptr q);
 void scalar_to_quoly(const number* n, quolyptr q);    ///< a copy
 void spec_scalar_quoly(const number* n, quolyptr q);  ///< from a chain, in any mode
 void quoly_assign(const quolynode* p, quolyptr q);    ///< deep copy
-void quoly_inplace(quoly q);                          ///< negates
+/// The same with safe points: p stays in place while statements run (copy_value of language/evaluator.h).
+void quoly_assign_polled(const quolynode* p, quolyptr q);
+void quoly_inplace(quoly q);  ///< negates
 void quoly_makeneg(const quolynode* p, quolyptr q);
 void quoly_abs(quoly q);
 boolean quoly_equal(const quolynode* p,

@@ -123,6 +123,7 @@ static void drop_line_rests() {
 /// level 1. Values that only skipped frames held are lost to the pools; the audit takes what is live now as
 /// its base.
 [[noreturn]] static void leave_for_level_1(int32_t failure) {
+    interrupts_held = 1;  // none finds a session half put in order
     eval_state.held = nullptr;
     pop_calls();
     bool suspended = mod_is_changed > 0;
@@ -265,6 +266,7 @@ static SuspendedStatement suspend_statement() {
 }
 
 static void resume_statement(const SuspendedStatement& s) {
+    interrupts_held++;
     ring_assign(s.ring);
     token = s.token;
     zilch = s.zilch;
@@ -280,6 +282,7 @@ static void resume_statement(const SuspendedStatement& s) {
     }
     restore_counters(s.counters);
     scratch_release(s.scratch);
+    interrupts_held--;
 }
 
 static void open_level() {

@@ -21,4 +21,10 @@ inline void poll_interrupt() {
     if (__builtin_expect(interrupt_pending != 0, 0)) take_interrupt();
 #endif
 }
+
+/// Called in every turn k of a loop with short turns: a safe point once in `rhythm` turns, a power of two.
+template <int64_t rhythm> inline void poll_every(int64_t k) {
+    static_assert((rhythm & (rhythm - 1)) == 0);
+    if (__builtin_expect((k & (rhythm - 1)) == rhythm - 1, 0)) poll_interrupt();
+}
 }  // namespace tolvex

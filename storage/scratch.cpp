@@ -1,9 +1,11 @@
 #include "storage/scratch.h"
 
 #include "storage/checked.h"
+#include "storage/interrupt.h"
 #include "storage/memory.h"
 
 #include <cstdlib>
+#include <cstring>
 namespace tolvex {
 namespace {
 constexpr size_t k_align = 64;
@@ -32,14 +34,39 @@ Block* new_block(Block* below, size_t size) {
     return b;
 }
 
-/// Gives back the blocks kept above b.
-void drop_above(Block* b) {
-    for (Block* p = b->above; p != nullptr;) {
-        Block* next = p->above;
-        free(p);
-        p = next;
+Block* dying = nullptr;  // blocks on their way to the system, linked by `above`
+
+/// Gives the dying blocks back, large ones from their end, a piece at a time: a gigabyte takes the system a
+/// tenth of a second. At a safe point the list is whole; a command level may work at it too, or never come
+/// back.
+void bury() {
+    constexpr size_t k_piece = size_t{64} << 20;
+    while (dying != nullptr) {
+        Block* b = dying;
+        if (b->size > 2 * k_piece) {
+            size_t size = b->size - k_piece;
+            auto* shorter = static_cast<Block*>(realloc(b, size + 2 * k_align));
+            if (shorter != nullptr) {
+                shorter->size = size;
+                dying = shorter;
+                poll_interrupt();
+                continue;
+            }
+        }
+        dying = b->above;
+        free(b);
+        poll_interrupt();
     }
-    b->above = nullptr;
+}
+
+/// Takes off the blocks kept above b.
+void drop_above(Block* b) {
+    while (b->above != nullptr) {
+        Block* p = b->above;
+        b->above = p->above;
+        p->above = dying;
+        dying = p;
+    }
 }
 
 unsigned char* aligned(unsigned char* p) {
@@ -57,9 +84,8 @@ void scratch_release(ScratchMark mark) {
         current = b->below;
         if (current == nullptr) {  // the first block is kept for good
             current = b;
-            used = 0;
-            POOL_POISON(current->base(), current->size);
-            return;
+            mark.used = 0;
+            break;
         }
         POOL_POISON(b->base(), b->size);
         if (b->size > k_kept) drop_above(current);
@@ -67,6 +93,7 @@ void scratch_release(ScratchMark mark) {
     used = mark.used;
     if (current != nullptr)
         POOL_POISON(current->base() + used, (top < current->size ? top : current->size) - used);
+    bury();
 }
 
 void* scratch_bytes(size_t bytes) {
@@ -76,7 +103,12 @@ void* scratch_bytes(size_t bytes) {
         Block* next = current->above;
         if (next != nullptr && next->size < bytes + k_align) {
             drop_above(current);
-            next = nullptr;
+            bury();
+            next = current->above;  // a command level may have left one
+            if (next != nullptr && next->size < bytes + k_align) {
+                drop_above(current);
+                next = nullptr;
+            }
         }
         if (next == nullptr) {
             size_t size = current->size * 2;
@@ -91,5 +123,26 @@ void* scratch_bytes(size_t bytes) {
     POOL_UNPOISON(p, bytes);
     used = static_cast<size_t>(p - current->base()) + bytes;
     return p;
+}
+
+static constexpr size_t k_stretch = size_t{1} << 20;  // bytes from one safe point to the next
+
+void scratch_fill(void* at, unsigned char byte, size_t bytes) {
+    auto* p = static_cast<unsigned char*>(at);
+    for (; bytes > k_stretch; p += k_stretch, bytes -= k_stretch) {
+        memset(p, byte, k_stretch);
+        poll_interrupt();
+    }
+    memset(p, byte, bytes);
+}
+
+void scratch_copy(void* to, const void* from, size_t bytes) {
+    auto* p = static_cast<unsigned char*>(to);
+    auto* q = static_cast<const unsigned char*>(from);
+    for (; bytes > k_stretch; p += k_stretch, q += k_stretch, bytes -= k_stretch) {
+        memcpy(p, q, k_stretch);
+        poll_interrupt();
+    }
+    memcpy(p, q, bytes);
 }
 }  // namespace tolvex

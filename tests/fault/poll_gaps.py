@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Looks for computations that reach no safe point for long.
 
-usage: poll_gaps.py --tolvex PATH [--only REGEX] [--least MS] [FILE ...]
+usage: poll_gaps.py --tolvex PATH [--only REGEX] [--least MS] [--seconds S] [--calls N] [FILE ...]
 
 PATH is a program built with -DTOLVEX_POLL_GAPS=ON. The computations of the storm of interrupts (interrupt_storm.py)
 are run, or instead the FILEs, each typed into a session of its own. For each place the longest gap is printed, with the
@@ -30,9 +30,15 @@ def names_of(binary, addresses):
     return [f"{f.replace('tolvex::', '').split('(')[0]} {where.split(' ')[0]}" for f, where in pairs if f != "??"]
 
 
-def run(binary, directory, text):
-    done = subprocess.run([binary], input=text.encode(), stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, cwd=directory)
-    return done.stderr.decode("latin-1")
+def run(binary, directory, text, seconds):
+    with tempfile.TemporaryFile() as errors:
+        try:
+            subprocess.run([binary], input=text.encode(), stdout=subprocess.DEVNULL, stderr=errors, cwd=directory,
+                           timeout=seconds)
+        except subprocess.TimeoutExpired:
+            pass  # what has been seen until then counts
+        errors.seek(0)
+        return errors.read().decode("latin-1")
 
 
 def main():
@@ -40,6 +46,7 @@ def main():
     parser.add_argument("--tolvex", required=True)
     parser.add_argument("--only", default="")
     parser.add_argument("--least", type=float, default=20)
+    parser.add_argument("--seconds", type=float, default=300, help="the most that one input may take")
     parser.add_argument("--calls", type=int, default=9)
     parser.add_argument("files", nargs="*")
     args = parser.parse_args()
@@ -58,7 +65,7 @@ def main():
         for name, text in inputs:
             if not re.search(args.only, name):
                 continue
-            for ms, addresses in GAP.findall(run(binary, directory, text)):
+            for ms, addresses in GAP.findall(run(binary, directory, text, args.seconds)):
                 names = names_of(binary, addresses.split())
                 key = tuple(n.split()[0] for n in names[:3])
                 if float(ms) > worst.get(key, (0,))[0]:
