@@ -1,4 +1,5 @@
 // Built-in functions of coefficients, terms and monomials.
+#include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"
 #include "language/symbols.h"
@@ -187,7 +188,7 @@ static const number* number_at(const polynode* p, const Exponents* e) {
     }
 }
 
-/// Reads the second argument, a monomial, and the ")".
+/// Reads "," and an argument that is a monomial.
 static bool monomial_argument(BuiltinCall& call, Exponents* e) {
     Value m;
     need_comma(call);
@@ -197,22 +198,33 @@ static bool monomial_argument(BuiltinCall& call, Exponents* e) {
     return good;
 }
 
+/// The arguments (p, m) of the functions below. The caller ends with drop_data(&v).
+struct MonomialCall {
+    Value v;
+    Exponents e;
+    polynode leaf;
+    const polynode* p;  // v as a polynomial; nil after an error
+};
+
+static void read_monomial_call(BuiltinCall& call, MonomialCall* m) {
+    open_call(call);
+    get_the_data(call, &m->v);
+    bool good = monomial_argument(call, &m->e);
+    close_call(call);
+    m->p = polynomial_of(value_of(&m->v), &m->leaf, Err::rational_function_argument);
+    if (!good) m->p = nullptr;
+}
+
 /// Nmcoef(p, m): the number in front of m.
 void builtin_Nmcoef(BuiltinCall& call) {
-    open_call(call);
-    Value v;
-    get_the_data(call, &v);
-    Exponents e;
-    bool good = monomial_argument(call, &e);
-    close_call(call);
-    polynode leaf;
-    const polynode* p = polynomial_of(value_of(&v), &leaf, Err::rational_function_argument);
-    const number* x = good && p != nullptr ? number_at(p, &e) : nullptr;
+    MonomialCall m;
+    read_monomial_call(call, &m);
+    const number* x = m.p != nullptr ? number_at(m.p, &m.e) : nullptr;
     if (x != nullptr)
         number_value(call, x);
     else
         quoly_set(0, call.n);
-    drop_data(&v);
+    drop_data(&m.v);
 }
 
 /// Zcoef(p): the number that stands alone.
@@ -228,27 +240,21 @@ void builtin_Zcoef(BuiltinCall& call) {
 
 /// Mcoef(p, m) and Mcoefs(p, m).
 void builtin_Mcoef(BuiltinCall& call) {
-    open_call(call);
-    Value v;
-    get_the_data(call, &v);
-    Exponents e;
-    bool good = monomial_argument(call, &e);
-    close_call(call);
-    polynode leaf;
-    const polynode* p = polynomial_of(value_of(&v), &leaf, Err::rational_function_argument);
+    constexpr int32_t k_divisible_id = 44;  // ORDER BUILTIN_IDS
+    MonomialCall m;
+    read_monomial_call(call, &m);
     poly part = nullptr;
-    if (good && p != nullptr)
-        part = selected(p, &e, call.id == 44 ? Match::divisible : Match::equal);
+    if (m.p != nullptr)
+        part = selected(m.p, &m.e, call.id == k_divisible_id ? Match::divisible : Match::equal);
     else
         poly_set(0, &part);
-    drop_data(&v);
+    drop_data(&m.v);
     return_poly(call, &part);
 }
 
 // ---- Coef ----------------------------------------------------------------------------------------------
 
-/// The level of the main variable, 1 for a number.
-static int32_t main_level(const polynode* p) {
+int32_t main_level(const polynode* p) {
     int32_t level = 1;
     for (; is_pad(p); p = p->pcoef) level++;
     return level;
@@ -278,8 +284,7 @@ static poly coefficient_of_power(const polynode* p, int32_t down, int32_t k) {
     return head;
 }
 
-/// *n, a polynomial or number, becomes its coefficient of the power k of the variable of `level`.
-static void take_coefficient(quolyptr n, int32_t level, int32_t k) {
+void take_coefficient(quolyptr n, int32_t level, int32_t k) {
     poly p = nullptr;
     quoly_consume(n, &p);
     poly c = coefficient_of_power(p, level - 1, k);
@@ -345,6 +350,27 @@ void builtin_Coef(BuiltinCall& call) {
     close_call(call);
 }
 
+/// The number in front of the monomial e becomes x: the difference of both, times the monomial, is added.
+static void change_coef(ResultPlace* place, varptr p, const Exponents* e, const number* x) {
+    polynode leaf;
+    const polynode* target = polynomial_of(p->val, &leaf, Err::rational_function_argument);
+    if (target == nullptr) return;
+    const number* old = number_at(target, e);
+    poly change = monomial_of(e), fresh = nullptr, sum = nullptr;
+    scalar_by_poly(x, change, &fresh);
+    if (old != nullptr) {
+        scalar_by_poly(old, change, &change);
+        best_poly_sub(fresh, change, &fresh);
+    } else {
+        free_poly(&change);
+    }
+    poly_assign(target, &sum);
+    best_poly_add(sum, fresh, &sum);
+    quoly value = nullptr;
+    poly_to_quoly(&sum, &value);
+    set_quotient(place, &value);
+}
+
 /// Rcoef(^p, m, c): the number in front of the monomial m becomes c.
 void builtin_Rcoef(BuiltinCall& call) {
     open_call(call);
@@ -357,27 +383,10 @@ void builtin_Rcoef(BuiltinCall& call) {
     get_the_data(call, &c);
     close_call(call);
     varptr p = place_to_read(&place);
-    if (!value_of(&c)->numb) error(Err::number_expected);
-    if (good && p != nullptr && value_of(&c)->numb) {
-        polynode leaf;
-        const polynode* target = polynomial_of(p->val, &leaf, Err::rational_function_argument);
-        if (target != nullptr) {
-            const number* old = number_at(target, &e);
-            poly change = monomial_of(&e), fresh = nullptr, sum = nullptr;
-            scalar_by_poly(value_of(&c)->ncoef, change, &fresh);
-            if (old != nullptr) {
-                scalar_by_poly(old, change, &change);
-                best_poly_sub(fresh, change, &fresh);
-            } else {
-                free_poly(&change);
-            }
-            poly_assign(target, &sum);
-            best_poly_add(sum, fresh, &sum);
-            quoly value = nullptr;
-            poly_to_quoly(&sum, &value);
-            set_quotient(&place, &value);
-        }
-    }
+    if (!value_of(&c)->numb)
+        error(Err::number_expected);
+    else if (good && p != nullptr)
+        change_coef(&place, p, &e, value_of(&c)->ncoef);
     drop_data(&c);
     quoly_set(0, call.n);
 }

@@ -2,6 +2,7 @@
 #include "language/builtin_table.h"
 #include "language/locations.h"
 #include "language/symbols.h"
+#include "numbers/display_modes.h"
 #include "poly/poly_display.h"
 #include "quoly/quoly_display.h"
 
@@ -41,17 +42,22 @@ static void end_line(bool open) {
     if (open) putchar('\n');
 }
 
-/// ZZ1: the nodes of a value, one a line.
+/// ZZ1 and ZZ2: the nodes of a value, one a line, with the names of the variables or with the numbers of
+/// their levels. ZZ2 switches the display of results off, since it is meant for a session whose variables are
+/// in disorder.
 void builtin_ZZ1(BuiltinCall& call) {
+    constexpr int32_t k_without_names = 107;  // ORDER BUILTIN_IDS
+    polypt names = call.id == k_without_names ? nullptr : polynames;
     Value v;
     standard_read(call, &v);
     const quolynode* q = value_of(&v);
     if (q->numb) {
         end_line(quoly_display(stdout, 1, q));
     } else {
-        crude_poly_disp(stdout, q->numer, 0, polynames);
-        if (q->denom != nullptr) crude_poly_disp(stdout, q->denom, 0, polynames);
+        crude_poly_disp(stdout, q->numer, 0, names);
+        if (q->denom != nullptr) crude_poly_disp(stdout, q->denom, 0, names);
     }
+    if (call.id == k_without_names) noisy = 0;
     drop_data(&v);
     quoly_set(0, call.n);
 }

@@ -1,6 +1,7 @@
 // Built-in functions of polynomials and rational functions: shape, parts, gcd, divisibility, derivatives.
 #include "gcd/polygcd.h"
 #include "gcd/num_content.h"
+#include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"
 #include "language/symbols.h"
@@ -413,7 +414,7 @@ static const number* number_in(const quolynode* q) {
     return is_number(q->numer) ? q->numer->ncoef : nullptr;
 }
 
-static void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
+void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
     const number *x = number_in(a), *y = number_in(b);
     if (x != nullptr && y != nullptr) {
         quoly second = nullptr;

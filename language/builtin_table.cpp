@@ -43,6 +43,7 @@ struct BuiltinRoutines {
         of[10] = builtin_Denom;
         of[11] = builtin_Deriv;
         of[15] = of[60] = of[80] = builtin_Divides;
+        of[16] = builtin_Egcd;
         of[17] = of[18] = builtin_Equal;
         of[22] = builtin_Ignore;
         of[24] = of[25] = builtin_Func;
@@ -88,7 +89,7 @@ struct BuiltinRoutines {
         of[103] = builtin_Var;
         of[104] = builtin_Vars;
         of[105] = builtin_Zap;
-        of[106] = builtin_ZZ1;
+        of[106] = of[107] = builtin_ZZ1;
         of[108] = builtin_ZZ3;
         of[109] = builtin_Zcoef;
     }

@@ -22,6 +22,7 @@ void builtin_Deg(BuiltinCall& call);
 void builtin_Denom(BuiltinCall& call);
 void builtin_Deriv(BuiltinCall& call);
 void builtin_Divides(BuiltinCall& call);
+void builtin_Egcd(BuiltinCall& call);
 void builtin_Equal(BuiltinCall& call);
 void builtin_Fterms(BuiltinCall& call);
 void builtin_Func(BuiltinCall& call);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 namespace tolvex {
+inline boolean noisy = 1;  // display results                     writers: &N, ZZ2
 inline boolean uglyprint = 0;         // compact form that any reader takes   writers: &U
 inline boolean alt_form_display = 1;  // symmetric residues                   writers: &H, table fields
 inline int16_t dispcutoff = 76;       // line length of output                writers: &_d

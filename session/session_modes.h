@@ -7,6 +7,7 @@
 /// return and
 ///            promptsize 0. levelcount and time_level are 1 at the main loop.
 #include "language/tokens/token.h"
+#include "numbers/display_modes.h"
 #include "quoly/quoly.h"
 #include "storage/types.h"
 
@@ -22,7 +23,6 @@ inline constexpr int32_t k_prompt_length = 10;
 inline char prompt[k_prompt_length + 1] = ">";  // writers: &M
 inline int16_t promptsize = 1;
 
-inline boolean noisy = 1;         // display results               writers: &N
 inline boolean extra_line = 1;    // blank line after a display    writers: &E
 inline boolean timerflag = 0;     // time line after a statement   writers: &t
 inline boolean errorpush = 0;     // errors push a level           writers: &e

@@ -155,6 +155,7 @@ enum class Err : int32_t {
     trace_not_square = 194,
     rational_not_allowed = 196,
     builtin_comma = 202,
+    egcd_fraction = 203,
     negative_exponents = 205,
     by_reference_missing = 206,
     by_reference_needed = 207,
