@@ -10,6 +10,7 @@ inline int32_t statcount = 0;    // depth of user-function calls
 inline int32_t uninit = 0;       // uninitialised elements seen in this statement
 inline boolean matrix_eval = 0;
 inline boolean syst_dump = 0;  // the system array is to be displayed
+inline FILE* outpuf = nullptr;  // the output file, nil: none                 writers: session/save_file
 // Requests of the statement that has just run: leave the function, leave the loop, go on with its next turn.
 inline boolean exit_flag = 0, leave_flag = 0, cycle_flag = 0;
 
@@ -25,9 +26,10 @@ struct held_operand {
 /// and puts it back after a jump: all zero at level 1.
 struct EvalState {
     held_operand* held;  // innermost first; not nil: a value is half computed, the ring must not change
-    boolean bar_closes;  // between bars: "|" closes and is no remainder sign
+    boolean bar_closes;  // k_bar_closes, k_line_closes: what ends an expression here (language/evaluator.h)
     polypt user_names;   // the list of variables while a display uses another one; nil: polynames is in force
     boolean user_line_sup;  // and do_line_sup that goes with it
+    boolean plain_residues;  // a save has put alt_form_display aside, which was set
 };
 inline EvalState eval_state = {};
 }  // namespace tolvex

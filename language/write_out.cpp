@@ -1,6 +1,7 @@
 #include "language/write_out.h"
 
 #include "language/evaluator.h"
+#include "language/language_modes.h"
 #include "language/ports.h"
 #include "language/symbols.h"
 #include "poly/poly_vars.h"
@@ -12,6 +13,12 @@ namespace tolvex {
 
 static constexpr int32_t k_text_limit = 255;  // characters of a text that are kept, and the widest field
 
+/// Where an output goes. In the output file lines are not broken by marks and nothing is shortened.
+struct Sink {
+    FILE* file;
+    boolean terminal;
+};
+
 /// What ":" says about an item.
 struct Suffix {
     bool given;      // a width, or "char"
@@ -19,8 +26,8 @@ struct Suffix {
     int32_t width;
 };
 
-static void fill(int32_t width, int32_t written) {
-    for (; written < width; written++) putchar(' ');
+static void fill(const Sink& out, int32_t width, int32_t written) {
+    for (; written < width; written++) putc_unlocked(' ', out.file);
 }
 
 static int32_t read_width(FILE* inf, nameptr* flag) {
@@ -47,7 +54,7 @@ static Suffix read_suffix(FILE* inf, nameptr* flag) {
 }
 
 /// 'text': the opening quote is the current token.
-static void handle_quote(FILE* inf, nameptr* flag) {
+static void handle_quote(FILE* inf, nameptr* flag, const Sink& out) {
     char text[k_text_limit + 1];
     int32_t length = 0;
     boolean eoln = 0;
@@ -62,49 +69,49 @@ static void handle_quote(FILE* inf, nameptr* flag) {
     }
     next_token(inf, flag);
     Suffix s = read_suffix(inf, flag);
-    fwrite(text, 1, static_cast<size_t>(length), stdout);
-    fill(s.width, length);
+    fwrite(text, 1, static_cast<size_t>(length), out.file);
+    fill(out, s.width, length);
 }
 
 /// A number 1 to 255 as that byte, everything else as "?".
-static void write_character(const quolynode* q) {
+static void write_character(const quolynode* q, const Sink& out) {
     int32_t code = q->numb ? big_quoly_convert_to_int(q) : 0;
-    putchar(code >= 1 && code <= k_text_limit ? code : '?');
+    putc_unlocked(code >= 1 && code <= k_text_limit ? code : '?', out.file);
 }
 
 /// A value that is followed by a width: no blank in front, blanks behind it.
-static void write_in_field(const quolynode* q, int32_t width) {
+static void write_in_field(const quolynode* q, int32_t width, const Sink& out) {
     char* text = nullptr;
     size_t length = 0;
     FILE* f = open_memstream(&text, &length);
     if (f == nullptr) {
-        quoly_display(stdout, 1, q);
+        quoly_display(out.file, out.terminal, q);
         return;
     }
-    quoly_display(f, 1, q);
+    quoly_display(f, out.terminal, q);
     fclose(f);
     const char* shown = text[0] == ' ' ? text + 1 : text;
-    fputs(shown, stdout);
+    fputs(shown, out.file);
     size_t n = strlen(shown);
-    fill(width, n > k_text_limit ? width : static_cast<int32_t>(n));
+    fill(out, width, n > k_text_limit ? width : static_cast<int32_t>(n));
     free(text);
 }
 
-static void write_value(const quolynode* q, const Suffix& s) {
+static void write_value(const quolynode* q, const Suffix& s, const Sink& out) {
     if (s.character) {
-        write_character(q);
-        fill(s.width, 1);
+        write_character(q, out);
+        fill(out, s.width, 1);
     } else if (s.given) {
-        write_in_field(q, s.width);
+        write_in_field(q, s.width, out);
     } else {
-        quoly_display(stdout, 1, q);
+        quoly_display(out.file, out.terminal, q);
     }
 }
 
 /// One item of a list: a text, or an expression, which is shown where it lives for "^x".
-static void one_write_out(FILE* inf, nameptr* flag) {
+static void one_write_out(FILE* inf, nameptr* flag, const Sink& out) {
     if (at_char('\'')) {
-        handle_quote(inf, flag);
+        handle_quote(inf, flag, out);
         return;
     }
     if (at_char(';') || tok_is(token, k_end_token)) {
@@ -116,23 +123,34 @@ static void one_write_out(FILE* inf, nameptr* flag) {
     read_expression(inf, &v, flag);
     hold(&v);
     Suffix s = read_suffix(inf, flag);
-    write_value(value_of(&v), s);
+    write_value(value_of(&v), s, out);
     let_go(&v);
     release(&v);
 }
 
-/// "&o" in front of a list sends it to the output file; none is open.
-static void output_file(FILE* inf, nameptr* flag) {
+/// "&o" in front of a list sends it to the output file; "," may stand behind it. False after an error.
+static bool to_output_file(FILE* inf, nameptr* flag, Sink* out) {
     next_token(inf, flag);
-    error(tok_is(token, "o") ? Err::no_output_file : Err::not_the_output_file);
+    Err fault = !tok_is(token, "o") ? Err::not_the_output_file : outpuf == nullptr ? Err::no_output_file : Err{};
+    if (fault != Err{}) {
+        error(fault);
+        return false;
+    }
+    *out = {outpuf, 0};
+    next_token(inf, flag);
+    if (at_char(',')) next_token(inf, flag);
+    return true;
 }
 
 static void write_list(FILE* inf, nameptr* flag) {
-    do {
+    Sink out = {stdout, 1};
+    next_token(inf, flag);
+    if (at_char('&') && !to_output_file(inf, flag, &out)) return;
+    one_write_out(inf, flag, out);
+    while (at_char(',')) {
         next_token(inf, flag);
-        if (at_char('&')) output_file(inf, flag);
-        one_write_out(inf, flag);
-    } while (at_char(','));
+        one_write_out(inf, flag, out);
+    }
     if (at_char(';') || tok_is(token, k_end_token))
         error(Err::output_not_closed, ";");
     else
@@ -148,7 +166,7 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
     } else if (at_char('(')) {
         write_list(inf, flag);
     } else if (at_char('\'')) {
-        handle_quote(inf, flag);
+        handle_quote(inf, flag, {stdout, 1});
     } else {
         Value v;
         read_factor(inf, &v, flag);

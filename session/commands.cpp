@@ -14,11 +14,14 @@
 #include "quoly/quoly_display.h"
 #include "session/jumps.h"
 #include "session/levels.h"
+#include "session/listing.h"
+#include "session/load.h"
 #include "session/loop.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/status.h"
 #include "session/switch_table.h"
@@ -151,6 +154,75 @@ static After gcd_stash_stack(Command& c) {
     return After::read_next;
 }
 
+// ---- files and listings --------------------------------------------------------------------------------
+
+/// `&f`, `&F`.
+static After list_functions(Command& c) {
+    listfuncs(c.inf, c.flag);
+    return After::stay;
+}
+
+/// `&v;` and `&v:`.
+static After list_variables(Command& c) {
+    next_token(c.inf, c.flag);
+    bool names_only = tok_is(token, ":");
+    if (!names_only && !tok_is(token, ";") && !tok_is(token, k_end_token)) {
+        error(Err::listing_terminator);
+        return After::stay;
+    }
+    listvars(!names_only);
+    return After::stay;
+}
+
+/// The answer to the question for a file name; "@" takes the command back: false then, and after an error.
+static bool ask_file_name(const char* text, const char* taken_back, char* name) {
+    QuestionMark mark = open_question(text);
+    nameptr terminal = nullptr;
+    bool given = !tok_is(token, "@");
+    if (!given) {
+        printf("%s", taken_back);
+        next_token(Input, &terminal);
+    } else if (tok_is(token, "'")) {
+        given = read_quoted(Input, &terminal, name);
+    } else if (at_terminator()) {
+        given = false;
+        error(Err::file_name_missing);
+    } else {
+        strcpy(name, tok_text(token));
+        putchar('\n');
+    }
+    close_question(mark);
+    return given;
+}
+
+/// `&r` runs the open file on or again; without one, and for `&R`, a name is asked for.
+static After load_command(Command& c) {
+    char name[k_text_length + 1];
+    if (inpuf != nullptr && !tok_is(token, "R")) {
+        load_again();
+    } else if (ask_file_name("Enter name of input file: \n", "*** Read cancelled\n", name)) {
+        load_named(name, c.stored());
+    }
+    return After::read_next;
+}
+
+/// `&s` writes the session into the open file; without one, and for `&S`, a name is asked for.
+static After save_command(Command& c) {
+    char name[k_text_length + 1];
+    if (outpuf != nullptr && !tok_is(token, "S")) {
+        save_session();
+    } else if (ask_file_name("Enter name of output file: \n", "*** Save cancelled\n", name)) {
+        save_named(name, c.stored());
+    }
+    return After::read_next;
+}
+
+/// `&x`: only a file has an end to be reached before its time.
+static After end_load(Command&) {
+    if (!tt_flag) done_load = 1;
+    return After::read_next;
+}
+
 // ---- figures -------------------------------------------------------------------------------------------
 
 static After clock_ticks(Command& c) {
@@ -247,7 +319,7 @@ static After output_only(Command&) {
     return After::read_next;
 }
 
-/// The end of a load, and the display of a work array: nothing to end, nothing to show.
+/// The display of a work array: nothing to show.
 static After nothing(Command&) { return After::read_next; }
 
 // ---- dispatch ------------------------------------------------------------------------------------------
@@ -258,10 +330,13 @@ static const CommandRow commands[] = {
     {">", "leaves the innermost loop; in a stored list only", leave_loop},
     {"@", "panic stop: back to level 1", stop},
     {"C", "`&C+`, `&C-`: the stack of gcd stashing", gcd_stash_stack},
+    {"F", "as `&f`", list_functions},
     {"G", "reports how many records are free", report_garbage},
     {"J", "polynomial variables; asks for them", polynomial_variables},
     {"M", "asks for the prompt: a line of at most 9 characters, a blank for none", ask_prompt},
     {"Q", "leaves the program", quit},
+    {"R", "asks for the name of a file of statements and runs it", load_command},
+    {"S", "asks for the name of the output file", save_command},
     {"T", "the processor time used", clock_ticks},
     {"]", "the next turn of the innermost loop; in a stored list only", cycle_loop},
     {"_G", "empties the lists of free records", empty_free_lists},
@@ -271,6 +346,8 @@ static const CommandRow commands[] = {
     {"_p", "leaves a command level above 1", pop_level},
     {"a", "the other array origin", toggle_addresser},
     {"d", "asks for the display size of decimal values", ask_disp_size},
+    {"f", "`&f`: the functions; `&f,F`: function F in full; `&f*`: all in full; `&f<F`: the last control statement",
+     list_functions},
     {"g", "shows the settings", show_settings},
     {"h", "the memory left, in bytes", memory_left},
     {"o", "in output statements only: `!(&o, x)`", output_only},
@@ -279,7 +356,10 @@ static const CommandRow commands[] = {
      "ground ring: leaves modular mode, or asks for the modulus. `&p(x, [a])` converts only what is listed",
      ground_ring},
     {"q", "leaves the program", quit},
-    {"x", "ends the loading of a file", nothing},
+    {"r", "runs the open input file on, or from its beginning; asks for a file if none is open", load_command},
+    {"s", "saves the session to the open output file; asks for a file if none is open", save_command},
+    {"v", "`&v;`: the variables with their values, and the arrays; `&v:`: the names", list_variables},
+    {"x", "ends the loading of a file", end_load},
     {"}", "leaves the function; in a stored list only", leave_function},
 };
 

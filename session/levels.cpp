@@ -11,9 +11,12 @@
 #include "poly/poly_modes.h"
 #include "quoly/quoly_mult.h"
 #include "session/jumps.h"
+#include "session/load.h"
 #include "session/loop.h"
 #include "session/messages.h"
 #include "session/modulus.h"
+#include "session/plain_display.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/startup.h"
 #include "storage/audit.h"
@@ -54,8 +57,9 @@ static void restore_counters(const StatementCounters& s) {
     original_depth = s.depth;
 }
 
-/// Variables that a display had put in force give way to the user's.
+/// Variables and the form of residues that a display had put in force give way to the user's.
 static void back_to_user_names() {
+    end_plain_residues();
     if (eval_state.user_names == nullptr) return;
     polynames = eval_state.user_names;
     do_line_sup = eval_state.user_line_sup;
@@ -135,6 +139,8 @@ static void drop_line_rests() {
     scratch_release({nullptr, 0});
     drop_line_rests();
     close_startup();
+    forget_loads();
+    forget_image();
     clear_statement_counters();
     dumpitt_length = dumpitt_level = 0;
     tt_flag = 1;
@@ -181,6 +187,7 @@ static void report_error(int32_t k, const char* text) {
     printf("*** Inappropriate symbol: %s\n", shown_token(text));
     out_err_mess(k);
     report_definition(static_cast<Err>(k));
+    report_load_place();
     report_place();
     report_trail();
 }
@@ -238,7 +245,7 @@ struct SuspendedStatement {
     RingState ring;
     tokentipe token;
     nameptr zilch;
-    boolean tt_flag, bar_closes, linesuppression;
+    boolean tt_flag, bar_closes, linesuppression, plain_residues, done_load, minus_warning;
     StoredPlace place;
     polypt names;  // variables in force instead of the user's; nil: the user's
     StatementCounters counters;
@@ -252,6 +259,9 @@ static SuspendedStatement suspend_statement() {
                             tt_flag,
                             eval_state.bar_closes,
                             linesuppression,
+                            eval_state.plain_residues,
+                            done_load,
+                            minus_warning,
                             set_statement_aside(),
                             eval_state.user_names == nullptr ? nullptr : polynames,
                             save_counters(),
@@ -273,6 +283,9 @@ static void resume_statement(const SuspendedStatement& s) {
     tt_flag = s.tt_flag;
     eval_state.bar_closes = s.bar_closes;
     linesuppression = s.linesuppression;
+    if (s.plain_residues) begin_plain_residues();
+    done_load = s.done_load;
+    minus_warning = s.minus_warning;
     resume_stored_place(s.place);
     if (s.names != nullptr) {
         eval_state.user_names = polynames;

@@ -9,6 +9,7 @@
 ///            changed, the scratch stack and the per-statement counters are put in order there.
 /// Raises     everything here leaves by a long jump or returns as storage/failure.h says.
 #include "storage/failure.h"
+#include "storage/interrupt.h"
 
 #include <cstdint>
 namespace tolvex {
@@ -18,8 +19,6 @@ namespace tolvex {
 void new_level();
 /// Binds the interrupt signal.
 void install_interrupt_handler();
-/// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables.
-inline int32_t interrupts_held = 0;
 /// The counters that belong to one statement start anew.
 void clear_statement_counters();
 }  // namespace tolvex

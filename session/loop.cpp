@@ -9,6 +9,7 @@
 #include "quoly/quoly_display.h"
 #include "session/jumps.h"
 #include "session/levels.h"
+#include "session/save_file.h"
 #include "storage/audit.h"
 #include "storage/failure.h"
 #include "storage/interrupt.h"
@@ -154,6 +155,7 @@ static void restart_input(int32_t failure) {
         again = places[i].offset == offset && places[i].failure == failure;
     if (again) {
         printf("*** The input fails again at the same place. Giving up.\n");
+        finish_output_file();
         fflush(Output);
         exit(1);
     }

@@ -4,6 +4,7 @@
 // no locals.
 #include "session/jumps.h"
 #include "session/loop.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/startup.h"
 
@@ -26,6 +27,7 @@ int main(int, char** argv) {
     using namespace tolvex;
     set_up_streams();
     if (setjmp(buf98) != 0) {
+        finish_output_file();
         printf("\n bye\n");
         fflush(stdout);
         return 0;

@@ -5,6 +5,7 @@
 #include "numbers/display_modes.h"
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 
@@ -63,6 +64,11 @@ static void polyvar_lines() {
     if (field_depth > 0) printf(" Field depth is: %1d.\n", field_depth);
 }
 
+static void file_lines() {
+    if (inpuf != nullptr) printf(" Reading from file %s.\n", input_file_name);
+    if (outpuf != nullptr) printf(" Saving to file %s.\n", output_file_name);
+}
+
 static void prime_lines() {
     printf(" There are 0 first auxiliary primes: \n There are no second auxiliary primes.\n");
 }
@@ -88,6 +94,9 @@ static void show_line(StatusLine line) {
         break;
     case StatusLine::prompt_text:
         prompt_lines();
+        break;
+    case StatusLine::files:
+        file_lines();
         break;
     case StatusLine::polyvars:
         polyvar_lines();

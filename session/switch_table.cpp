@@ -110,7 +110,7 @@ static bool store_lagrange_cut(SwitchStore& s) {
 
 static bool store_addresser(SwitchStore& s) {
     if (!s.asked && s.value == addresser) {
-        printf(" Already had that value; no change in error pushing.\n");
+        if (s.loud) printf(" Already had that value; no change in error pushing.\n");
         return true;
     }
     if (s.asked) s.value = 1 - addresser;
@@ -124,7 +124,7 @@ static bool store_interrupt_level(SwitchStore& s) {
     if (!in_range(s.value, 0, 2, Err::interrupt_level)) return false;
     s.left = s.value;
     if (!s.asked && s.value == m_interrupt) {
-        printf(" Already had that value; no change in command interrupt.\n");
+        if (s.loud) printf(" Already had that value; no change in command interrupt.\n");
         return true;
     }
     m_interrupt = s.value;

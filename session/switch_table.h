@@ -43,6 +43,7 @@ enum class StatusLine : int32_t {
     more_comments,
     lagrange,
     timing,
+    files,
     random,
     polyvars,
     exponents,

@@ -8,10 +8,12 @@
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
 #include "quoly/quoly_basic.h"
+#include "session/load.h"
 #include "session/loop.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/ring_list.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 #include "storage/failure.h"
@@ -32,11 +34,7 @@ void leave_value(quolyptr n, int64_t v) {
 
 // ---- texts ---------------------------------------------------------------------------------------------
 
-static constexpr int32_t k_text_length = 255;
-
-/// The quoted text whose opening "'" is current, raw, into text; the token behind the closing one is current
-/// then. False after an error.
-static bool read_quoted(FILE* inf, nameptr* flag, char* text) {
+bool read_quoted(FILE* inf, nameptr* flag, char* text) {
     int32_t n = 0;
     Err fault = Err{};
     while (fault == Err{}) {
@@ -90,10 +88,12 @@ static void set_text_form(FILE* inf, nameptr* flag, const char* letter) {
     bool names_file = strcmp(letter, "M") != 0;
     if (!tok_is(token, ")")) {
         error(Err::switch_close_paren);
-    } else if (names_file && (*text == 0 || strcmp(text, " ") == 0)) {
+    } else if (names_file && strcmp(text, " ") == 0) {
         error(Err::bad_file_name);
-    } else if (names_file) {
-        error(Err::switch_unknown, letter);
+    } else if (strcmp(letter, "R") == 0) {
+        load_named(text, *flag != nullptr);
+    } else if (strcmp(letter, "S") == 0) {
+        save_named(text, *flag != nullptr);
     } else {
         set_prompt(text);
     }

@@ -9,6 +9,10 @@
 namespace tolvex {
 /// "(" is current; on return ")" is. *n := what the statement leaves, nil for 0.
 void set_switch(FILE* inf, quolyptr n, nameptr* flag);
+inline constexpr int32_t k_text_length = 255;
+/// The quoted text whose opening "'" is current, raw, into text (k_text_length + 1 bytes); the token behind
+/// the closing one is current then. False after error 33, 103 or 209.
+bool read_quoted(FILE* inf, nameptr* flag, char* text);
 /// *n := the word v as the language reads it back: a residue in modular mode.
 void leave_value(quolyptr n, int64_t v);
 /// The text becomes the prompt: " " and what is longer than 10 characters have their own meaning.

@@ -16,6 +16,10 @@ inline boolean danger_ok = 0;    // interrupts are safe everywhere   writers: &Z
 inline int32_t m_interrupt = 1;  // command interrupt level 0..2     writers: &m
 inline int32_t cmd_modder = 32;  // polling rhythm of that level     writers: &m
 
+/// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables, or a display
+/// has changed a setting.
+inline int32_t interrupts_held = 0;
+
 inline void poll_interrupt() {
 #ifndef TOLVEX_NO_POLL
     if (__builtin_expect(interrupt_pending != 0, 0)) take_interrupt();

@@ -23,6 +23,9 @@ Then '> TEXT' is sent as a line ('>~ TEXT' without the line feed, '>b TEXT' with
 other line is expected: as it stands, {has}TEXT, {re}REGEX, {msg N} (message N of the data directory), or '...' for
 any number of lines. Prompts at line starts are removed.
 
+  restart                  a new process in the same directory; what follows is sent to it
+  saved NAME ... endsaved  the lines of a file when the process has ended, empty ones left out, as expected lines
+
 Anything on standard error that a checked build writes ("leak audit", "CHECK failed", sanitizer reports) fails the case.
 """
 import argparse
@@ -38,11 +41,19 @@ TROUBLE = re.compile(r"leak audit|CHECK failed|Sanitizer|runtime error:")
 FAREWELL = " bye"
 
 
+class Session:
+    """what one process is sent, what it answers, and the files that it leaves"""
+
+    def __init__(self):
+        self.sent, self.expect, self.saved = [], [], []
+
+
 class Case:
     def __init__(self, path, line, title):
         self.path, self.line, self.title = path, line, title
         self.options, self.lists = {}, {"prompt": [], "absent": [], "without": [], "damage": [], "nofile": []}
-        self.files, self.sent, self.expect = {}, [], []
+        self.files = {}
+        self.sessions = [Session()]
 
     @property
     def name(self):
@@ -65,35 +76,48 @@ def parse(path):
             if text.strip():
                 sys.exit(f"{path}:{i}: text before the first title")
             continue
-        header = HEADER.match(text) if not case.sent and not case.expect else None
+        session = case.sessions[-1]
+        begun = session.sent or session.expect or len(case.sessions) > 1
+        header = None if begun else HEADER.match(text)
         if header:
             key, value = header.groups()
             if key in case.lists:
                 case.lists[key].append(value)
             else:
                 case.options[key] = value.strip()
-        elif text.startswith("file ") and not case.sent:
+        elif text == "restart":
+            case.sessions.append(Session())
+        elif text.startswith("saved "):
+            end = lines.index("endsaved", i)
+            session.saved.append((text[6:].strip(), [(k + 1, lines[k]) for k in range(i, end) if lines[k]]))
+            i = end + 1
+        elif text.startswith("file ") and not begun:
             end = lines.index("endfile", i)
             name, content = text[5:].strip(), "".join(t + "\n" for t in lines[i:end])
             if name.endswith(" nolf"):
                 name, content = name[:-5], content[:-1]
             case.files[name], i = content, end + 1
         elif text == ">" or text.startswith("> "):
-            case.sent.append(text[2:].encode() + b"\n")
+            session.sent.append(text[2:].encode() + b"\n")
         elif text.startswith(">~ "):
-            case.sent.append(text[3:].encode())
+            session.sent.append(text[3:].encode())
         elif text.startswith(">b "):
-            case.sent.append(text[3:].encode().decode("unicode_escape").encode("latin-1") + b"\n")
+            session.sent.append(text[3:].encode().decode("unicode_escape").encode("latin-1") + b"\n")
         else:
-            case.expect.append((i, text))
+            session.expect.append((i, text))
     for case in cases:
-        if case.options.get("blank") != "exact":
-            case.expect = [e for e in case.expect if e[1] != ""]
-        while case.expect and case.expect[-1][1] == "":
-            case.expect.pop()
-        if not case.sent and case.options.get("eof") != "yes":
-            sys.exit(f"{case.name}: nothing is sent")
+        for session in case.sessions:
+            finish_session(case, session)
     return cases
+
+
+def finish_session(case, session):
+    if case.options.get("blank") != "exact":
+        session.expect = [e for e in session.expect if e[1] != ""]
+    while session.expect and session.expect[-1][1] == "":
+        session.expect.pop()
+    if not session.sent and case.options.get("eof") != "yes":
+        sys.exit(f"{case.name}: nothing is sent")
 
 
 def matches(pattern, text, messages):
@@ -180,6 +204,49 @@ def visible(case, output):
     return lines, ""
 
 
+def run_session(case, session, program, directory, messages, scale):
+    text = b"".join(session.sent)
+    if case.options.get("eof") != "yes" and not text.endswith((b"&q\n", b"&Q\n")):
+        text += (b"" if text.endswith(b"\n") else b"\n") + b"&q\n"
+    limit = float(case.options.get("time", "10")) * scale
+    try:
+        if case.options.get("stdin") == "file":
+            with tempfile.TemporaryFile() as handle:
+                handle.write(text)
+                handle.seek(0)
+                done = subprocess.run([program], cwd=directory, stdin=handle, capture_output=True, timeout=limit)
+        else:
+            done = subprocess.run([program], cwd=directory, input=text, capture_output=True, timeout=limit)
+    except subprocess.TimeoutExpired:
+        return f"  no end within {limit:g} s"
+    errors = done.stderr.decode("utf-8", "replace")
+    if TROUBLE.search(errors):
+        return "  " + "\n  ".join(errors.split("\n")[:25])
+    status = int(case.options.get("status", "0"))
+    if done.returncode != status:
+        tail = done.stdout.decode("utf-8", "replace")[-800:]
+        return f"  exit status {done.returncode}, expected {status}\n{tail}\n{errors[:800]}"
+    lines, tail = visible(case, done.stdout)
+    if lines is None:
+        return f"  the output does not end with '{FAREWELL}':\n{tail}"
+    for text in case.lists["absent"]:
+        if any(text in line for line in lines):
+            return f"  unwanted text: {text}"
+    return compare(session.expect, lines, messages) or compare_files(session, directory, messages)
+
+
+def compare_files(session, directory, messages):
+    for name, expect in session.saved:
+        path = os.path.join(directory, name)
+        if not os.path.exists(path):
+            return f"  no file {name}"
+        with open(path, encoding="utf-8") as handle:
+            report = compare(expect, [line for line in handle.read().split("\n") if line], messages)
+        if report:
+            return f"  the file {name}\n{report}"
+    return ""
+
+
 def run(case, binary, messages, scale):
     directory = tempfile.mkdtemp(prefix="transcript-")
     try:
@@ -192,35 +259,12 @@ def run(case, binary, messages, scale):
             os.makedirs(os.path.dirname(path), exist_ok=True)
             with open(path, "w", encoding="utf-8") as handle:
                 handle.write(content)
-        text = b"".join(case.sent)
-        if case.options.get("eof") != "yes" and not text.endswith((b"&q\n", b"&Q\n")):
-            text += (b"" if text.endswith(b"\n") else b"\n") + b"&q\n"
         program = binary_for(case, binary, directory)
-        limit = float(case.options.get("time", "10")) * scale
-        try:
-            if case.options.get("stdin") == "file":
-                with tempfile.TemporaryFile() as handle:
-                    handle.write(text)
-                    handle.seek(0)
-                    done = subprocess.run([program], cwd=directory, stdin=handle, capture_output=True, timeout=limit)
-            else:
-                done = subprocess.run([program], cwd=directory, input=text, capture_output=True, timeout=limit)
-        except subprocess.TimeoutExpired:
-            return f"  no end within {limit:g} s"
-        errors = done.stderr.decode("utf-8", "replace")
-        if TROUBLE.search(errors):
-            return "  " + "\n  ".join(errors.split("\n")[:25])
-        status = int(case.options.get("status", "0"))
-        if done.returncode != status:
-            tail = done.stdout.decode("utf-8", "replace")[-800:]
-            return f"  exit status {done.returncode}, expected {status}\n{tail}\n{errors[:800]}"
-        lines, tail = visible(case, done.stdout)
-        if lines is None:
-            return f"  the output does not end with '{FAREWELL}':\n{tail}"
-        for text in case.lists["absent"]:
-            if any(text in line for line in lines):
-                return f"  unwanted text: {text}"
-        return compare(case.expect, lines, messages)
+        for session in case.sessions:
+            report = run_session(case, session, program, directory, messages, scale)
+            if report:
+                return report
+        return ""
     finally:
         shutil.rmtree(directory, ignore_errors=True)
 
