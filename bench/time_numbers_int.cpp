@@ -86,7 +86,7 @@ void factorial_of(benchmark::State& state) {
     special_free(&n);
 }
 
-/// Limb products alone, by limbs: the crossing of Karatsuba's method and the transform.
+/// Limb products alone, by limbs: the crossings of the methods.
 template <void (*Multiply)(limb*, const limb*, int64_t, const limb*, int64_t)>
 void limb_product(benchmark::State& state) {
     test::set_up_once();
@@ -102,7 +102,7 @@ void decimal_lengths(benchmark::internal::Benchmark* b) {
     for (int64_t d : {7, 14, 28, 100, 1000, 10000, 100000}) b->Arg(d);
 }
 void limb_lengths(benchmark::internal::Benchmark* b) {
-    for (int64_t n : {26, 36, 52, 100, 200, 520, 800, 1200, 1600, 5200}) b->Arg(n);
+    for (int64_t n : {26, 36, 52, 100, 200, 520, 800, 1200, 1600, 2100, 2700, 3400, 4200, 5200}) b->Arg(n);
 }
 }  // namespace
 
@@ -116,4 +116,10 @@ BENCHMARK(square_root_of)->Apply(decimal_lengths);
 BENCHMARK(factorial_of)->Arg(20)->Arg(1000)->Arg(20000);
 BENCHMARK(limb_product<limbs_mul>)->Apply(limb_lengths);
 BENCHMARK(limb_product<limbs_mul_school>)->Arg(26)->Arg(36)->Arg(52)->Arg(100);
-BENCHMARK(limb_product<limbs_mul_transform>)->Arg(800)->Arg(1200)->Arg(1600)->Arg(5200);
+BENCHMARK(limb_product<limbs_mul_transform>)
+    ->Arg(1600)
+    ->Arg(2100)
+    ->Arg(2700)
+    ->Arg(3400)
+    ->Arg(4200)
+    ->Arg(5200);

@@ -2,9 +2,9 @@
 /// numbers/limbs.h: arrays of 64-bit limbs, the working form of big integers inside one operation.
 ///
 /// Purpose    chains are unpacked once (28-bit digits to little-endian limbs), worked on in arrays, and
-///            written once. Methods by length: products schoolbook, Karatsuba, transforms (limb_ntt.h);
-///            quotients schoolbook, Burnikel-Ziegler; gcds Lehmer, half-gcd (limb_lehmer.h); roots
-///            Zimmermann.
+///            written once. Methods by length: products schoolbook, Karatsuba, Toom-Cook, transforms
+///            (limb_ntt.h); quotients schoolbook, Burnikel-Ziegler; gcds Lehmer, half-gcd (limb_lehmer.h);
+///            roots Zimmermann.
 /// Invariant  operands are read only, and lengths are exact (top limb not 0), except where said.
 /// Ownership  all scratch comes from storage/scratch.h and is given back before return. A caller takes its
 ///            arrays from a LimbArena, or from scratch with a mark of its own.

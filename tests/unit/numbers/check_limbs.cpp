@@ -144,6 +144,29 @@ TEST(Limbs, karatsuba_at_every_length) {
     }
 }
 
+// Lengths where the operands are cut in three, with all remainders; and the greatest and sparsest operands.
+TEST(Limbs, three_parts_at_many_lengths) {
+    set_up_once();
+    Rng rng(run_seed());
+    for (int64_t n = 110; n <= 420; n++) {
+        Vec a = random_limbs(rng, n), b = random_limbs(rng, n);
+        ASSERT_EQ(product(a, b), school(a, b)) << n;
+        ASSERT_EQ(square(a), school(a, a)) << n;
+        Vec full(static_cast<size_t>(n), ~limb{0}), one(full.size(), 0);
+        one.back() = 1;
+        ASSERT_EQ(product(full, a), school(full, a)) << n;
+        ASSERT_EQ(square(full), school(full, full)) << n;
+        ASSERT_EQ(product(one, full), school(one, full)) << n;
+    }
+}
+
+PROPERTY(three_parts_are_schoolbook, 40) {
+    Vec a = random_limbs(rng, 400 + static_cast<int64_t>(rng() % 2600));
+    Vec b = random_limbs(rng, rng() % 2 ? len(a) : 1 + static_cast<int64_t>(rng() % a.size()));
+    EXPECT_EQ(product(a, b), school(a, b)) << len(a) << " by " << len(b);
+    EXPECT_EQ(square(a), school(a, a)) << len(a);
+}
+
 TEST(Limbs, transform_at_every_short_length) {
     set_up_once();
     Rng rng(run_seed());
