@@ -24,11 +24,12 @@ def sessions(path):
     for block in re.finditer(r"^```tolvex\n(.*?)^```$", text, re.S | re.M):
         line = text.count("\n", 0, block.start()) + 1
         case = transcripts.Case(path, line, "example")
+        session = case.sessions[0]
         for k, shown in enumerate(block.group(1).split("\n")):
             if shown.startswith("> "):
-                case.sent.append(shown[2:].encode() + b"\n")
+                session.sent.append(shown[2:].encode() + b"\n")
             elif shown:
-                case.expect.append((line + k + 1, shown))
+                session.expect.append((line + k + 1, shown))
         yield case
 
 

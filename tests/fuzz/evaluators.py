@@ -114,7 +114,7 @@ def main():
             bodies.append(body + "  at " + call)
             for way, words in WAYS.items():
                 extra = "".join(f", i{i + 1}" for i in range(maker.loops))
-                lines += [f"Func {way}(a, b, c; loc, k{extra}) = {words}loc := 1; {body}; 1000000*a + 10000*b + 100*c + loc.",
+                lines += [f"Func {way}(a, b, c; loc, k{extra}) = {words}loc := 1; {body}; (((a|200)*200 + (b|200))*200 + (c|200))*200 + (loc|200).",
                           "!('MARK'):", f"{way}{call}"]
         found = answers(binary, lines)
         if len(found) != len(bodies) * len(WAYS):
