@@ -1,6 +1,7 @@
 #include "session/save_settings.h"
 
 #include "language/language_modes.h"
+#include "numbers/display_modes.h"
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
 #include "session/session_modes.h"
@@ -43,8 +44,11 @@ static SavePlace place_of(const SwitchRow& row, int32_t value) {
     return row.save == SavePlace::lagrange_cut && value != 1 ? SavePlace::later : row.save;
 }
 
+/// The value that the settings in front of the row leave in a fresh session: a table field clears alt_form_display.
+static int32_t value_before(const SwitchRow& row) { return finf && row.at == &alt_form_display ? 0 : row.start; }
+
 static void save_switch(FILE* file, const SwitchRow& row, int32_t value) {
-    if (!row.save_always && value == row.start) return;
+    if (!row.save_always && value == value_before(row)) return;
     if (row.save == SavePlace::origin && value < 0) {  // stands behind the toggle of a positive one
         fprintf(file, "&(%s = %d);\n&%s;\n", row.letter, 1 - value, row.letter);
         return;
