@@ -59,9 +59,10 @@ static void school_residues(const WordField& f, const uint32_t* a, int32_t an, c
     scratch_release(mark);
 }
 
-static void xor_row(uint32_t* x, const uint32_t* y, int32_t n, uint32_t q) {
+// The field need not be the one in force: GF(2^8) is enlarged to GF(2^16).
+static void xor_row(const WordField& f, uint32_t* x, const uint32_t* y, int32_t n, uint32_t q) {
     if (q == 0) return;
-    if (f256) {
+    if (f.p == 256) {
         const int16_t* products = f256prod[q];
         for (int32_t i = 0; i < n; i++) x[i] ^= static_cast<uint32_t>(products[y[i]]);
         return;
@@ -78,7 +79,7 @@ void school_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32
                  uint32_t* c) {
     if (f.table) {
         memset(c, 0, static_cast<size_t>(an + bn - 1) * sizeof(uint32_t));
-        for (int32_t i = 0; i < bn; i++) xor_row(c + i, a, an, b[i]);
+        for (int32_t i = 0; i < bn; i++) xor_row(f, c + i, a, an, b[i]);
     } else if (an < bn) {
         school_residues(f, b, bn, a, an, c);
     } else {
@@ -144,7 +145,7 @@ static FixedFactor negated_factor(const WordField& f, uint32_t q) {
 
 void row_submul(const WordField& f, uint32_t* x, const uint32_t* y, int32_t n, uint32_t q) {
     if (f.table)
-        xor_row(x, y, n, q);
+        xor_row(f, x, y, n, q);
     else if (q != 0)
         residue_row_submul(x, y, n, negated_factor(f, q), f.p);
 }
@@ -152,8 +153,8 @@ void row_submul(const WordField& f, uint32_t* x, const uint32_t* y, int32_t n, u
 void row_submul_2(const WordField& f, uint32_t* x, const uint32_t* y, int32_t n, uint32_t q1, uint32_t q0) {
     if (n <= 0) return;
     if (f.table) {
-        xor_row(x, y, n, q0);
-        xor_row(x + 1, y, n - 1, q1);
+        xor_row(f, x, y, n, q0);
+        xor_row(f, x + 1, y, n - 1, q1);
         return;
     }
     FixedFactor f1 = negated_factor(f, q1), f0 = negated_factor(f, q0);

@@ -74,7 +74,8 @@ namespace {
 struct PackReader {
     int64_t weight[k_levels];  // by level; 0 for levels out of use, which hold exponent 0 only
     int32_t low[k_levels];
-    const WordField* field;  // nil: integers as words
+    const WordField* field;  // nil: integers as words, or
+    bool leaves;             // the numbers as they stand
     PackTerms out;
     int64_t below[k_levels];  // index of a leaf that ends above this level
 };
@@ -89,7 +90,10 @@ static void put_term(PackReader& reader, int64_t index, const number* n) {
     poll_every<k_terms_unpolled>(reader.out.count);
     if (reader.field == nullptr) {
         reader.out.index[reader.out.count] = index;
-        reader.out.word[reader.out.count++] = word_of_number(n);
+        if (reader.leaves)
+            reader.out.leaf[reader.out.count++] = n;
+        else
+            reader.out.word[reader.out.count++] = word_of_number(n);
         return;
     }
     uint32_t r = wf_of_number(*reader.field, n);
@@ -129,6 +133,8 @@ static void open_reader(PackReader& reader, const PackPlan& plan, const int32_t*
     reader.out.index = scratch_array<int64_t>(terms);
     if (reader.field != nullptr)
         reader.out.residue = scratch_array<uint32_t>(terms);
+    else if (reader.leaves)
+        reader.out.leaf = scratch_array<const number*>(terms);
     else
         reader.out.word = scratch_array<int64_t>(terms);
 }
@@ -150,6 +156,14 @@ PackTerms pack_residues(const polynode* p, const PackPlan& plan, const int32_t* 
 PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms) {
     PackReader reader;
     reader.field = nullptr;
+    reader.leaves = false;
+    return run_reader(reader, p, plan, low, terms);
+}
+
+PackTerms pack_leaves(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms) {
+    PackReader reader;
+    reader.field = nullptr;
+    reader.leaves = true;
     return run_reader(reader, p, plan, low, terms);
 }
 

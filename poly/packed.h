@@ -43,8 +43,9 @@ struct PackTerms {
     int64_t count;
     int64_t* index;
     union {
-        uint32_t* residue;  // elements of a WordField
-        int64_t* word;      // integers below 2^62 in magnitude
+        uint32_t* residue;    // elements of a WordField
+        int64_t* word;        // integers below 2^62 in magnitude
+        const number** leaf;  // the leaves themselves, to be reduced modulo several primes
     };
 };
 /// The residues of p, zeros left out. low: subtracted from the exponents (of the plan when nil).
@@ -57,6 +58,8 @@ PackTerms pack_values(const polynode* p, const PackPlan& plan, const int32_t* lo
 /// The integers of p, whose chains have at most k_word_digits digits.
 PackTerms pack_words(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
 inline constexpr int32_t k_word_digits = 2;
+/// The leaves of p, which stay where they are while p is not changed.
+PackTerms pack_leaves(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
 
 /// Makes the leaf number of term i.
 using LeafMaker = void (*)(void* source, int64_t i, imptr leaf);
