@@ -1,16 +1,16 @@
 // The gcd through images: over a word field by evaluation and interpolation, over Z from images modulo
 // primes. What comes out may be too large or foreign when points or primes are unlucky, never too small, so
 // that dividing both operands is a full proof.
-#include "gcd/word_brown.h"
 #include "gcd/word_gcd.h"
+
 #include "gcd/num_content.h"
+#include "gcd/word_brown.h"
+#include "gcd/word_primes.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_divide.h"
 #include "numbers/num_gcd.h"
-#include "numbers/primes.h"
 #include "poly/div_general.h"
-#include "poly/packed_crt.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_scale.h"
 #include "poly/poly_shape.h"
@@ -203,17 +203,9 @@ static void open_modular(ModularEnv& m) {
     common_content(m.env->u, m.env->v, &m.content);
 }
 
-// Bits beyond which the gcd, scaled to lead_gcd, cannot reach: Gelfond's bound on the heights of factors.
-static int64_t size_bound(const ModularEnv& m) {
-    int64_t sum = 0;
-    for (int32_t k = 0; k < m.plan.count; k++) sum += m.plan.radix[k];
-    int64_t digits = minn(m.env->um.digits, m.env->vm.digits) + m.lead_gcd.size;
-    // Points do not enter: beyond this bound the images are those of a polynomial that is too large.
-    return digits * k_digit_bits + sum + sum / 2 + 2;
-}
-
 // The image of the gcd modulo f.p, scaled; false: the prime or a point is bad.
-static bool image_modulo(ModularEnv& m, const WordField& f, PackTerms* g) {
+static bool image_modulo(void* source, const WordField& f, PackTerms* g) {
+    ModularEnv& m = *static_cast<ModularEnv*>(source);
     const WordGcdEnv& env = *m.env;
     if (wf_of_number(f, leading_coef(env.u)->ncoef) == 0 || wf_of_number(f, leading_coef(env.v)->ncoef) == 0)
         return false;
@@ -228,42 +220,6 @@ static bool image_modulo(ModularEnv& m, const WordField& f, PackTerms* g) {
     return true;
 }
 
-// The symmetric combination, made primitive, divides both operands: then it is the gcd.
-static bool accept(ModularEnv& m, CrtTerms& t, polyptrr g) {
-    poly candidate = pack_tree(m.plan, nullptr, t.index, t.count, leaf_of_crt, &t);
-    *g = primitive_copy(candidate);
-    free_poly(&candidate);
-    if (divides_both(*m.env, *g)) return true;
-    free_poly(g);
-    return false;
-}
-
-static bool run_primes(ModularEnv& m, polyptrr g) {
-    CrtTerms t = crt_open(4);
-    int64_t bound = size_bound(m);
-    for (int32_t i = k_lrg_primes - 1; i >= 0; i--) {
-        poll_interrupt();
-        ScratchMark mark = scratch_mark();
-        WordField f = word_field_prime(static_cast<uint32_t>(lrgpme[i]));
-        PackTerms image;
-        if (!image_modulo(m, f, &image) || (t.primes > 0 && image.index[0] > t.index[0])) {
-            scratch_release(mark);
-            continue;
-        }
-        bool kept = t.primes > 0 && image.index[0] < t.index[0];
-        if (kept) t = crt_open(4);  // all primes so far were unlucky
-        bool grown;
-        bool settled = crt_add(&t, image, f, &grown);
-        // The first image alone is often the gcd; after it a change-free prime tells that all digits are
-        // there.
-        if ((settled || t.primes == 1) && accept(m, t, g)) return true;
-        if (settled && m.with_points) return false;  // the points are unlucky, more primes change nothing
-        if (crt_product_bits(t) > bound) return false;
-        if (!grown && !kept) scratch_release(mark);
-    }
-    return false;
-}
-
 bool gcd_over_integers(WordGcdEnv& env, polyptrr g) {
     ModularEnv m = {};
     m.env = &env;
@@ -275,7 +231,14 @@ bool gcd_over_integers(WordGcdEnv& env, polyptrr g) {
         m.careful = round > 0;
         if (round >= 2)
             for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
-        found = plan_operands(env, &m.plan) && run_primes(m, g);
+        if (plan_operands(env, &m.plan)) {
+            // Points do not enter the bound: beyond it the images are those of a polynomial that is too
+            // large.
+            PrimeImages images = {
+                &env,          &m.plan, image_modulo, &m, gcd_bits(env, m.plan, m.lead_gcd.size),
+                m.with_points, 0,       nullptr};
+            found = gcd_from_primes(images, g);
+        }
         scratch_release(mark);
     }
     if (found && !is_longint(&m.content, 1)) num_poly_mult(g, &m.content);

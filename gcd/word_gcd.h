@@ -17,6 +17,8 @@ struct WordGcdEnv {
     uint32_t point[k_levels];    // value of a level that the gcd is free of, 0: the level stays
     int32_t monomial[k_levels];  // exponents of the common monomial
 };
+/// Measures u and v, neither a number; the bounds are those of the operands.
+void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt);
 /// gcd(u, v) in normal form, neither nil; 0 is allowed only as gcd(0, v) = content number of v.
 poly gcd_fresh(poly u, poly v, polypt pt);
 /// The gcd of the coefficients of the top chain of u, one level down, in normal form.

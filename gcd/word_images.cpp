@@ -73,8 +73,7 @@ static void choose_point(const WordGcdEnv& env, ImagePass* p) {
     }
 }
 
-static void make_images(const WordGcdEnv& env, ImagePass* p, const polynode* operand,
-                        const PackMeasure& m) {
+static void make_images(const WordGcdEnv& env, ImagePass* p, const polynode* operand, const PackMeasure& m) {
     for (int32_t i = 0; i < m.levels; i++) {
         p->image[i] = nullptr;
         if (env.bound[i] == 0) continue;

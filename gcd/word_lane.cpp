@@ -2,6 +2,7 @@
 
 #include "gcd/num_content.h"
 #include "gcd/word_gcd.h"
+#include "gcd/word_sparse.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_gcd.h"
@@ -12,12 +13,17 @@
 #include "poly/poly_test.h"
 namespace tolvex {
 static constexpr int64_t k_most_images = 1 << 17;
+static constexpr int64_t k_few_images = 24;
+static constexpr double k_sparse = 0.03;  // of the box that sparse operands fill at most
 
 static int32_t span_of(const PackMeasure& m, int32_t level) {
     return level < m.levels ? m.most[level] - m.least[level] : 0;
 }
 
-static void measure_operands(WordGcdEnv& env) {
+void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt) {
+    env.u = u;
+    env.v = v;
+    env.pt = pt;
     pack_measure(env.u, &env.um);
     pack_measure(env.v, &env.vm);
     env.levels = maxx(env.um.levels, env.vm.levels);
@@ -64,9 +70,8 @@ static bool try_divisor(const WordGcdEnv& env, poly small, const PackMeasure& m,
     return true;
 }
 
-// Interpolation takes an image for each combination of points of all variables but the first: with many
-// variables the remainder sequence, which works on the terms there are, is the lesser evil.
-static bool images_pay(const WordGcdEnv& env) {
+// Evaluation and interpolation take an image for each combination of points of all levels but the first.
+static int64_t image_count(const WordGcdEnv& env) {
     int64_t images = 1;
     bool first = true;
     for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
@@ -74,14 +79,26 @@ static bool images_pay(const WordGcdEnv& env) {
         if (!first) images *= int64_t{env.bound[i]} + 2;
         first = false;
     }
-    return images <= k_most_images;
+    return images;
 }
 
-static void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt) {
-    env.u = u;
-    env.v = v;
-    env.pt = pt;
-    measure_operands(env);
+// The smaller operand fills little of its box.
+static bool is_sparse(const WordGcdEnv& env) {
+    double box = 1;
+    const PackMeasure& m = env.um.terms < env.vm.terms ? env.um : env.vm;
+    for (int32_t i = 0; i < m.levels; i++) box *= span_of(m, i) + 1;
+    return static_cast<double>(m.terms) < k_sparse * box;
+}
+
+// Sparse operands by their terms, with no more points than the other way would take images; dense ones by
+// their box; at last by terms whatever it takes.
+static bool gcd_by_images(WordGcdEnv& env, polyptrr g) {
+    int64_t images = image_count(env);
+    bool by_terms = images > k_few_images && is_sparse(env);
+    if (by_terms && gcd_of_few_terms(env, images, g)) return true;
+    if (images <= k_most_images && (modularmode ? gcd_over_field(env, g) : gcd_over_integers(env, g)))
+        return true;
+    return !by_terms && gcd_of_few_terms(env, INT32_MAX, g);
 }
 
 static void hand_over(poly g, polyptrr r) {
@@ -98,7 +115,7 @@ bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool) {
     if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env))
         g = common_monomial(env);
     else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
-             !(images_pay(env) && (modularmode ? gcd_over_field(env, &g) : gcd_over_integers(env, &g))))
+             !gcd_by_images(env, &g))
         return false;
     hand_over(g, r);
     return true;
