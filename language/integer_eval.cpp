@@ -1,6 +1,6 @@
 // Sums, products and assignments in machine words.
 
-#include "language/integer_words.h"
+#include "language/integer_arrays.h"
 #include "language/other_rings.h"
 #include "numbers/num_assign.h"
 #include "storage/interrupt.h"
@@ -142,18 +142,37 @@ static int32_t read_step(WordReader& r) {
     return is_lower(c) || is_digit(c) || c == '(' ? word_operand(r) : 1;
 }
 
-/// The word that the variable at the node has; 0 if it has gone meanwhile.
-static int32_t word_at_node(nameptr node) {
-    varptr p = var_at(node);
+namespace {
+/// What an assignment goes to: the variable named at the node, or an element.
+struct WordTarget {
+    nameptr node;  // nil: the element
+    ElementTarget element;
+};
+}  // namespace
+
+/// The word that the target has; 0 if it has gone meanwhile.
+static int32_t word_of_target(const WordTarget& t) {
+    if (t.node == nullptr) return word_of_element(t.element);
+    varptr p = var_at(t.node);
     int32_t word = 0;
     if (p != nullptr && p->val != nullptr) word_of_value(p->val, &word);
     return word;
 }
 
-/// What follows the ":" behind the variable at the node.
+static void write_target(const WordTarget& t, int32_t word) {
+    if (t.node == nullptr)
+        write_word_element(t.element, word);
+    else
+        write_word(t.node, word);
+}
+
+/// What follows the ":" behind the variable at the node, or behind an element.
 static void word_assign(WordReader& r, nameptr node) {
+    bool element = word_element_read.colon == r.at;
+    bool assignable = element || (is_lower(tok_char(node->let)) && node->next == r.at);
+    WordTarget target = {element ? nullptr : node, word_element_read.target};
+    word_element_read.colon = nullptr;
     word_step(r);
-    bool assignable = is_lower(tok_char(node->let)) && node->next->next == r.at;
     char sign = static_cast<char>(word_char(r));
     if (sign != '=' && sign != '+' && sign != '-' && sign != '*') {
         word_error(r, Err::assignment_form);
@@ -165,14 +184,15 @@ static void word_assign(WordReader& r, nameptr node) {
     }
     word_step(r);
     if (sign == '=') {
-        write_word(node, word_expression(r));
+        write_target(target, word_expression(r));
         return;
     }
     int32_t operand = sign == '*' ? word_operand(r) : read_step(r);
-    int32_t old = word_at_node(node);
-    write_word(node, sign == '*'   ? word_product(old, operand)
-                     : sign == '-' ? word_difference(old, operand)
-                                   : word_sum(old, operand));
+    int32_t old = word_of_target(target);
+    if (sign == '*' && element && !word_element_exists(target.element)) return;
+    write_target(target, sign == '*'   ? word_product(old, operand)
+                         : sign == '-' ? word_difference(old, operand)
+                                       : word_sum(old, operand));
 }
 
 bool iexpre(FILE* inf, nameptr* flag, int32_t* value) {

@@ -2,7 +2,7 @@
 
 #include "language/builtin_table.h"
 #include "language/functions.h"
-#include "language/integer_words.h"
+#include "language/integer_arrays.h"
 #include "language/other_rings.h"
 #include "language/parse.h"
 #include "language/stack_bound.h"
@@ -62,8 +62,7 @@ bool read_name(WordReader& r, int32_t* value) {
         return true;
     }
     if (word_at(r, '[')) {
-        give_back(r);
-        error(Err::undefined_array, tok_text(node->let));
+        word_element(r, node, value);
         return true;
     }
     varptr p = var_at(node);
@@ -139,17 +138,39 @@ bool read_statement(WordReader& r, int32_t* value) {
     return true;
 }
 
+/// An element that the general evaluator has found: at *at, or in *n, which is given back.
+int32_t word_at_location(WordReader& r, quolyptr at, quolyptr n) {
+    int32_t word = 0;
+    bool good = at == nullptr || *at == nullptr || word_of_value(*at, &word);
+    free_quoly(n);
+    take_up(r);
+    if (!good) word_error(r, Err::number_expected);
+    return word;
+}
+
 /// "<": there is no previous value here; "<[" is the system array.
 bool read_previous(WordReader& r, int32_t* value) {
-    bool array = r.at->next != nullptr && tok_is(r.at->next->let, "[");
     *value = 0;
-    word_error(r, array ? Err::system_array_undefined : Err::previous_in_integer_mode);
+    if (r.at->next == nullptr || !tok_is(r.at->next->let, "[")) {
+        word_error(r, Err::previous_in_integer_mode);
+        return true;
+    }
+    quoly n = nullptr;
+    quolyptr at = &n;
+    word_step(r);
+    give_back(r);
+    system_element(r.inf, r.flag, &at, &n);
+    *value = word_at_location(r, at, &n);
     return true;
 }
 
+/// "%": an element of an array of arrays.
 bool read_array_of_arrays(WordReader& r, int32_t* value) {
-    *value = 0;
-    word_error(r, Err::array_of_arrays_empty);
+    quoly n = nullptr;
+    quolyptr at = &n;
+    give_back(r);
+    element_of_place(r.inf, r.flag, &at, &n);
+    *value = word_at_location(r, at, &n);
     return true;
 }
 
