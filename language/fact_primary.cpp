@@ -176,7 +176,8 @@ bool read_minus(Reader& r) {
         quoly_inplace(v.own);
         take_value(&v, r.n);
     } else {
-        quoly_makeneg(value_of(&v), r.n);
+        copy_value(v.hold.at, r.n);
+        quoly_inplace(*r.n);
     }
     return false;
 }

@@ -13,8 +13,6 @@
 #include "storage/memory.h"
 
 #include <bit>
-#include <cstdlib>
-#include <cstring>
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;
@@ -78,16 +76,11 @@ template <limb P> RootTable roots;
 template <limb P> void reserve_roots(int64_t n) {
     RootTable& t = roots<P>;
     if (t.room >= n) return;
-    auto* root = static_cast<Factor*>(checked_malloc(static_cast<size_t>(n) * sizeof(Factor)));
-    if (t.size > 0) {
-        memcpy(root, t.root, static_cast<size_t>(t.size) * sizeof(Factor));
-    } else {
-        root[0] = factor_of<P>(1);
-        t.size = 1;
-    }
-    free(t.root);
-    t.root = root;
+    t.root = static_cast<Factor*>(checked_realloc(t.root, static_cast<size_t>(n) * sizeof(Factor)));
     t.room = n;
+    if (t.size > 0) return;
+    t.root[0] = factor_of<P>(1);
+    t.size = 1;
 }
 
 /// Makes the table at least n long, n a power of two. At a poll the table is whole up to its size; a command

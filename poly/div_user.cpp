@@ -93,6 +93,7 @@ static void divide_coefficients(poly n, poly m, polyptrr q, polyptrr r, Rule rul
     poly q_head = nullptr, r_head = nullptr;
     polyptrr q_tail = &q_head, r_tail = &r_head;
     for (poly t = n; t != nullptr; t = t->next) {
+        poll_interrupt();
         poly qc = nullptr, rc = nullptr;
         if (t->numb) {
             poly_set(0, &qc);

@@ -102,6 +102,7 @@ static int64_t times_plus(limb* r, int64_t n, uint32_t w, uint32_t a) {
 
 // The magnitude of term i in limbs; returns their count.
 static int64_t crt_limbs(const CrtTerms& t, int64_t i, limb* r, bool* negative) {
+    poll_interrupt();
     const uint32_t* d = t.digit + i * t.capacity;
     int32_t k = t.primes - 1;
     *negative = is_negative(t, d, t.primes);

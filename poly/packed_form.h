@@ -15,8 +15,8 @@
 
 #include <cstdint>
 namespace tolvex {
-/// Terms from one safe point of a walk to the next: of their residues or words, of their numbers as chains.
-inline constexpr int64_t k_terms_unpolled = int64_t{1} << 16, k_numbers_unpolled = int64_t{1} << 12;
+/// Terms from one safe point of a walk to the next, where a number is a word.
+inline constexpr int64_t k_terms_unpolled = int64_t{1} << 16;
 
 /// What one walk over a tree finds out. Levels count from 1; beyond `depth` all exponents are 0.
 struct TreeSurvey {
@@ -70,7 +70,7 @@ poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, in
         int64_t slot = base + e * step;
         poly c;
         if (last) {
-            poll_every<k_numbers_unpolled>(e);
+            poll_interrupt();
             if (box.zero(slot)) continue;
             c = box.leaf(slot);
         } else {

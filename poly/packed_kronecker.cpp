@@ -59,7 +59,7 @@ limb* value_at_power(const PackedOperand& p, int64_t width, bool* negative) {
         int64_t n = limbs_from_chain(magnitude, x->head, x->size);
         limb* to = (x->head->value < 0 ? minus : plus) + static_cast<int64_t>(p.keys[i]) * width;
         memcpy(to, magnitude, static_cast<size_t>(n) * sizeof(limb));
-        poll_every<k_numbers_unpolled>(i);
+        poll_interrupt();
     }
     int64_t plus_length = limbs_trim(plus, length), minus_length = limbs_trim(minus, length);
     *negative = limbs_compare(plus, plus_length, minus, minus_length) < 0;

@@ -2,6 +2,7 @@
 
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 namespace {
 enum class Sign { plus, minus };
@@ -103,6 +104,7 @@ template <Sign sign, Use use_n, Use use_m> poly merge(poly n, poly m) {
     poly head = nullptr;
     polyptrr at = &head;
     while (n != nullptr && m != nullptr) {
+        if constexpr (use_n == Use::keep && use_m == Use::keep) poll_interrupt();
         if (n->exp > m->exp)
             *at = node_of<Sign::plus, use_n>(&n);
         else if (n->exp < m->exp)

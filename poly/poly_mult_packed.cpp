@@ -135,7 +135,7 @@ LimbNumbers limbs_of(const number* const* numbers, int64_t count, int64_t* longe
         length[i] = static_cast<int32_t>(x->head->value < 0 ? -l : l);
         at += l;
         if (l > *longest) *longest = l;
-        poll_every<k_numbers_unpolled>(i);
+        poll_interrupt();
     }
     return {limbs, start, length};
 }
@@ -365,7 +365,7 @@ template <class Key, class Ring> struct BucketProduct {
         std::sort(entries, entries + used,
                   [](const Entry<Key>& a, const Entry<Key>& b) { return a.key > b.key; });
         for (int64_t i = 0; i < used; i++) {
-            poll_every<k_numbers_unpolled>(i);
+            poll_interrupt();
             poly c = ring.leaf(entries[i].slot);
             if (c != nullptr) builder.put(entries[i].key, c);
         }

@@ -17,6 +17,17 @@ void* checked_malloc(size_t bytes) {
     return p;
 }
 
+void* checked_realloc(void* old, size_t bytes) {
+    if (bytes == 0) bytes = 1;
+    void* p = std::realloc(old, bytes);
+    if (p == nullptr) {
+        mem_error();
+        p = std::realloc(old, bytes);
+        if (p == nullptr) tolvex_error("out of memory.\n");
+    }
+    return p;
+}
+
 uint64_t memavail() {
     uint64_t left = totalavailablememory;
     for (const stash_rec* s : {polystash, quolystash, numstash, imagstash, colmstash}) {

@@ -17,6 +17,8 @@ inline boolean diskstore = 0;              // a recorded preference        write
 
 /// Bytes from the general allocator; reports, frees caches and tries again when there are none.
 void* checked_malloc(size_t bytes);
+/// The block p, which may be nil, in the new size; large blocks are moved without copying them.
+void* checked_realloc(void* p, size_t bytes);
 /// The budget less the slugs handed out by the five stashes (records on free lists count as used); at least
 /// 0.
 uint64_t memavail();
