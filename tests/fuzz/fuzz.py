@@ -188,7 +188,9 @@ def attempt(binary, text, directory):
         reason = f"status {process.returncode}" + (" after an interrupt" if stopped else "")
     if TROUBLE.search(stderr) or b"*** Tolvex error" in stdout:
         reason = "report"
-    silent = stopped or re.search(rb"&\s*[qQ]|N|M", text) is not None
+    # a literal or comment that is still open takes the probe in
+    swallowed = stdout.count(b"inside a literal.") + stdout.count(b"inside a comment.") > PROBE.count(b"\n") // 2
+    silent = stopped or swallowed or re.search(rb"&\s*[qQ]|N|M", text) is not None
     if not reason and not silent and ANSWER not in re.sub(rb"[\s`]", b"", stdout):
         reason = "no answer to the probe"
     detail = (stderr[-3000:] + b"\n" + stdout[-500:]).decode("latin-1")
