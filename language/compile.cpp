@@ -4,8 +4,11 @@
 
 #include "language/evaluator.h"
 #include "language/functions.h"
+#include "language/integer_eval.h"
 #include "poly/poly_vars.h"
 #include "storage/audit.h"
+
+#include <cstdio>
 namespace tolvex {
 static constexpr int32_t k_most_bindings = 100;
 
@@ -78,13 +81,14 @@ static bool compile_error(Err code, const tokentipe& name) {
     return false;
 }
 
-static bool enter(Compilation& c, const tokentipe& key, varptr var, bool parameter) {
+static bool enter(Compilation& c, const tokentipe& key, varptr var, bool parameter,
+                  const ElementTarget& element = {}) {
     if (c.count == k_most_bindings) return compile_error(Err::compile_too_many, key);
     int32_t place = place_of(c, key);
     if (place < c.count && compare_keys(c.names[place]->key, key) == 0)
         return compile_error(Err::compile_twice, key);
     auto* b = pool_pop<&binding::next>(binding_garb, nullptr);
-    *b = {key, var, parameter, nullptr, nullptr};
+    *b = {key, var, element, parameter, nullptr, nullptr};
     memmove(&c.names[place + 1], &c.names[place], sizeof(binding*) * static_cast<size_t>(c.count - place));
     c.names[place] = b;
     c.count++;
@@ -98,23 +102,97 @@ static void drop(Compilation& c) {
 
 // ---- reading the statement -----------------------------------------------------------------------------
 
+/// True if the parameter stands for a sparse array in the running call.
+static bool is_sparse_parameter(const paramnode* p) {
+    tokentipe name = p->let;
+    varptr v = find_var(name);
+    if (v == nullptr || v->val == nullptr || !v->val->numb || !v->val->arr_arg) return false;
+    arrptr a = nullptr;
+    fastestlookup(name, &a);
+    return a != nullptr && array_itself(a)->spar != nullptr;
+}
+
+static bool no_sparse_parameters(const funcnode* f) {
+    for (const paramnode* p = f->pars; p != nullptr; p = p->next)
+        if (is_sparse_parameter(p)) return compile_error(Err::compile_sparse_parameter, p->let);
+    return true;
+}
+
 static bool enter_parameters(Compilation& c, const funcnode* f) {
+    if (!no_sparse_parameters(f)) return false;
     for (const paramnode* p = f->pars; p != nullptr; p = p->next)
         if (!enter(c, p->let, nullptr, true)) return false;
     return true;
 }
 
-/// One item of the list: a scalar that exists.
+/// [x]: a whole array. It stays looked up by its name, whose hash is stored.
+static bool read_array_item(Compilation& c) {
+    next_token(c.inf, c.flag);
+    tokentipe name = token;
+    arrptr a = nullptr;
+    if (!is_lower(tok_char(name))) return compile_error(Err::compile_item, name);
+    if (!array_seek(name, &a)) return false;
+    if (array_itself(a)->spar != nullptr) return compile_error(Err::sparse_not_allowed, name);
+    next_token(c.inf, c.flag);
+    if (!at_char(']')) return compile_error(Err::close_bracket_expected, token);
+    next_token(c.inf, c.flag);
+    name.name[0] = static_cast<unsigned char>(name.name[0] - 'a' + 'A');  // no scalar has this key
+    return enter(c, name, nullptr, false);
+}
+
+/// The subscript k of x[k]: digits, or a scalar with a numeric value. *key is extended by its text.
+static bool read_element_subscript(Compilation& c, char* key, int64_t* k) {
+    bool name = is_lower(tok_char(token));
+    const tokentipe first = token;
+    strcat(key, tok_text(token));
+    if (name) {
+        varptr p = find_var(token);
+        int32_t word = 0;
+        if (p == nullptr || p->val == nullptr || !word_of_value(p->val, &word))
+            return compile_error(Err::compile_subscript, first);
+        *k = word;
+        next_token(c.inf, c.flag);
+        return true;
+    }
+    if (!is_digit(tok_char(token))) return compile_error(Err::compile_subscript, first);
+    *k = tok_char(token) - '0';
+    for (next_token(c.inf, c.flag); is_digit(tok_char(token)); next_token(c.inf, c.flag)) {
+        *k = 10 * *k + (tok_char(token) - '0');
+        if (strlen(key) > k_namelength) return compile_error(Err::compile_subscript, first);
+        strcat(key, tok_text(token));
+    }
+    return true;
+}
+
+/// x[k], the "[" being the current token: the element that it is now.
+static bool read_element_item(Compilation& c, tokentipe& name) {
+    char key[3 * sizeof(nametype)];
+    arrptr a = nullptr;
+    int64_t k = 0, index = 0;
+    snprintf(key, sizeof key, "%s[", tok_text(name));
+    if (!array_seek(name, &a)) return false;
+    a = array_itself(a);
+    next_token(c.inf, c.flag);
+    if (!read_element_subscript(c, key, &k)) return false;
+    if (!at_char(']')) return compile_error(Err::compile_element_bracket, token);
+    if (!find_place(a, k, 0, false, name, &index)) return false;
+    quolyptr at = place_slot(a, index);
+    if (at == nullptr || *at == nullptr) return compile_error(Err::element_missing, name);
+    next_token(c.inf, c.flag);
+    strcat(key, "]");
+    if (strlen(key) > k_namelength) return true;  // longer texts are not bound
+    tokentipe text;
+    tok_set(text, key);
+    return enter(c, text, nullptr, false, {a->name, a->time, index});
+}
+
+/// One item of the list: a scalar, an element or an array that exists.
 static bool read_item(Compilation& c) {
     tokentipe name = token;
-    bool array = at_char('[');
-    if (array) {
-        next_token(c.inf, c.flag);
-        return compile_error(Err::undefined_array, token);
-    }
+    if (at_char('[')) return read_array_item(c);
     if (!is_lower(tok_char(name)) || its_a_polyname(name) != 0) return compile_error(Err::compile_item, name);
     next_token(c.inf, c.flag);
-    if (at_char('[')) return compile_error(Err::undefined_array, name);
+    if (at_char('[')) return read_element_item(c, name);
     varptr p = find_var(name);
     if (p == nullptr) return compile_error(Err::undefined_variable, name);
     return enter(c, name, p, false);
@@ -133,18 +211,39 @@ static bool read_items(Compilation& c) {
 
 // ---- marking the body ----------------------------------------------------------------------------------
 
+/// The text x[k] of an element at the node, of one token or several digits between the brackets, as a key;
+/// empty if it is something else.
+static tokentipe element_key(const namenode* p) {
+    char text[3 * sizeof(nametype)] = "";
+    tokentipe key = {};
+    for (int32_t i = 0; p != nullptr && strlen(text) <= k_namelength; p = p->next, i++) {
+        unsigned char c = tok_char(p->let);
+        bool subscript = is_digit(c) || (is_lower(c) && i == 2);
+        strcat(text, tok_text(p->let));
+        if (i > 2 && c == ']') {
+            if (strlen(text) <= k_namelength) tok_set(key, text);
+            break;
+        }
+        if (i > 1 && !subscript) break;
+    }
+    return key;
+}
+
+static void bind_node(nameptr p, binding* b, classtype tipe) {
+    if (b == nullptr) return;
+    p->compiled = 1;
+    p->tipe = tipe;
+    p->bound = b;
+}
+
 /// Binds the nodes of a list whose text is a key. Characters between quotes name nothing.
 static void do_tok_list(const Compilation& c, nameptr p) {
     bool quoted = false;
     for (; p != nullptr; p = p->next) {
         if (tok_is(p->let, "'")) quoted = !quoted;
         if (quoted || !is_lower(tok_char(p->let))) continue;
-        if (p->next != nullptr && tok_is(p->next->let, "[")) continue;  // an array of that name
-        binding* b = find_key(c, p->let);
-        if (b == nullptr) continue;
-        p->compiled = 1;
-        p->tipe = one;
-        p->bound = b;
+        bool element = p->next != nullptr && tok_is(p->next->let, "[");
+        bind_node(p, find_key(c, element ? element_key(p) : p->let), element ? two : one);
     }
 }
 
@@ -215,6 +314,10 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
     }
     funcptr f = call_frames->f;
     if (!f->compiled && !first_run(inf, f, p, flag)) {
+        set_zero(n);
+        return;
+    }
+    if (f->do_params && !no_sparse_parameters(f)) {
         set_zero(n);
         return;
     }

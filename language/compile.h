@@ -13,13 +13,15 @@
 ///            the call below has its binding back afterwards. So no node ever leads to storage given back.
 /// Ownership  a function owns its bindings.
 /// Raises     19, 28 unknown name; 229 not a statement of the body; 230 to 234 the list; 242, 246, 247, 267.
+#include "language/array_elements.h"
 #include "language/symbols.h"
 namespace tolvex {
 struct condnode;
 struct funcnode;
 struct binding {
-    tokentipe key;
+    tokentipe key;  // the name; of an element the text x[k]
     varptr var;
+    ElementTarget element;  // x[k]: the element that it was when Compile ran
     boolean parameter;
     binding* same;  // the next binding on the list of the variable
     binding* next;  // the next one of the function
@@ -32,6 +34,14 @@ inline varptr bound_var(const namenode* node) { return node->bound->var; }
 inline varptr var_at(nameptr node) {
     if (node->compiled && node->tipe == one && node->bound->var != nullptr) return node->bound->var;
     return find_var(node->let);
+}
+
+/// True at the name of an element x[k] that is bound; binding.element is the element.
+inline bool is_bound_element(const namenode* node) { return node->compiled && node->tipe == two; }
+/// The node of its "]".
+inline nameptr end_of_bound_element(nameptr node) {
+    while (!tok_is(node->let, "]")) node = node->next;
+    return node;
 }
 
 /// Runs the statement Compile, which is p, and with it the rest of the body of the running function.

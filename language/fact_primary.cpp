@@ -81,10 +81,24 @@ bool read_bound_name(Reader& r, varptr p) {
     return true;
 }
 
+/// An element x[k] that Compile has bound, the tokens of its subscript being passed over. False if it has gone.
+bool read_bound_element(Reader& r, nameptr node) {
+    const ElementTarget& target = node->bound->element;
+    quolyptr at = location_of(target);
+    if (at == nullptr || *at == nullptr) return false;
+    *r.flag = end_of_bound_element(node);
+    next_token(r.inf, r.flag);
+    r.at = at;
+    element_read = {at, target};
+    return true;
+}
+
 bool read_name(Reader& r) {
-    const namenode* node = *r.flag;
-    if (node != nullptr && node->compiled && node->bound->var != nullptr)
-        return read_bound_name(r, node->bound->var);
+    nameptr node = *r.flag;
+    if (node != nullptr && node->compiled) {
+        if (node->bound->var != nullptr) return read_bound_name(r, node->bound->var);
+        if (is_bound_element(node) && read_bound_element(r, node)) return true;
+    }
     int32_t level = number_polys > 0 ? its_a_polyname(token) : 0;
     if (level != 0) {
         polynomial_variable(r, level);

@@ -22,17 +22,31 @@ static bool word_subscripts(WordReader& r, Subscripts* s) {
     return word_expect(r, ']', Err::index_separator);
 }
 
-void word_element(WordReader& r, nameptr node, int32_t* value) {
+/// The array and the place that the name at the node and its subscripts stand for. False after an error.
+static bool find_element(WordReader& r, nameptr node, arrptr* a, int64_t* index) {
+    if (is_bound_element(node)) {
+        *a = array_of(node->bound->element);
+        *index = node->bound->element.index;
+        if (*a != nullptr) {
+            r.at = end_of_bound_element(node);
+            word_step(r);
+            give_back(r);
+            return true;
+        }
+    }
     Subscripts s;
+    if (!word_subscripts(r, &s)) return false;
+    give_back(r);
+    if (!array_seek(node->let, a)) return false;
+    *a = array_itself(*a);
+    return find_place(*a, s.i, s.j, s.two, node->let, index);
+}
+
+void word_element(WordReader& r, nameptr node, int32_t* value) {
     arrptr a = nullptr;
     int64_t index;
     *value = 0;
-    if (!word_subscripts(r, &s)) return;
-    give_back(r);
-    if (!array_seek(node->let, &a)) return;
-    a = array_itself(a);
-    if (refuse_array_of_other_ring(a, node->let) || !find_place(a, s.i, s.j, s.two, node->let, &index))
-        return;
+    if (!find_element(r, node, &a, &index) || refuse_array_of_other_ring(a, node->let)) return;
     if (a->shared) about_to_change(a);
     quolyptr slot = place_slot(a, index);
     bool empty = slot == nullptr || *slot == nullptr;
