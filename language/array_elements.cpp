@@ -5,8 +5,10 @@
 #include "language/tokens/look_ahead.h"
 #include "matrix/matrix_modes.h"
 #include "numbers/ring_switch.h"
+#include "storage/scratch.h"
 
 #include <cstdio>
+#include <cstring>
 namespace tolvex {
 // ---- subscripts ----------------------------------------------------------------------------------------
 
@@ -57,6 +59,83 @@ bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, bool nonn
     }
     error(Err::index_separator);
     return false;
+}
+
+// ---- rows of sparse arrays -----------------------------------------------------------------------------
+
+namespace {
+/// Columns that are gathered, in scratch memory.
+struct ColumnList {
+    int32_t* at;
+    int32_t count, room;
+};
+}  // namespace
+
+static void add_column(ColumnList* list, int32_t column) {
+    if (list->count == list->room) {
+        auto* wider = scratch_array<int32_t>(2 * int64_t{list->room});
+        memcpy(wider, list->at, static_cast<size_t>(list->count) * sizeof(int32_t));
+        list->at = wider;
+        list->room *= 2;
+    }
+    list->at[list->count++] = column;
+}
+
+/// The columns of row r join the sorted list.
+static void merge_row_of(const arrnode* a, int32_t r, ColumnList* list) {
+    ColumnList merged = {scratch_array<int32_t>(list->room), 0, list->room};
+    int32_t k = 0;
+    for (const colnode* p = *sparse_row(a->spar, r); p != nullptr; p = p->next) {
+        int32_t column = p->coord - 1 + addresser;
+        while (k < list->count && list->at[k] < column) add_column(&merged, list->at[k++]);
+        if (k < list->count && list->at[k] == column) k++;
+        add_column(&merged, column);
+    }
+    while (k < list->count) add_column(&merged, list->at[k++]);
+    *list = merged;
+}
+
+/// The array of a loop header, from its "[" up to and over the "]".
+static arrptr array_of_header(FILE* inf, nameptr* flag, tokentipe* name) {
+    arrptr a = nullptr;
+    next_token(inf, flag);
+    *name = token;
+    if (at_char('%')) {
+        a = read_array_place(inf, flag);
+        if (a != nullptr) *name = a->name;
+    } else if (array_seek(*name, &a)) {
+        next_token(inf, flag);
+    }
+    if (a == nullptr || !expect(inf, flag, ']', Err::close_bracket_expected)) return nullptr;
+    a = array_itself(a);
+    if (a->spar != nullptr) return refuse_array_of_other_ring(a, *name) ? nullptr : a;
+    error(Err::loop_over_dense, tok_text(*name));
+    return nullptr;
+}
+
+bool columns_of_rows(FILE* inf, nameptr* flag, const int32_t** columns, int32_t* count) {
+    constexpr int32_t k_first_room = 64;
+    tokentipe name;
+    arrptr a = array_of_header(inf, flag, &name);
+    if (a == nullptr) return false;
+    ElementTarget target = {a->name, a->time, 0};
+    ColumnList list = {scratch_array<int32_t>(k_first_room), 0, k_first_room};
+    for (;;) {
+        int64_t row, index;
+        if (!read_plain_integer(inf, flag, Err::index_not_number, &row)) return false;
+        a = array_of(target);
+        if (a == nullptr || a->spar == nullptr) {
+            error(Err::undefined_array, tok_text(name));
+            return false;
+        }
+        if (!find_place(a, row, addresser, true, name, &index)) return false;
+        merge_row_of(a, row_of_place(a, index), &list);
+        if (!at_char(',')) break;
+        next_token(inf, flag);
+    }
+    *columns = list.at;
+    *count = list.count;
+    return true;
 }
 
 // ---- targets -------------------------------------------------------------------------------------------
@@ -225,19 +304,19 @@ void new_arretrieve(FILE* inf, tokentipe& name, nameptr* flag, quolyptr* qp, quo
 }
 
 void system_element(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n) {
-    element_is_zero(qp, n);
-    if (syst == nullptr || syst->sizearr == 0) {
-        error(Err::system_array_undefined);
-        return;
-    }
-    next_token(inf, flag);
     Subscripts s;
     int64_t index;
-    if (!evalcoords(inf, flag, ']', ',', false, &s) || refuse_array_of_other_ring(syst, syst->name) ||
-        !find_place(syst, s.i, s.j, s.two, syst->name, &index))
-        return;
-    free_quoly(n);
-    locate(inf, flag, syst, index, "[<]", syst->name, qp, n);
+    if (syst == nullptr || syst->sizearr == 0) {
+        error(Err::system_array_undefined);
+    } else {
+        next_token(inf, flag);
+        if (evalcoords(inf, flag, ']', ',', false, &s) && !refuse_array_of_other_ring(syst, syst->name) &&
+            find_place(syst, s.i, s.j, s.two, syst->name, &index)) {
+            locate(inf, flag, syst, index, "[<]", syst->name, qp, n);
+            return;
+        }
+    }
+    element_is_zero(qp, n);
 }
 
 arrptr read_array_place(FILE* inf, nameptr* flag) {
@@ -252,17 +331,22 @@ arrptr read_array_place(FILE* inf, nameptr* flag) {
     return a;
 }
 
-void element_of_place(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n) {
-    element_is_zero(qp, n);
-    arrptr a = read_array_place(inf, flag);
-    if (a == nullptr) return;
-    if (!at_char('[')) {
-        error(Err::array_of_arrays_bracket);
+void element_at_place(FILE* inf, nameptr* flag, arrptr a, quolyptr* qp, quolyptr n) {
+    ElementTarget target;
+    if (refuse_array_of_other_ring(a, a->name) || !read_target(inf, flag, a, a->name, &target)) {
+        element_is_zero(qp, n);
         return;
     }
-    ElementTarget target;
-    if (refuse_array_of_other_ring(a, a->name) || !read_target(inf, flag, a, a->name, &target)) return;
-    free_quoly(n);
     locate(inf, flag, a, target.index, "%", a->name, qp, n);
+}
+
+void element_of_place(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n) {
+    arrptr a = read_array_place(inf, flag);
+    if (a != nullptr && at_char('[')) {
+        element_at_place(inf, flag, a, qp, n);
+        return;
+    }
+    if (a != nullptr) error(Err::array_of_arrays_bracket);
+    element_is_zero(qp, n);
 }
 }  // namespace tolvex

@@ -24,6 +24,10 @@ bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, bool nonn
 /// after error `not_a_number`.
 bool read_plain_integer(FILE* inf, nameptr* flag, Err not_a_number, int64_t* value);
 
+/// `[a] r1, r2, ...` from the "[": the columns, as the user counts them, of the entries of these rows of a
+/// sparse array, in rising order, each once; in scratch memory. False after error 27, 28, 118 or 335.
+bool columns_of_rows(FILE* inf, nameptr* flag, const int32_t** columns, int32_t* count);
+
 /// An element of the array itself.
 struct ElementTarget {
     tokentipe name;  // of its array
@@ -43,6 +47,8 @@ void new_arretrieve(FILE* inf, tokentipe& name, nameptr* flag, quolyptr* qp, quo
 /// The same for `<`, the "[" being the current token, and for "%".
 void system_element(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n);
 void element_of_place(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n);
+/// The element of the array at a place, its "[" being the current token.
+void element_at_place(FILE* inf, nameptr* flag, arrptr a, quolyptr* qp, quolyptr n);
 /// "%[k]", from the "%": the array at that place, nil after error 218 to 221.
 arrptr read_array_place(FILE* inf, nameptr* flag);
 /// The subscripts behind the current "[" as an element of the array `a` (or alias) of that name. False after

@@ -104,6 +104,17 @@ void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& n
     begin_borrowing(a);
 }
 
+void copy_operand(const ArrOperand& v, ArrOperand& copy) {
+    if (is_sparse(v)) {
+        sparseptr chain = nullptr;
+        copy_sparse(v.spar, &chain, v.facts.rows, 0);
+        make_sparse_operand(copy, v.facts.rows, columns_of(v), chain);
+        return;
+    }
+    make_dense(copy, v.facts.rows, columns_of(v));
+    for (int64_t k = 0; k < v.facts.arrsize; k++) quoly_assign(elements_of(v)[k], &elements_of(copy)[k]);
+}
+
 void make_private(ArrOperand& v) {
     if (is_scalar(v) || v.arr_free) return;
     if (is_sparse(v)) {

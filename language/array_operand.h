@@ -51,6 +51,8 @@ void make_sparse_operand(ArrOperand& v, int64_t rows, int64_t cols, sparseptr ch
 /// v, which is empty, borrows the elements of the array itself; dense elements that are nil become 0, with
 /// the warning of note_uninitialized (`which` nil: the name).
 void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& name);
+/// copy, which is empty, becomes a private copy of a matrix.
+void copy_operand(const ArrOperand& v, ArrOperand& copy);
 /// A borrowed matrix is copied.
 void make_private(ArrOperand& v);
 /// A sparse matrix becomes dense: error 250 (false) if it is too large.

@@ -107,20 +107,20 @@ void release_elements(arrptr a) {
 
 static bool is_watched() { return eval_state.held != nullptr || borrowed_operands > 0; }
 
-/// Locations in the store from `first` on are going to move: who holds one gets the value.
-static void settle_holders(int32_t first) {
+void settle_holders(const arrnode* a) {
+    if (a->spar != nullptr) return;
     for (held_operand* h = eval_state.held; h != nullptr; h = h->below)
-        if (h->at != h->own && position_of(h->at) >= first) own_value(h->at);
+        if (h->at != h->own && position_of(h->at) >= a->start) own_value(h->at);
 }
 
 void cancel_array(arrptr a) {
     if (is_watched() && a->ring == modulus) release_elements(a);
-    if (a->spar == nullptr) settle_holders(a->start);
+    settle_holders(a);
     free_array(a);
 }
 
 void convert_to_sparse(arrptr a) {
-    settle_holders(a->start);
+    settle_holders(a);
     fill_sparse(a);
 }
 

@@ -35,6 +35,8 @@ void for_each_array_value(void (*f)(quolyptr value, void* context), void* contex
 
 /// Every value of the array itself is inherited by its holders or given back; dense slots are nil afterwards.
 void release_elements(arrptr a);
+/// Locations in the store from that of the array on are going to move: who holds one gets the value.
+void settle_holders(const arrnode* a);
 /// Cancels the array itself, whose elements have holders perhaps. It has no alias and lends nothing.
 void cancel_array(arrptr a);
 /// Makes the dense array itself sparse.

@@ -46,6 +46,11 @@ varptr place_to_read(ResultPlace* place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);
 
+/// Deg[a], from the "[": the number of elements.
+void degree_of_array(BuiltinCall& call);
+/// *n := a random value as Rand and (clocked) Randint give it.
+void random_value(bool clocked, quolyptr n);
+
 /// The value of the function: a word (reduced in modular mode), or a polynomial, which is used up.
 void return_word(BuiltinCall& call, int64_t value);
 void return_poly(BuiltinCall& call, polyptrr p);

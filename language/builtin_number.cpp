@@ -173,17 +173,22 @@ void builtin_Bin(BuiltinCall& call) {
 }
 
 /// Rand and Randint: a random word over the denominator that &_r sets.
-void builtin_Rand(BuiltinCall& call) {
-    bool clocked = call.id == 68;
-    next_token(call.inf, call.flag);
-    init_quoly_node(call.n);
-    randomize(clocked, (*call.n)->ncoef);
+void random_value(bool clocked, quolyptr n) {
+    free_quoly(n);
+    init_quoly_node(n);
+    randomize(clocked, (*n)->ncoef);
     if (rand_denom_n == 1) return;
     quoly denominator = nullptr;
     init_quoly_node(&denominator);
     setvalue_any(modularmode ? residue_of_int(rand_denom_n) : rand_denom_n, denominator->ncoef);
-    fast_quoly_quot(call.n, denominator, 0);
+    fast_quoly_quot(n, denominator, 0);
     free_quoly(&denominator);
+}
+
+void builtin_Rand(BuiltinCall& call) {
+    bool clocked = call.id == 68;
+    next_token(call.inf, call.flag);
+    random_value(clocked, call.n);
 }
 
 // ---- powers --------------------------------------------------------------------------------------------

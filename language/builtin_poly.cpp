@@ -200,9 +200,12 @@ void builtin_Deg(BuiltinCall& call) {
         return;
     }
     if (at_char('[')) {
-        next_token(call.inf, call.flag);
-        error(largest ? Err::undefined_array : Err::degree_form);
-        quoly_set(0, call.n);
+        if (largest) {
+            degree_of_array(call);
+        } else {
+            error(Err::degree_form);
+            quoly_set(0, call.n);
+        }
         return;
     }
     quolyptr at = nullptr;

@@ -36,7 +36,13 @@ struct BuiltinRoutines {
     BuiltinRoutine of[k_builtin_rows] = {};
     // ORDER BUILTIN_IDS: the id is the row of the name in the message file
     constexpr BuiltinRoutines() {
+        of[0] = builtin_Array;
         of[1] = builtin_Bin;
+        of[7] = builtin_Cols;
+        of[14] = of[101] = builtin_ArrayExpression;
+        of[85] = builtin_Sparse;
+        of[90] = builtin_Sumall;
+        of[100] = builtin_Trace;
         of[2] = of[62] = builtin_Char;
         of[4] = of[9] = builtin_Deg;
         of[5] = builtin_Coef;

@@ -14,10 +14,13 @@ int32_t builtin_id(const tokentipe& name);
 
 // The routines, one a built-in. Each finds the name as the current token, reads its arguments and leaves the
 // token after them; *call.n is nil before and the value after.
+void builtin_Array(BuiltinCall& call);
+void builtin_ArrayExpression(BuiltinCall& call);
 void builtin_Bell(BuiltinCall& call);
 void builtin_Bin(BuiltinCall& call);
 void builtin_Char(BuiltinCall& call);
 void builtin_Coef(BuiltinCall& call);
+void builtin_Cols(BuiltinCall& call);
 void builtin_Deg(BuiltinCall& call);
 void builtin_Denom(BuiltinCall& call);
 void builtin_Deriv(BuiltinCall& call);
@@ -56,13 +59,16 @@ void builtin_Rat(BuiltinCall& call);
 void builtin_Rcoef(BuiltinCall& call);
 void builtin_Remquot(BuiltinCall& call);
 void builtin_Return(BuiltinCall& call);
+void builtin_Sparse(BuiltinCall& call);
 void builtin_Splice(BuiltinCall& call);
 void builtin_Split(BuiltinCall& call);
 void builtin_Sqrt(BuiltinCall& call);
 void builtin_Sum(BuiltinCall& call);
+void builtin_Sumall(BuiltinCall& call);
 void builtin_Swap(BuiltinCall& call);
 void builtin_Terms(BuiltinCall& call);
 void builtin_Time(BuiltinCall& call);
+void builtin_Trace(BuiltinCall& call);
 void builtin_True(BuiltinCall& call);
 void builtin_Var(BuiltinCall& call);
 void builtin_Vars(BuiltinCall& call);

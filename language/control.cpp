@@ -1,6 +1,7 @@
 // Running stored statements: bodies, if, while, for, and the immediate control statement.
 
 #include "language/compile.h"
+#include "language/array_elements.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/integer_eval.h"
@@ -8,12 +9,14 @@
 #include "language/stack_bound.h"
 #include "language/statements.h"
 #include "language/symbols.h"
+#include "matrix/matrix_modes.h"
 #include "numbers/num_assign.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
 #include "poly/poly_vars.h"
 #include "storage/audit.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
 namespace tolvex {
 // ---- loop headers --------------------------------------------------------------------------------------
 
@@ -66,9 +69,7 @@ static bool read_loop_variable(FILE* inf, nameptr* flag, LoopHeader* h) {
     if (!at_char('=') && (colon || (!tok_is(token, "from") && !tok_is(token, " from "))))
         return header_error(Err::loop_assignment);
     next_token(inf, flag);
-    if (!at_char('[')) return true;
-    next_token(inf, flag);
-    return header_error(Err::undefined_array);
+    return true;
 }
 
 template <size_t size> static bool at_separator(const char (&word)[size]) {
@@ -96,13 +97,37 @@ static bool read_range(FILE* inf, nameptr* flag, LoopHeader* h) {
     return good;
 }
 
+/// [a] r1, r2, ...: the columns of the entries of those rows.
+static bool read_rows(FILE* inf, nameptr* flag, LoopHeader* h) {
+    boolean was_modular = 0;
+    check_modular(&was_modular);
+    bool good = columns_of_rows(inf, flag, &h->columns, &h->count);
+    restore_modular(was_modular);
+    if (!good) return false;
+    h->step = 1;
+    h->first = h->count > 0 ? h->columns[0] : addresser - 1;
+    h->last = h->count > 0 ? h->columns[h->count - 1] : -2;
+    write_loop_variable(h->name, h->first);
+    return true;
+}
+
 bool set_up_for_loop(FILE* inf, nameptr* flag, LoopHeader* h) {
-    return read_loop_variable(inf, flag, h) && read_range(inf, flag, h);
+    h->columns = nullptr;
+    h->count = 0;
+    if (!read_loop_variable(inf, flag, h)) return false;
+    return at_char('[') ? read_rows(inf, flag, h) : read_range(inf, flag, h);
 }
 
 LoopTurns turns_of(const LoopHeader& h) {
-    if (h.step < 0) return {-int64_t{h.first}, -int64_t{h.last}, -int64_t{h.step}, -1};
-    return {h.first, h.last, h.step, 1};
+    if (h.columns != nullptr) return {0, h.count - 1, 1, 1, h.columns};
+    if (h.step < 0) return {-int64_t{h.first}, -int64_t{h.last}, -int64_t{h.step}, -1, nullptr};
+    return {h.first, h.last, h.step, 1, nullptr};
+}
+
+/// The value of the turn; behind the last column the one after it.
+static int64_t value_of_turn(const LoopTurns& t) {
+    if (t.columns == nullptr) return t.sign * t.index;
+    return t.index <= t.last ? t.columns[t.index] : int64_t{t.columns[t.last]} + 1;
 }
 
 void next_turn(LoopTurns& t, LoopName& name) {
@@ -112,7 +137,7 @@ void next_turn(LoopTurns& t, LoopName& name) {
         t.index = t.last + 1;
         return;
     }
-    write_loop_variable(name, t.sign * t.index);
+    write_loop_variable(name, value_of_turn(t));
 }
 
 // ---- statements ----------------------------------------------------------------------------------------
@@ -126,10 +151,8 @@ static bool leaves_loop() {
     return true;
 }
 
-static void run_for(FILE* inf, condexptr p, quolyptr n) {
-    nameptr cursor;
-    start_list(p->cond, &cursor);
-    next_token(inf, &cursor);
+/// The turns of a loop, its header being read from the token behind ":".
+static void run_turns(FILE* inf, condexptr p, quolyptr n, nameptr cursor) {
     LoopHeader h;
     if (!set_up_for_loop(inf, &cursor, &h)) return;
     if (!tok_is(token, k_end_token)) {
@@ -143,6 +166,15 @@ static void run_for(FILE* inf, condexptr p, quolyptr n) {
         if (leaves_loop()) return;
         next_turn(t, h.name);
     }
+}
+
+static void run_for(FILE* inf, condexptr p, quolyptr n) {
+    nameptr cursor;
+    start_list(p->cond, &cursor);
+    next_token(inf, &cursor);
+    ScratchMark mark = scratch_mark();
+    run_turns(inf, p, n, cursor);
+    scratch_release(mark);
 }
 
 /// Reports name the statement under way and the one around it.

@@ -16,6 +16,11 @@ inline bool is_lower(unsigned char c) { return c >= 'a' && c <= 'z'; }
 inline bool is_upper(unsigned char c) { return c >= 'A' && c <= 'Z'; }
 inline bool is_digit(unsigned char c) { return c >= '0' && c <= '9'; }
 
+/// eval_state.bar_closes: "|" closes; a line end in front of what could go on ends the expression.
+inline constexpr boolean k_bar_closes = 1, k_line_closes = 2;
+inline bool bar_closes_here() { return (eval_state.bar_closes & k_bar_closes) != 0; }
+inline bool line_ends_here() { return line_crossed && (eval_state.bar_closes & k_line_closes) != 0; }
+
 /// Reads over the character c, or reports that it is missing and goes on as if it were there.
 bool expect(FILE* inf, nameptr* flag, char c, Err missing);
 

@@ -77,8 +77,10 @@ void copy_value(quolyptr at, quolyptr n) {
 /// The operator that the current token stands for, 0 if the term ends here. A name or "(" is a product.
 static char multiplying_sign() {
     unsigned char c = tok_char(token);
-    if (c == '*' || c == '/' || c == '\\' || c == '(') return static_cast<char>(c == '(' ? '1' : c);
-    if (c == '|') return eval_state.bar_closes ? 0 : '|';
+    if (c == '*' || c == '/' || c == '\\') return static_cast<char>(c);
+    if (c == '|') return bar_closes_here() ? 0 : '|';
+    if (line_ends_here()) return 0;
+    if (c == '(') return '1';
     if ((is_lower(c) && !tok_is(token, "or") && !tok_is(token, "and")) || is_upper(c)) return '1';
     return 0;
 }
@@ -225,7 +227,7 @@ static void add_next_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     *qp = n;
 }
 
-static bool at_sum_sign() { return at_char('+') || at_char('-'); }
+static bool at_sum_sign() { return at_char('+') || (at_char('-') && !line_ends_here()); }
 
 /// The rest of a sum that has become long: polynomials go to the counter, everything else to *n at once.
 [[gnu::noinline]] static void long_sum(FILE* inf, quolyptr n, nameptr* flag) {
@@ -533,6 +535,16 @@ void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpo
         after_colon(inf, qp, n, name, flag);
     else
         rest_of_sum(inf, qp, n, flag);
+}
+
+void rest_of_statement(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    if (at_char(':')) {
+        after_colon(inf, qp, n, {token, nullptr, false, {}}, flag);
+        return;
+    }
+    postfix(inf, qp, n, flag);
+    rest_of_term(inf, qp, n, flag);
+    rest_of_sum(inf, qp, n, flag);
 }
 
 // ---- factors -------------------------------------------------------------------------------------------

@@ -26,6 +26,8 @@ void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpo
 void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag);
 void fact(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag,
           boolean leave_it);
+/// What follows the first factor of a statement, which is at *qp: an assignment, or the rest of the expression.
+void rest_of_statement(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag);
 void half_expre(FILE* inf, quolyptr n, nameptr* flag);
 void half_term(FILE* inf, quolyptr n, nameptr* flag);
 void half_fact(FILE* inf, quolyptr n, nameptr* flag);

@@ -132,6 +132,7 @@ bool read_number(Reader& r) {
     } else {
         int32_t digits = 0;
         init_quoly_node(r.n);
+        lines_close = eval_state.bar_closes & k_line_closes;
         new_readin(r.inf, (*r.n)->ncoef, r.flag, &digits);
     }
     if (at_char('.')) {

@@ -1,5 +1,6 @@
 #include "language/parse.h"
 
+#include "language/array_statement.h"
 #include "language/evaluator.h"
 #include "language/ports.h"
 #include "language/rubout.h"
@@ -17,13 +18,6 @@ static void delete_statement(FILE* inf, quolyptr n, nameptr* flag) {
     quoly_set(0, n);
 }
 
-/// "[": there is no array yet that could be meant.
-static void array_statement(FILE* inf, quolyptr n, nameptr* flag) {
-    next_token(inf, flag);
-    error(is_lower(tok_char(token)) ? Err::undefined_array : Err::array_expected);
-    quoly_set(0, n);
-}
-
 /// An expression or an assignment. A value that lives in a variable is copied, since it becomes the previous
 /// value.
 static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
@@ -37,6 +31,11 @@ static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
         quoly_set(0, n);
 }
 
+/// A name that begins with a letter of array functions.
+static void named_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    begins_array_statement() ? arr_parse(inf, n, flag) : value_statement(inf, n, flag);
+}
+
 using StatementReader = void (*)(FILE* inf, quolyptr n, nameptr* flag);
 
 struct StatementTable {
@@ -48,7 +47,9 @@ struct StatementTable {
         of['!'] = write_out;
         of['?'] = read_in;
         of['@'] = delete_statement;
-        of['['] = of['"'] = of['~'] = array_statement;
+        of['['] = of['"'] = of['~'] = arr_parse;
+        of['T'] = of['D'] = of['A'] = of['M'] = named_statement;
+        of['%'] = arr_arr_state;
     }
 };
 static constexpr StatementTable statements;

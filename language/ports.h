@@ -2,6 +2,7 @@
 /// language/ports.h: what the evaluators need from the session above them.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"
+#include "storage/failure.h"
 
 #include <cstdio>
 namespace tolvex {
@@ -10,6 +11,8 @@ void run_command(FILE* inf, quolyptr n, nameptr* flag);
 /// Prompts, writes `text` behind the prompt, and reads the first token of an answer at the terminal; tt_flag
 /// is 1 afterwards. The stream to read the rest from.
 FILE* open_answer(const char* text);
+/// Writes a warning on a number of the message table; `text`: what it is about, nil the current token.
+void warning(Err code, const char* text);
 /// Gives up the statement under way and goes back to the read loop of level 1, as a panic stop does.
 [[noreturn]] void return_to_top();
 }  // namespace tolvex

@@ -129,6 +129,8 @@ struct LoopName {
 struct LoopHeader {
     LoopName name;
     int32_t first, last, step;
+    const int32_t* columns;  // the values, in rising order, in scratch memory of the caller's mark; nil: a range
+    int32_t count;           // of them
 };
 /// Reads a header from the variable on; the variable has its first value afterwards. False if an error has
 /// come back.
@@ -137,6 +139,7 @@ bool set_up_for_loop(FILE* inf, nameptr* flag, LoopHeader* h);
 struct LoopTurns {
     int64_t index, last, step;
     int32_t sign;
+    const int32_t* columns;  // the value of turn `index` stands at this place; nil: see above
 };
 LoopTurns turns_of(const LoopHeader& h);
 /// Goes on to the next turn and writes the variable.

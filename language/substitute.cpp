@@ -176,18 +176,16 @@ static void read_list(FILE* inf, Places* places, nameptr* flag) {
     eval_state.bar_closes = saved;
 }
 
-void get_evalquoly(FILE* inf, quolyptr n, nameptr* flag) {
+void with_replacements(FILE* inf, nameptr* flag, void (*use)(const quoly* value, void* context), void* context) {
     ScratchMark mark = scratch_mark();
     auto* places = scratch_array<Places>(1);
     *places = {};
-    held_operand here = {n, n, eval_state.held};
-    eval_state.held = &here;
     next_token(inf, flag);
     if (at_char('(')) {
         read_list(inf, places, flag);
     } else if (at_char('[')) {
         next_token(inf, flag);
-        error(Err::undefined_array);
+        error(Err::array_expected);
     } else {
         quoly value = nullptr;
         old_fact(inf, &value, flag);
@@ -198,9 +196,20 @@ void get_evalquoly(FILE* inf, quolyptr n, nameptr* flag) {
             store_place(places, 1, value);
         }
     }
-    total_eval(*n, n, places->value, number_polys);
-    eval_state.held = here.below;
+    use(places->value, context);
     for (int32_t level = 1; level <= number_polys; level++) free_quoly(&places->value[level]);
     scratch_release(mark);
+}
+
+static void evaluate_in_place(const quoly* value, void* context) {
+    auto* n = static_cast<quolyptr>(context);
+    total_eval(*n, n, value, number_polys);
+}
+
+void get_evalquoly(FILE* inf, quolyptr n, nameptr* flag) {
+    held_operand here = {n, n, eval_state.held};
+    eval_state.held = &here;
+    with_replacements(inf, flag, evaluate_in_place, n);
+    eval_state.held = here.below;
 }
 }  // namespace tolvex

@@ -1,6 +1,7 @@
 // Sums and products over ranges: Sigma<i = a, b>[e], Prod<i = a, b>[e], with any number of headers.
 
 #include "language/builtin_table.h"
+#include "language/copy_tokens.h"
 #include "language/integer_words.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
@@ -8,63 +9,15 @@
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_mult.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
 namespace tolvex {
 // ---- copying the construct from the stream -------------------------------------------------------------
-
-namespace {
-/// The list that a construct typed at the terminal is copied to, since its body is read once a turn.
-struct Copy {
-    FILE* inf;
-    nameptr* flag;
-    nameptr first;
-    nameptr* link;
-};
-}  // namespace
-
-static void append_token(Copy& c) {
-    newname(c.link);
-    (*c.link)->let = token;
-    c.link = &(*c.link)->next;
-}
-
-static void copy_token(Copy& c) {
-    append_token(c);
-    next_token(c.inf, c.flag);
-}
-
-/// A literal with its quotes.
-static bool copy_literal(Copy& c) {
-    append_token(c);
-    do {
-        boolean eoln = 0;
-        if (at_end(c.inf)) return false;
-        dumbscanner(c.inf, &token, c.flag, &eoln);
-        append_token(c);
-    } while (!at_char('\''));
-    next_token(c.inf, c.flag);
-    return true;
-}
-
-/// <i = a to b by c>: "to" and "by" are separators in it.
-static bool copy_header(Copy& c) {
-    while (!at_char('>')) {
-        if (at_char(';')) {
-            error(Err::sum_header_not_closed, ";");
-            return false;
-        }
-        if (tok_is(token, "to")) tok_set(token, " to");
-        if (tok_is(token, "by")) tok_set(token, " by");
-        copy_token(c);
-    }
-    copy_token(c);
-    return true;
-}
 
 static bool opens() { return at_char('[') || at_char('('); }
 static bool closes() { return at_char(']') || at_char(')'); }
 
 /// From the opening bracket up to its mate.
-static bool copy_body(Copy& c) {
+static bool copy_body(TokenCopy& c) {
     int32_t depth = 0;
     do {
         if (at_char('\'')) {
@@ -88,7 +41,7 @@ static bool copy_body(Copy& c) {
     return true;
 }
 
-static bool copy_construct(Copy& c) {
+static bool copy_construct(TokenCopy& c) {
     while (at_char('<'))
         if (!copy_header(c)) return false;
     if (!opens()) {
@@ -189,7 +142,7 @@ static bool read_header(RangeSum& s, LoopHeader* h) {
 }
 
 /// *n := the sum from the "<" at the current token; the closing bracket is the current token afterwards.
-static void sum_mult_up(RangeSum& s, quolyptr n) {
+static void sum_over_range(RangeSum& s, quolyptr n) {
     quoly_set(s.product ? 1 : 0, n);
     LoopHeader h;
     if (stack_is_low()) {
@@ -218,6 +171,12 @@ static void sum_mult_up(RangeSum& s, quolyptr n) {
     eval_state.held = here.below;
 }
 
+static void sum_mult_up(RangeSum& s, quolyptr n) {
+    ScratchMark mark = scratch_mark();
+    sum_over_range(s, n);
+    scratch_release(mark);
+}
+
 /// Sigma and Prod: a construct from the stream is copied first.
 void builtin_Sum(BuiltinCall& call) {
     constexpr int32_t k_product_id = 66;  // ORDER BUILTIN_IDS
@@ -231,7 +190,7 @@ void builtin_Sum(BuiltinCall& call) {
     if (*call.flag != nullptr) {
         sum_mult_up(s, call.n);
     } else {
-        Copy copy = {call.inf, call.flag, nullptr, nullptr};
+        TokenCopy copy = {call.inf, call.flag, nullptr, nullptr};
         copy.link = &copy.first;
         Unfinished u;
         begin_unfinished(

@@ -1,5 +1,8 @@
 #include "language/write_out.h"
 
+#include "language/array_display.h"
+#include "language/array_expre.h"
+#include "language/array_read.h"
 #include "language/evaluator.h"
 #include "language/language_modes.h"
 #include "language/ports.h"
@@ -71,6 +74,7 @@ static void handle_quote(FILE* inf, nameptr* flag, const Sink& out) {
     Suffix s = read_suffix(inf, flag);
     fwrite(text, 1, static_cast<size_t>(length), out.file);
     fill(out, s.width, length);
+    if (length > 0 || s.width > 0) output_open = s.width > length || text[length - 1] != '\n';
 }
 
 /// A number 1 to 255 as that byte, everything else as "?".
@@ -108,10 +112,32 @@ static void write_value(const quolynode* q, const Suffix& s, const Sink& out) {
     }
 }
 
+/// An array in brackets: `[a]`, `[a[..]]`, `[%[k]]`, `[<]`.
+static void write_array(FILE* inf, nameptr* flag, const Sink& out) {
+    ArrReader r = {inf, flag, {}, false};
+    ArrOperand v;
+    if (!begin_operand(v)) return;
+    bracket_factor(r, v);
+    Suffix s = read_suffix(inf, flag);
+    if (output_open && out.terminal && !s.character && !is_scalar(v)) putchar('\n');
+    if (is_scalar(v))
+        write_value(v.n, s, out);
+    else if (s.character)
+        arrdisplay_characters(out.file, v, s.width);
+    else
+        arrdisplay(out.file, v, s.given ? s.width : k_element_width);
+    output_open = s.character || is_scalar(v);
+    end_operand(v);
+}
+
 /// One item of a list: a text, or an expression, which is shown where it lives for "^x".
 static void one_write_out(FILE* inf, nameptr* flag, const Sink& out) {
     if (at_char('\'')) {
         handle_quote(inf, flag, out);
+        return;
+    }
+    if (at_char('[')) {
+        write_array(inf, flag, out);
         return;
     }
     if (at_char(';') || tok_is(token, k_end_token)) {
@@ -124,6 +150,7 @@ static void one_write_out(FILE* inf, nameptr* flag, const Sink& out) {
     hold(&v);
     Suffix s = read_suffix(inf, flag);
     write_value(value_of(&v), s, out);
+    output_open = 1;
     let_go(&v);
     release(&v);
 }
@@ -163,8 +190,11 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
     if (flush) next_token(inf, flag);
     if (at_char(';') || tok_is(token, k_end_token)) {
         putchar('\n');
+        output_open = 0;
     } else if (at_char('(')) {
         write_list(inf, flag);
+    } else if (at_char('[')) {
+        write_array(inf, flag, {stdout, 1});
     } else if (at_char('\'')) {
         handle_quote(inf, flag, {stdout, 1});
     } else {
@@ -172,6 +202,7 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
         read_factor(inf, &v, flag);
         hold(&v);  // an interrupt of the display may bring a new value of the variable
         quoly_display(stdout, 1, value_of(&v));
+        output_open = 1;
         let_go(&v);
         release(&v);
     }
@@ -180,6 +211,15 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
 }
 
 // ---- reading -------------------------------------------------------------------------------------------
+
+AnswerMark begin_answer() { return {token, tt_flag, leftover[0]}; }
+
+void end_answer(const AnswerMark& mark) {
+    token = mark.token;
+    tt_flag = mark.tt_flag;
+    leftover[0] = mark.tt_flag ? 0 : mark.leftover;
+    leftover[1] = 0;
+}
 
 /// The answer to the question for a variable; "@" leaves it as it is.
 static void read_answer(tokentipe& name, quolyptr n) {
@@ -206,9 +246,7 @@ static void read_answer(tokentipe& name, quolyptr n) {
 void read_in(FILE* inf, quolyptr n, nameptr* flag) {
     next_token(inf, flag);
     if (at_char('[')) {
-        next_token(inf, flag);
-        error(Err::undefined_array);
-        quoly_set(0, n);
+        read_whole_array(inf, n, flag);
         return;
     }
     tokentipe name = token;
@@ -219,18 +257,12 @@ void read_in(FILE* inf, quolyptr n, nameptr* flag) {
     }
     next_token(inf, flag);
     if (at_char('[')) {
-        error(Err::undefined_array, tok_text(name));
-        quoly_set(0, n);
+        read_array_element(inf, n, flag, name);
         return;
     }
-    tokentipe saved_token = token;
-    boolean saved_tt = tt_flag;
-    char saved_leftover = leftover[0];
+    AnswerMark mark = begin_answer();
     read_answer(name, n);
-    token = saved_token;
-    tt_flag = saved_tt;
-    leftover[0] = saved_tt ? 0 : saved_leftover;
-    leftover[1] = 0;
+    end_answer(mark);
     if (*flag != nullptr) set_zero(n);
 }
 }  // namespace tolvex

@@ -10,6 +10,14 @@
 namespace tolvex {
 /// "!" is the current token. *n := 0.
 void write_out(FILE* inf, quolyptr n, nameptr* flag);
+/// Where the statement stands while an answer is read.
+struct AnswerMark {
+    tokentipe token;
+    int32_t tt_flag;
+    char leftover;
+};
+AnswerMark begin_answer();
+void end_answer(const AnswerMark& mark);
 /// "?" is the current token. *n: the value read, 0 in a stored list.
 void read_in(FILE* inf, quolyptr n, nameptr* flag);
 }  // namespace tolvex

@@ -124,22 +124,30 @@ static void grow_store(int32_t n) {
     }
 }
 
-arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
-    if (!legal_dimensions(r, c)) return nullptr;
-    if (oversize(r, c)) {
-        error(Err::array_too_large);
-        return nullptr;
-    }
-    auto n = static_cast<int32_t>(r * c);
-    if (endarr + n > k_greatest_position) {
-        error(Err::array_store_full);
-        return nullptr;
-    }
-    arrptr a = new_array_record(let, r, c, liner);
+bool store_has_room(const arrnode* a, int64_t r, int64_t c) {
+    Err fault = Err{};
+    int64_t freed = a == nullptr || a->spar != nullptr ? 0 : a->sizearr;
+    if (oversize(r, c))
+        fault = Err::array_too_large;
+    else if (endarr - freed + r * c > k_greatest_position)
+        fault = Err::array_store_full;
+    if (fault != Err{}) error(fault);
+    return fault == Err{};
+}
+
+/// The array takes n positions at the end of the store.
+static void take_positions(arrptr a, int32_t n) {
     grow_store(n);
     a->start = endarr + 1;
     a->stop = endarr + n;
     endarr += n;
+}
+
+arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
+    if (!legal_dimensions(r, c)) return nullptr;
+    if (!store_has_room(nullptr, r, c)) return nullptr;
+    arrptr a = new_array_record(let, r, c, liner);
+    take_positions(a, static_cast<int32_t>(r * c));
     a->time = ++array_time;
     link_array(a);
     return a;
@@ -194,7 +202,7 @@ static void close_hole(int32_t first, int32_t n, int32_t stamp) {
 }
 
 /// Values are given back in the shape that numbers have in their own ring.
-static void free_elements(arrptr a) {
+void free_elements(arrptr a) {
     boolean shape = lintmode;
     lintmode = a->ring > 0;
     if (a->spar != nullptr)
@@ -220,6 +228,26 @@ void free_array(arrptr a) {
     if (dense) close_hole(a->start, static_cast<int32_t>(a->sizearr), a->time);
     empty_places(a);
     pool_push<&arrnode::next>(arr_garb, a);
+}
+
+void reshape_array(arrptr a, int64_t r, int64_t c, bool liner, sparseptr chain) {
+    bool was_sparse = a->stop < a->start;
+    if (was_sparse) {
+        free_sparse(&a->spar, a->rows, 1);
+    } else {
+        int32_t first = a->start;
+        a->start = endarr + 1;  // behind the hole, like everything that moves
+        close_hole(first, static_cast<int32_t>(a->sizearr), a->time);
+    }
+    a->rows = static_cast<int32_t>(r);
+    a->sizearr = r * c;
+    a->linear = liner;
+    a->ring = modulus;
+    a->time = ++array_time;
+    a->spar = chain;
+    a->start = 0;
+    a->stop = -1;
+    if (chain == nullptr) take_positions(a, static_cast<int32_t>(a->sizearr));
 }
 
 void fill_sparse(arrptr a) {

@@ -106,9 +106,18 @@ void link_array(arrptr a);
 void unlink_array(arrptr a);
 /// Gives back an alias that is in no bucket.
 void free_alias(arrptr a);
+/// Frees the elements, in the shape that numbers have in their ring; dense slots are nil afterwards, a sparse
+/// array is without a chain.
+void free_elements(arrptr a);
 /// Cancels the array itself: unlinks it, frees what it owns, closes the hole that it leaves in the store. Its
 /// places in the array of arrays become empty. It has no alias and lends nothing.
 void free_array(arrptr a);
+/// True if a dense array of r by c has room in the store once this one, if it is dense, has gone; else error
+/// 26 or 43.
+bool store_has_room(const arrnode* a, int64_t r, int64_t c);
+/// The array itself, whose elements have been freed, takes another shape and, if dense, the last place in the
+/// store; `chain`: it becomes sparse with these entries, used up. Its stamp is new. A dense one has room.
+void reshape_array(arrptr a, int64_t r, int64_t c, bool liner, sparseptr chain);
 /// The dense array, which keeps its stamp, becomes sparse: its elements move, zeros go, the hole is closed.
 void fill_sparse(arrptr a);
 // ---- the system array ----------------------------------------------------------------------------------

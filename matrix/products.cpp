@@ -92,13 +92,12 @@ static void add_multiple(colm_ptrptr t, const colnode* b, quoly factor) {
     }
 }
 
-void sparse_mult(sparseptr a, sparseptr b, int32_t rows, int32_t inner, sparseptr* result) {
-    sparse_init(result, rows);
+void sparse_mult(sparseptr a, sparseptr b, int32_t rows, int32_t inner, sparseptr result) {
     auto blocks = static_cast<size_t>((int64_t{inner} + k_rows_a_block - 1) / k_rows_a_block);
     ScratchMark mark = scratch_mark();
     auto* table = scratch_array<sparseptr>(static_cast<int64_t>(blocks));
     for (size_t i = 0; i < blocks; i++, b = b->next) table[i] = b;
-    SparseWalk from = walk_sparse(a, rows), to = walk_sparse(*result, rows);
+    SparseWalk from = walk_sparse(a, rows), to = walk_sparse(result, rows);
     while (colm_ptrptr row = next_row(from)) {
         colm_ptrptr target = next_row(to);
         for (const colnode* p = *row; p != nullptr; p = p->next) {

@@ -214,6 +214,7 @@ Digits read_digits(FILE* inf, nameptr* flag) {
         append(&digits, static_cast<char>(tok_char(token)));
         if (*flag == nullptr) append_run(inf, &digits);
         scanner(inf, &token, flag);
+        if (line_crossed && lines_close && *flag == nullptr) break;
     }
     return digits;
 }

@@ -70,6 +70,7 @@ void clear_statement_counters() {
     c_cntcount = a_cntcount = d_cntcount = g_cntcount = 0;
     g_cutoff = 10;
     uninit = 0;
+    output_open = 0;
     alg_c_count = 0;
     original_depth = 1;
 }

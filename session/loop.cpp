@@ -1,5 +1,6 @@
 #include "session/loop.h"
 
+#include "language/array_display.h"
 #include "language/language_modes.h"
 #include "language/parse.h"
 #include "language/tokens/scanner.h"
@@ -224,6 +225,8 @@ static void run_one_statement(quolyptr value) {
 /// written.
 static void show_value(const quolynode* value) {
     bool open = false;
+    if (syst_dump && noisy && !tok_is(token, ":") && !tok_is(token, "@")) display_system_array();
+    syst_dump = 0;
     if (extra_line) putchar('\n');
     if (!tok_is(token, ":")) {
         if (noisy && !tok_is(token, "@")) open = quoly_display(Output, 1, value);

@@ -2,13 +2,11 @@
 /// session/messages.h: the texts of numbered errors and warnings.
 ///
 /// Purpose    out_err_mess writes a line of the message table; the warnings are the reports after which a
-///            computation goes on.
-#include "storage/failure.h"
+///            computation goes on (warning, language/ports.h).
+#include "language/ports.h"
 namespace tolvex {
 /// Writes message k and a line feed on the standard output; before 17 the line of the legal commands.
 void out_err_mess(int32_t k);
-/// Writes a warning of the numbered list and returns. `text` is the symbol that it names.
-void warning(Err code, const char* text);
 /// How a token is shown in a report: the end mark of stored statements as ";".
 const char* shown_token(const char* text);
 }  // namespace tolvex

@@ -227,9 +227,13 @@ static int skip_white(FILE* inf) {
     for (;;) {
         int c = raw_char(inf);
         if (c == '\n' && tt_flag) return give_line_end(inf);
-        if (!has_class(c, k_white) && !continues(inf, c)) return c;
+        bool continued = continues(inf, c);
+        if (!has_class(c, k_white) && !continued) return c;
+        if (c == '\n' || continued) line_crossed = 1;
     }
 }
+
+static boolean line_crossed_ahead = 0;  // a continued line end stood behind the name read last
 
 /// The rest of a name that begins with c. What stopped it goes to `leftover`; line ends and the end of the
 /// file stay unread.
@@ -241,7 +245,9 @@ static void scan_name(FILE* inf, tokentipe* tok, int c) {
         c = raw_char(inf);
     } while (length < k_namelength && has_class(c, k_letter | k_digit_or_bar));
     if (c == '\n') unread_char(c, inf);
-    bool white = c == EOF || has_class(c, k_white) || continues(inf, c);
+    bool continued = continues(inf, c);
+    if (continued) line_crossed_ahead = 1;
+    bool white = c == EOF || has_class(c, k_white) || continued;
     leftover[0] = white ? ' ' : static_cast<char>(c);
     leftover[1] = 0;
 }
@@ -252,6 +258,8 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
         return;
     }
     if (line_end_given) take_line_end(inf);
+    line_crossed = line_crossed_ahead;
+    line_crossed_ahead = 0;
     int c = static_cast<unsigned char>(leftover[0]);
     if (c == 0 || c == ' ') c = skip_white(inf);
     if (!line_end_given) {

@@ -24,6 +24,8 @@ inline char continuation = '`';        // line-continuation character; blank und
 inline boolean tt_flag = 1;            // 1: reading the terminal, 0: a file
 inline int32_t semicount = 0;          // consecutive empty lines in a definition
 inline int32_t func_def_count = 0;     // depth of definitions being read
+inline boolean line_crossed = 0;    // a line end stood in front of the current token: in a file, or continued
+inline boolean lines_close = 0;     // a line end ends a number too: in the rows of an array literal
 inline boolean line_end_given = 0;     // in a definition: the line feed that is next has been given as ";"
 inline nameptr currentchar = nullptr;  // the list node after the current token
 inline nameptr startexpr = nullptr, prev_expr = nullptr;         // error-report cursors into token lists

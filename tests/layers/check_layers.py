@@ -12,7 +12,7 @@ ORDER = ["storage", "language/tokens", "numbers", "poly", "gcd", "quoly", "field
 # Upward calls: the header that declares them and the folder that defines them.
 PORTS = {
     "storage/failure.h": ("session", ["error", "tolvex_error", "mem_error", "take_interrupt"]),
-    "language/ports.h": ("session", ["run_command", "return_to_top", "open_answer"]),
+    "language/ports.h": ("session", ["run_command", "return_to_top", "open_answer", "warning"]),
 }
 JUMPS = re.compile(r"\b(sig)?(setjmp|longjmp)\b")
 HEAVY = re.compile(r"\bstd::(string|vector|function|map|unique_ptr|shared_ptr)\b|\bthrow\b|\btry\s*\{|\bnew\s+[A-Za-z_]")

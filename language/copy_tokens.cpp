@@ -1,0 +1,41 @@
+#include "language/copy_tokens.h"
+
+#include "language/tokens/token_list.h"
+namespace tolvex {
+void append_token(TokenCopy& c) {
+    newname(c.link);
+    (*c.link)->let = token;
+    c.link = &(*c.link)->next;
+}
+
+void copy_token(TokenCopy& c) {
+    append_token(c);
+    next_token(c.inf, c.flag);
+}
+
+bool copy_literal(TokenCopy& c) {
+    append_token(c);
+    do {
+        boolean eoln = 0;
+        if (at_end(c.inf)) return false;
+        dumbscanner(c.inf, &token, c.flag, &eoln);
+        append_token(c);
+    } while (!at_char('\''));
+    next_token(c.inf, c.flag);
+    return true;
+}
+
+bool copy_header(TokenCopy& c) {
+    while (!at_char('>')) {
+        if (at_char(';')) {
+            error(Err::sum_header_not_closed, ";");
+            return false;
+        }
+        if (tok_is(token, "to")) tok_set(token, " to");
+        if (tok_is(token, "by")) tok_set(token, " by");
+        copy_token(c);
+    }
+    copy_token(c);
+    return true;
+}
+}  // namespace tolvex
