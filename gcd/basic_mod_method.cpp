@@ -28,6 +28,7 @@
 #include "poly/poly_scale.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "poly/size_estimates.h"
 #include "poly/word_field.h"
 #include "storage/interrupt.h"
 #include "storage/progress.h"
@@ -36,9 +37,8 @@
 namespace tolvex {
 int32_t select_prime(poly x, poly y, int32_t buffer, int32_t rand_mod, int32_t prmesize, const number* prme) {
     const number *a = leading_coef(x)->ncoef, *b = leading_coef(y)->ncoef;
-    const WordField large = word_field_prime(static_cast<uint32_t>(lrgpme[k_lrg_primes - 1]));
     int32_t start =
-        prmesize - buffer - static_cast<int32_t>(wf_random_unit(large) % static_cast<uint32_t>(rand_mod));
+        prmesize - buffer - static_cast<int32_t>(wf_random_below(static_cast<uint32_t>(rand_mod)));
     int32_t i = minn(maxx(start, 1), prmesize);
     for (; i <= prmesize; i++) {
         auto p = static_cast<uint32_t>(prme[i - 1].lint);
@@ -62,22 +62,6 @@ struct basic_mod_method_EnvRec {
 };
 enum class Image { bad, coprime, higher, lower, same };
 }  // namespace
-
-// Bits of the largest coefficient.
-static int32_t widest_number(const polynode* p) {
-    int32_t most = 0;
-    for (; p != nullptr; p = p->next) {
-        int32_t bits;
-        if (!p->numb) {
-            bits = widest_number(p->pcoef);
-        } else {
-            int32_t head = p->ncoef->head->value;
-            bits = k_digit_bits * (p->ncoef->size - 1) + word_top_bit(head) + 1;
-        }
-        most = maxx(most, bits);
-    }
-    return most;
-}
 
 // The prime at a position of the two tables in a row; 0 beyond them.
 static int32_t prime_at(int32_t position) {
@@ -253,7 +237,7 @@ static void set_up(basic_mod_method_EnvRec& env) {
     special_free(&b);
     fast_mult(&env.lc, &number_2, &env.twice_lc);
     setvalue(1, &env.prod);
-    env.max_coef_val = maxx(widest_number(env.x), widest_number(env.y));
+    env.max_coef_val = maxx(max_digits(env.x), max_digits(env.y));
     env.i = env.initial_i = select_prime(env.x, env.y, 530, 64, k_primes, prime);
 }
 
