@@ -23,6 +23,11 @@ void recurrence_open(Recurrence* r, int32_t most) {
 
 static uint32_t discrepancy(const WordField& f, const Recurrence& r, const uint32_t* a, int32_t n) {
     uint64_t sum = a[n];
+    if (f.table) {
+        for (int32_t i = 1; i <= r.length; i++)
+            sum = wf_add(f, static_cast<uint32_t>(sum), wf_mul(f, r.c[i], a[n - i]));
+        return static_cast<uint32_t>(sum);
+    }
     for (int32_t i = 1; i <= r.length; i++) {
         sum += static_cast<uint64_t>(r.c[i]) * a[n - i];
         if (sum >> 63) sum = wf_reduce(f, sum);
@@ -66,40 +71,57 @@ bool recurrence_add(const WordField& f, Recurrence* r, const uint32_t* a, int32_
 
 static constexpr int32_t k_order_tries = 64;
 
-bool power_base_open(const WordField& f, int64_t limit, PowerBase* base) {
+// A generator of the multiplicative group of the prime field, kept for the last prime asked for.
+static uint32_t generator(const WordField& f) {
+    static uint32_t last_prime = 0, last_generator = 0;
+    if (f.p == last_prime) return last_generator;
+    uint32_t factor[16], rest = f.p - 1;
+    int32_t factors = 0;
+    for (uint32_t q = 2; q * q <= rest && q < 65536; q++) {
+        if (rest % q != 0) continue;
+        factor[factors++] = q;
+        while (rest % q == 0) rest /= q;
+    }
+    if (rest > 1) factor[factors++] = rest;
+    for (uint32_t x = 2; x < f.p; x++) {
+        bool whole = true;
+        for (int32_t i = 0; i < factors && whole; i++) whole = wf_power(f, x, (f.p - 1) / factor[i]) != 1;
+        if (!whole) continue;
+        last_prime = f.p;
+        last_generator = x;
+        return x;
+    }
+    return 0;
+}
+
+// In a table field: an element whose first `limit` powers differ from 1.
+static uint32_t table_base(const WordField& f, int64_t limit) {
+    for (int32_t tries = 0; tries < k_order_tries; tries++) {
+        uint32_t base = wf_random_unit(f), x = base;
+        int64_t order = 1;
+        for (; order < limit && x != 1; order++) x = wf_mul(f, x, base);
+        if (order >= limit) return base;
+    }
+    return 0;
+}
+
+bool power_base_open(const WordField& f, int64_t limit, bool halving, PowerBase* base) {
     *base = {};
     base->limit = limit;
-    uint32_t order = f.p - 1;
-    if (limit > order) return false;
-    int32_t two = __builtin_ctz(order), bits = 1;
+    if (limit > f.p - 1) return false;
+    if (f.table) {
+        base->base = table_base(f, limit);
+        return base->base != 0;
+    }
+    int32_t bits = 1;
     while ((int64_t{1} << bits) < limit) bits++;
-    if (bits <= two) {
-        base->bits = bits;
-        // An element of order 2^two is a non-residue to the power of the odd part.
-        for (int32_t tries = 0; tries < k_order_tries; tries++) {
-            uint32_t x = wf_power(f, wf_random_unit(f), order >> two);
-            for (int32_t i = two; i > bits; i--) x = wf_mul(f, x, x);
-            uint32_t half = wf_power(f, x, uint64_t{1} << (bits - 1));
-            if (half != f.p - 1) continue;
-            base->base = x;
-            return true;
-        }
-        return false;
+    if (!halving || bits > __builtin_ctz(f.p - 1)) {
+        base->base = generator(f);
+        return base->base != 0;
     }
-    for (int32_t tries = 0; tries < k_order_tries; tries++) {
-        uint32_t x = wf_random_unit(f), rest = order;
-        bool whole = true;  // x generates, as far as primes below 2^16 tell
-        for (uint32_t q = 2; whole && q < 65536 && q <= rest; q++) {
-            if (rest % q != 0) continue;
-            while (rest % q == 0) rest /= q;
-            whole = wf_power(f, x, order / q) != 1;
-        }
-        if (whole && (rest == 1 || wf_power(f, x, order / rest) != 1)) {
-            base->base = x;
-            return true;
-        }
-    }
-    return false;
+    base->bits = bits;
+    base->base = wf_power(f, generator(f), (f.p - 1) >> bits);
+    return true;
 }
 
 static inline int64_t slot_of(const PowerBase& base, uint32_t value) {
@@ -109,7 +131,7 @@ static inline int64_t slot_of(const PowerBase& base, uint32_t value) {
 // Small powers in a table with open addressing. (Shanks: baby steps, giant steps.)
 static void make_table(const WordField& f, PowerBase* base) {
     int64_t steps = 16;
-    while (steps * steps < 16 * base->limit && steps < (1 << 18)) steps *= 2;
+    while (steps * steps < 4 * base->limit) steps *= 2;
     base->steps = steps;
     base->mask = 4 * steps - 1;
     base->slot_value = scratch_array<uint32_t>(4 * steps);
@@ -128,12 +150,16 @@ static void make_table(const WordField& f, PowerBase* base) {
     base->giant = wf_inverse(f, x);
 }
 
-static int64_t log_of(const WordField& f, const PowerBase& base, uint32_t value) {
-    for (int64_t start = 0; start < base.limit; start += base.steps) {
-        int64_t slot = slot_of(base, value);
-        while (base.slot_value[slot] != 0 && base.slot_value[slot] != value) slot = (slot + 1) & base.mask;
-        if (base.slot_value[slot] == value) return start + base.slot_log[slot];
-        value = wf_mul(f, value, base.giant);
+int64_t power_log(const WordField& f, PowerBase* base, uint32_t x) {
+    if (base->slot_value == nullptr) make_table(f, base);
+    for (int64_t start = 0; start < base->limit; start += base->steps) {
+        int64_t slot = slot_of(*base, x);
+        while (base->slot_value[slot] != 0 && base->slot_value[slot] != x) slot = (slot + 1) & base->mask;
+        if (base->slot_value[slot] == x) {
+            int64_t e = start + base->slot_log[slot];
+            return e < base->limit ? e : -1;
+        }
+        x = wf_mul(f, x, base->giant);
     }
     return -1;
 }
@@ -240,25 +266,41 @@ static bool split_roots(const WordField& f, const uint32_t* p, int32_t t, uint32
     return done;
 }
 
-static bool roots_by_splitting(const WordField& f, PowerBase* base, const uint32_t* p, int32_t t,
-                               int64_t* e) {
-    if (base->slot_value == nullptr) make_table(f, base);
-    ScratchMark mark = scratch_mark();
-    auto* root = scratch_array<uint32_t>(t);
-    uint32_t* end = root;
-    bool found = split_roots(f, p, t, &end) && end - root == t;
-    for (int32_t i = 0; i < t && found; i++) {
-        e[i] = root[i] == 0 ? -1 : log_of(f, *base, root[i]);
-        found = e[i] >= 0;
+// Tries every element of a small field.
+static bool roots_by_search(const WordField& f, const uint32_t* p, int32_t t, uint32_t* root) {
+    int32_t found = 0;
+    for (uint32_t x = 1; x < f.p && found < t; x++) {
+        if (x % 256 == 0) poll_interrupt();
+        if (wf_value(f, p, t, x) == 0) root[found++] = x;
     }
+    return found == t;
+}
+
+bool power_roots(const WordField& f, const PowerBase& base, const uint32_t* p, int32_t t, int64_t* e) {
+    ScratchMark mark = scratch_mark();
+    bool found = roots_by_halves(f, base, p, t, e);
     scratch_release(mark);
     return found;
 }
 
-bool power_roots(const WordField& f, PowerBase* base, const uint32_t* p, int32_t t, int64_t* e) {
-    if (base->bits == 0) return roots_by_splitting(f, base, p, t, e);
+bool field_roots(const WordField& f, const PowerBase& base, const uint32_t* p, int32_t t, uint32_t* root) {
+    if (t == 1) {
+        root[0] = wf_neg(f, p[0]);
+        return true;
+    }
     ScratchMark mark = scratch_mark();
-    bool found = roots_by_halves(f, *base, p, t, e);
+    bool found;
+    if (base.bits != 0) {
+        auto* e = scratch_array<int64_t>(t);
+        found = power_roots(f, base, p, t, e);
+        for (int32_t i = 0; i < t && found; i++)
+            root[i] = wf_power(f, base.base, static_cast<uint64_t>(e[i]));
+    } else if (f.table) {
+        found = roots_by_search(f, p, t, root);
+    } else {
+        uint32_t* end = root;
+        found = split_roots(f, p, t, &end) && end - root == t;
+    }
     scratch_release(mark);
     return found;
 }

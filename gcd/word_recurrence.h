@@ -8,7 +8,7 @@
 ///            coefficients the c_i. (Ben-Or and Tiwari, "A deterministic algorithm for sparse multivariate
 ///            polynomial interpolation", 1988; Zippel, "Interpolating polynomials from their values", 1990.)
 /// Ownership  arrays live in scratch memory.
-/// Modes      prime fields: f.table is false.
+/// Modes      prime fields and table fields.
 #include "poly/word_field.h"
 
 #include <cstdint>
@@ -31,18 +31,23 @@ bool recurrence_add(const WordField& f, Recurrence* r, const uint32_t* a, int32_
 struct PowerBase {
     uint32_t base;  // of order 2^bits; or of an order of at least `limit`
     int32_t bits;   // 0: the order is no power of 2 that is known
-    int64_t limit;  // exponents asked for lie below it
-    // giant steps: base^(-step), and the table of small powers
+    int64_t limit;  // logarithms asked for lie below it
+    // baby steps in a table, giant steps: base^(-steps)
     uint32_t giant;
     int64_t steps, mask;
     uint32_t* slot_value;  // nil: not made yet
     int32_t* slot_log;
 };
-/// An element of the prime field whose powers below `limit` differ; false: none was found.
-bool power_base_open(const WordField& f, int64_t limit, PowerBase* base);
-/// The t different exponents e below limit with p(base^e) = 0, p monic of degree t; false: there are not as
-/// many.
-bool power_roots(const WordField& f, PowerBase* base, const uint32_t* p, int32_t t, int64_t* e);
+/// An element of the field whose powers below `limit` differ; false: there is none. halving: wanted of an
+/// order that is a power of 2, so that roots are found bit by bit.
+bool power_base_open(const WordField& f, int64_t limit, bool halving, PowerBase* base);
+/// The e below the base's limit with base^e = x; -1: there is none.
+int64_t power_log(const WordField& f, PowerBase* base, uint32_t x);
+/// The t different roots of p, monic of degree t, which are powers of the base if that halves; false: there
+/// are not as many in the field.
+bool field_roots(const WordField& f, const PowerBase& base, const uint32_t* p, int32_t t, uint32_t* root);
+/// The exponents e of the roots base^e; the base halves.
+bool power_roots(const WordField& f, const PowerBase& base, const uint32_t* p, int32_t t, int64_t* e);
 /// c[i] from a[0..t-1] and t different roots r.
 bool exponential_sum(const WordField& f, const uint32_t* r, const uint32_t* a, int32_t t, uint32_t* c);
 }  // namespace tolvex

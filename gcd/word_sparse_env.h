@@ -6,7 +6,6 @@ namespace tolvex {
 inline constexpr int32_t k_plan_levels = 62;             // a plan has no more: every radix is at least 2
 inline constexpr uint32_t k_halving_prime = 2013265921;  // 15 * 2^27 + 1: exponents are found bit by bit
 inline constexpr int64_t k_halving_box = int64_t{1} << 27;
-inline constexpr int32_t k_least_modulus = 4096;
 
 /// One operand, its terms ordered by their degree in t.
 struct SparseOperand {
@@ -27,9 +26,12 @@ struct SparseEnv {
     int32_t weight[k_plan_levels];  // x_i becomes x_i t^weight
     int32_t lead[k_plan_levels];   // exponents of the monomial that the image's leading coefficient is set to
     int32_t hub;                   // level of weight 1 or -1 that is set to 1: its exponent follows from t's
-    int64_t radix[k_plan_levels];  // the box of exponents that are looked for
-    int64_t place[k_plan_levels];  // weight of a level there, 0: not looked for
-    int64_t box, most_points;
+    int64_t radix[k_plan_levels];  // exponents that are looked for lie below it
+    int64_t place[k_plan_levels];  // weight of a level in the box of its group, 0: not looked for
+    int32_t group[k_plan_levels];  // groups of levels whose box the field can number
+    int32_t groups;
+    int64_t box;  // the widest
+    int64_t most_points;
     uint32_t point[k_plan_levels], ratio[k_plan_levels];                // the points are point * ratio^j
     uint32_t *point_power[k_plan_levels], *ratio_power[k_plan_levels];  // nil: no table
     uint32_t monomial_value, monomial_step;                             // of `lead`
@@ -44,13 +46,16 @@ struct SparseEnv {
     int32_t longest;         // terms of the longest coefficient
     bool hopeless;
 };
-/// Reads the operands and chooses weights whose box has at most `most` places; false: there are none.
+/// Reads the operands and chooses weights and groups whose boxes have at most `most` places; false: there are
+/// none.
 bool sparse_open(SparseEnv& s, int64_t most);
 /// The coefficients modulo f.p.
 void sparse_load(SparseEnv& s, const WordField& f);
-/// A random point; ratios are the powers of `base` that tell the places of the box apart, or random.
+/// A random point and ratios: powers of `base` that tell the places of the one group apart, or random.
 void sparse_box_point(SparseEnv& s, const WordField& f, uint32_t base);
 void sparse_free_point(SparseEnv& s, const WordField& f);
+/// Multiplies the point by base^place in the levels of a group.
+void sparse_shift_point(SparseEnv& s, const WordField& f, int32_t group, uint32_t base);
 /// The values of all terms at the first point.
 void sparse_start(SparseEnv& s, const WordField& f);
 /// On to the next point.

@@ -13,8 +13,8 @@ constexpr int64_t k_short_table = 64;
 
 /// Weights that may serve.
 struct Choice {
-    int32_t weight[k_plan_levels], lead[k_plan_levels], hub;
-    int64_t box;
+    int32_t weight[k_plan_levels], lead[k_plan_levels], group[k_plan_levels], hub, groups;
+    int64_t radix[k_plan_levels], place[k_plan_levels], box;
     double cost;
 };
 }  // namespace
@@ -117,6 +117,30 @@ static const int32_t* single_lead(const SparseEnv& s, const SparseOperand& o, co
     return single ? best : nullptr;
 }
 
+// Packs the levels into groups, the exponents of a group into one number.
+static bool make_groups(const SparseEnv& s, int64_t most, Choice* c) {
+    int64_t box = 1;
+    c->groups = 1;
+    c->box = 1;
+    for (int32_t k = 0; k < s.plan.count; k++) {
+        c->radix[k] = c->place[k] = 0;
+        c->group[k] = 0;
+        if (bound_of(s, k) == 0) c->lead[k] = 0;
+        if (k == c->hub || bound_of(s, k) == 0) continue;
+        c->radix[k] = int64_t{bound_of(s, k)} + c->lead[k] + 1;
+        if (c->radix[k] > most) return false;
+        if (c->radix[k] > most / box) {
+            c->groups++;
+            box = 1;
+        }
+        c->group[k] = c->groups - 1;
+        c->place[k] = box;
+        box *= c->radix[k];
+        c->box = maxx64(c->box, box);
+    }
+    return true;
+}
+
 // Rates the weights w; false: they do not serve.
 static bool rate(const SparseEnv& s, const int32_t* w, int64_t most, Choice* c) {
     int64_t span[2], gcd_degree = 0;
@@ -140,15 +164,9 @@ static bool rate(const SparseEnv& s, const int32_t* w, int64_t most, Choice* c) 
     }
     if (c->hub < 0) return false;
     c->lead[c->hub] = 0;
-    c->box = 1;
-    for (int32_t k = 0; k < s.plan.count; k++) {
-        if (k == c->hub || bound_of(s, k) == 0) continue;
-        int64_t radix = int64_t{bound_of(s, k)} + c->lead[k] + 1;
-        if (radix > most / c->box) return false;
-        c->box *= radix;
-    }
+    if (!make_groups(s, most, c)) return false;
     auto work = static_cast<double>(s.op[0].count + s.op[1].count + span[0] * span[1] / 2 + 50);
-    c->cost = work / static_cast<double>(gcd_degree + 1);
+    c->cost = work / static_cast<double>(gcd_degree + 1) * (c->groups == 1 ? 2 : 2 + c->groups);
     return true;
 }
 
@@ -187,15 +205,11 @@ static bool choose_weights(SparseEnv& s, int64_t most) {
     memcpy(s.weight, best.weight, sizeof s.weight);
     memcpy(s.lead, best.lead, sizeof s.lead);
     s.hub = best.hub;
-    s.box = 1;
-    for (int32_t k = 0; k < n; k++) {
-        s.radix[k] = s.place[k] = 0;
-        if (bound_of(s, k) == 0) s.lead[k] = 0;
-        if (k == s.hub || bound_of(s, k) == 0) continue;
-        s.radix[k] = int64_t{bound_of(s, k)} + s.lead[k] + 1;
-        s.place[k] = s.box;
-        s.box *= s.radix[k];
-    }
+    memcpy(s.group, best.group, sizeof s.group);
+    memcpy(s.radix, best.radix, sizeof s.radix);
+    memcpy(s.place, best.place, sizeof s.place);
+    s.groups = best.groups;
+    s.box = best.box;
     return true;
 }
 
@@ -235,8 +249,17 @@ static void make_tables(SparseEnv& s, const WordField& f) {
 void sparse_box_point(SparseEnv& s, const WordField& f, uint32_t base) {
     for (int32_t k = 0; k < s.plan.count; k++) {
         s.point[k] = k == s.hub ? 1 : wf_random_unit(f);
-        s.ratio[k] = s.place[k] == 0 ? 1 : wf_power(f, base, static_cast<uint64_t>(s.place[k]));
+        s.ratio[k] = s.place[k] == 0 ? 1
+                     : s.groups > 1  ? wf_random_unit(f)
+                                     : wf_power(f, base, static_cast<uint64_t>(s.place[k]));
     }
+    make_tables(s, f);
+}
+
+void sparse_shift_point(SparseEnv& s, const WordField& f, int32_t group, uint32_t base) {
+    for (int32_t k = 0; k < s.plan.count; k++)
+        if (s.place[k] != 0 && s.group[k] == group)
+            s.point[k] = wf_mul(f, s.point[k], wf_power(f, base, static_cast<uint64_t>(s.place[k])));
     make_tables(s, f);
 }
 
@@ -270,7 +293,7 @@ void sparse_start(SparseEnv& s, const WordField& f) {
             uint32_t start;
             sparse_monomial(s, f, o.exponent + i * s.plan.count, &start, &o.step[i]);
             o.value[i] = wf_mul(f, start, o.coefficient[i]);
-            o.wide[i] = fixed_factor(o.step[i], f.p).quotient;
+            if (!f.table) o.wide[i] = fixed_factor(o.step[i], f.p).quotient;
         }
     sparse_monomial(s, f, s.lead, &s.monomial_value, &s.monomial_step);
 }
@@ -281,13 +304,26 @@ WIDE_VECTORS static void times_fixed(uint32_t* x, const uint32_t* w, const uint3
 }
 
 void sparse_advance(SparseEnv& s, const WordField& f) {
-    for (SparseOperand& o : s.op) times_fixed(o.value, o.step, o.wide, o.count, f.p);
+    for (SparseOperand& o : s.op) {
+        if (!f.table) times_fixed(o.value, o.step, o.wide, o.count, f.p);
+        for (int64_t i = 0; i < o.count && f.table; i++) o.value[i] = wf_mul(f, o.value[i], o.step[i]);
+    }
     s.monomial_value = wf_mul(f, s.monomial_value, s.monomial_step);
+}
+
+static uint32_t table_sum(const WordField& f, const uint32_t* a, int64_t n) {
+    uint32_t sum = 0;
+    for (int64_t i = 0; i < n; i++) sum = wf_add(f, sum, a[i]);
+    return sum;
 }
 
 int32_t sparse_image(SparseEnv& s, const WordField& f, uint32_t** g) {
     for (SparseOperand& o : s.op)
         for (int32_t d = 0; d <= o.degree; d++) {
+            if (f.table) {
+                o.image[d] = table_sum(f, o.value + o.start[d], o.start[d + 1] - o.start[d]);
+                continue;
+            }
             uint64_t sum = 0;
             for (int64_t i = o.start[d]; i < o.start[d + 1]; i++) sum += o.value[i];
             o.image[d] = wf_reduce(f, sum);
