@@ -32,6 +32,8 @@ void save_functions(FILE* file);
 
 /// `&v;` (values is true) and `&v:`: variables, then arrays.
 void listvars(bool values);
+/// The arrays, a line each.
+void list_arrays();
 /// The variables as statements: the global value of each name, residues from 0 on. A value that stands in
 /// another ring cannot be written: its name is reported on the terminal.
 void save_variables(FILE* file);

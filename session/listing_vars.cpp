@@ -108,6 +108,7 @@ void listvars(bool values) {
         list_names(entries, n);
     scratch_release(mark);
     fputs("\narrays:\n\n", stdout);
+    list_arrays();
 }
 
 // ---- the saved form ------------------------------------------------------------------------------------
@@ -149,6 +150,4 @@ void save_variables(FILE* file) {
     end_plain_residues();
     scratch_release(mark);
 }
-
-void save_arrays(FILE*) {}
 }  // namespace tolvex
