@@ -1,10 +1,16 @@
 #pragma once
 /// gcd/content.h: contents of polynomials, in their three forms.
 ///
+/// Purpose    the gcd of the coefficients in a variable. The two smallest coefficients meet first: the
+/// running gcd starts
+///            small, and most chains end early at 1.
+/// Invariant  a content is positive over Z and monic in modular mode.
 /// Ownership  results are fresh; *r is replaced. A save flag that is false lets the routine use its operand
-/// up: what is left
-///            is given back by its owner.
-/// Cost       one gcd a coefficient, the two smallest first; bounded by the work counters of gcd_modes.h.
+/// up: what is
+///            left is given back by its owner.
+/// Cost       one gcd a coefficient; the search for small ones is bounded by the work counters of
+/// gcd_modes.h. Raises     fatal: " *** pp numb in content", " 0 exp head node in general_content", on
+/// malformed operands.
 #include "poly/poly.h"
 namespace tolvex {
 /// *r := gcd of the coefficients of q in the variable pt, standing one level below pt.
@@ -17,7 +23,7 @@ void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean
                   boolean qsave);
 /// Content with respect to the variables above relative level depth (1: the top level of p), padded to the
 /// shape of p. When *wantr is false on entry and there is a single coefficient: *r := 1 and *wantr := true, p
-/// is its own content.
+/// is its own content up to a monomial.
 void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* wantr, boolean wantcons);
 /// Content in the level-2 variable: lives in levels 1, 3, 4, ..., with a dummy for level 2.
 poly content_2(poly x, polypt pt);
