@@ -312,6 +312,25 @@ void fill_syst_array(const nameptr* flag, ArrOperand& v, quolyptr n) {
     if (*flag == nullptr) syst_dump = 1;
 }
 
+void value_at_matrix(FILE* inf, quolyptr n, nameptr* flag) {
+    ArrReader r = {inf, flag, {}, false};
+    ArrOperand v;
+    held_operand here = {n, n, eval_state.held};
+    eval_state.held = &here;
+    next_token(inf, flag);
+    if (begin_operand(v)) {
+        arr_fact(r, v);
+        quoly_at_matrix(v, *n);
+        if (syst_dump && *flag == nullptr)
+            fputs("Warning. System array was changed before it could be displayed.\n", stdout);
+        free_quoly(n);
+        fill_syst_array(flag, v, n);
+        end_operand(v);
+    }
+    eval_state.held = here.below;
+    set_zero(n);
+}
+
 /// An assignment to a constructor or to the system array.
 static void refuse_assignment(ArrReader& r, ArrOperand& v, Err code) {
     if (at_char(':') && sign_follows(r.inf, r.flag, '=')) fail_operand(v, code);

@@ -1,5 +1,6 @@
 #include "language/builtin_args.h"
 
+#include "language/array_values.h"
 #include "language/locations.h"
 #include "language/other_rings.h"
 #include "language/symbols.h"
@@ -59,7 +60,7 @@ int32_t read_integer(BuiltinCall& call, Err not_a_number) {
 }
 
 void read_result_place(BuiltinCall& call, ResultPlace* place) {
-    tok_set(place->name, "");
+    *place = {};
     if (at_char('^')) next_token(call.inf, call.flag);
     if (!is_lower(tok_char(token))) {
         error(Err::by_reference_needed);
@@ -71,22 +72,46 @@ void read_result_place(BuiltinCall& call, ResultPlace* place) {
     }
     tokentipe name = token;
     next_token(call.inf, call.flag);
-    if (at_char('['))
-        error(Err::undefined_array, tok_text(name));
-    else if (find_var(name) == nullptr)
+    arrptr a = nullptr;
+    if (at_char('[')) {
+        place->is_element = array_seek(name, &a) && read_target(call.inf, call.flag, a, name, &place->element);
+        if (place->is_element) place->name = name;
+    } else if (find_var(name) == nullptr) {
         error(Err::undefined_variable, tok_text(name));
-    else
+    } else {
         place->name = name;
+    }
 }
 
-varptr place_to_read(ResultPlace* place) {
-    varptr p = tok_char(place->name) == 0 ? nullptr : find_var(place->name);
-    return p == nullptr || refuse_other_ring(&p->val, place->name) ? nullptr : p;
+quolyptr place_to_read(ResultPlace* place) {
+    if (tok_char(place->name) == 0) return nullptr;
+    if (!place->is_element) {
+        varptr p = find_var(place->name);
+        return p == nullptr || refuse_other_ring(&p->val, place->name) ? nullptr : &p->val;
+    }
+    const arrnode* a = array_of(place->element);
+    if (a == nullptr || refuse_array_of_other_ring(a, place->name)) return nullptr;
+    quolyptr at = place_slot(a, place->element.index);
+    if (at != nullptr && *at == nullptr) quoly_set(0, at);
+    return at == nullptr ? &quol_num_0 : at;
+}
+
+quolyptr place_to_change(ResultPlace* place) {
+    if (tok_char(place->name) == 0) return nullptr;
+    return place->is_element ? location_to_change(place->element) : place_to_read(place);
+}
+
+void close_place(const ResultPlace& place) {
+    if (place.is_element) purge_element(place.element);
 }
 
 void set_quotient(ResultPlace* place, quolyptr value) {
     if (tok_char(place->name) == 0) {
         free_quoly(value);
+        return;
+    }
+    if (place->is_element) {
+        store_element(place->element, value);
         return;
     }
     varptr p = nullptr;

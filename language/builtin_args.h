@@ -5,6 +5,7 @@
 /// Invariant  arguments are held operands from the moment they are read: a statement inside a later argument
 ///            may change the variable of an earlier one. They are dropped in the reverse order.
 /// Raises     177 no "("; 202 no ","; 1 no ")"; 207 a place for a result that is no variable.
+#include "language/array_elements.h"
 #include "language/evaluator.h"
 #include "language/symbols.h"
 namespace tolvex {
@@ -38,11 +39,17 @@ int32_t read_integer(BuiltinCall& call, Err not_a_number = Err::number_expected)
 /// The place of an optional result: `x`, or `^x`. The name is kept, since the location may not last.
 struct ResultPlace {
     tokentipe name;  // empty: none
+    bool is_element;
+    ElementTarget element;
 };
 void read_result_place(BuiltinCall& call, ResultPlace* place);
-/// The variable of a place whose value is read as well; nil if there is none in the ring in force (error
+/// The location of a place whose value is read as well; nil if there is none in the ring in force (error
 /// 121).
-varptr place_to_read(ResultPlace* place);
+quolyptr place_to_read(ResultPlace* place);
+/// The same for a place that is changed where it is; close_place afterwards.
+quolyptr place_to_change(ResultPlace* place);
+/// A sparse array keeps no 0.
+void close_place(const ResultPlace& place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);
 

@@ -351,9 +351,9 @@ void builtin_Coef(BuiltinCall& call) {
 }
 
 /// The number in front of the monomial e becomes x: the difference of both, times the monomial, is added.
-static void change_coef(ResultPlace* place, varptr p, const Exponents* e, const number* x) {
+static void change_coef(ResultPlace* place, quolyptr p, const Exponents* e, const number* x) {
     polynode leaf;
-    const polynode* target = polynomial_of(p->val, &leaf, Err::rational_function_argument);
+    const polynode* target = polynomial_of(*p, &leaf, Err::rational_function_argument);
     if (target == nullptr) return;
     const number* old = number_at(target, e);
     poly change = monomial_of(e), fresh = nullptr, sum = nullptr;
@@ -382,7 +382,7 @@ void builtin_Rcoef(BuiltinCall& call) {
     Value c;
     get_the_data(call, &c);
     close_call(call);
-    varptr p = place_to_read(&place);
+    quolyptr p = place_to_read(&place);
     if (!value_of(&c)->numb)
         error(Err::number_expected);
     else if (good && p != nullptr)

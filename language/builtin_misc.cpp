@@ -1,6 +1,5 @@
 // Built-in functions that show something, or work on storage.
 #include "language/builtin_table.h"
-#include "language/locations.h"
 #include "language/symbols.h"
 #include "numbers/display_modes.h"
 #include "poly/poly_display.h"
@@ -87,47 +86,57 @@ void builtin_ZZ3(BuiltinCall& call) {
 
 // ---- exchange of values --------------------------------------------------------------------------------
 
-/// The variable that an argument `x` or `^x` names.
-static quolyptr storage_argument(BuiltinCall& call) {
-    if (at_char('^')) next_token(call.inf, call.flag);
-    quolyptr at = nullptr;
-    new_get_quoly_ptr(&at, call.inf, call.flag);
-    return at;
+namespace {
+/// Two arguments that are changed where they are.
+struct TwoPlaces {
+    ResultPlace a, b;
+    quolyptr at_a, at_b;  // nil: there is no such place
+};
+}  // namespace
+
+/// False if one of them is no place.
+static bool open_places(BuiltinCall& call, TwoPlaces* p) {
+    open_call(call);
+    read_result_place(call, &p->a);
+    need_comma(call);
+    read_result_place(call, &p->b);
+    close_call(call);
+    p->at_a = place_to_change(&p->a);
+    p->at_b = p->at_a == nullptr ? nullptr : place_to_change(&p->b);
+    if (p->at_b == nullptr) return false;
+    own_value(p->at_a);
+    own_value(p->at_b);
+    return true;
 }
 
-static void two_places(BuiltinCall& call, quolyptr* a, quolyptr* b) {
-    open_call(call);
-    *a = storage_argument(call);
-    need_comma(call);
-    *b = storage_argument(call);
-    close_call(call);
-    if (*a != nullptr && *b != nullptr) {
-        own_value(*a);
-        own_value(*b);
-    }
+static void close_places(const TwoPlaces& p) {
+    close_place(p.a);
+    close_place(p.b);
 }
 
 /// Swap(a, b): the values change places; nothing is copied.
 void builtin_Swap(BuiltinCall& call) {
-    quolyptr a = nullptr, b = nullptr;
-    two_places(call, &a, &b);
-    if (a != nullptr && b != nullptr) {
-        quoly t = *a;
-        *a = *b;
-        *b = t;
+    TwoPlaces p;
+    if (open_places(call, &p)) {
+        quoly t = *p.at_a;
+        *p.at_a = *p.at_b;
+        *p.at_b = t;
+        close_places(p);
     }
     quoly_set(0, call.n);
 }
 
 /// Move(a, b): a takes the value of b, which becomes 0.
 void builtin_Move(BuiltinCall& call) {
-    quolyptr a = nullptr, b = nullptr;
-    two_places(call, &a, &b);
-    if (a != nullptr && b != nullptr && a != b) {
-        free_quoly(a);
-        *a = *b;
-        *b = nullptr;
-        quoly_set(0, b);
+    TwoPlaces p;
+    if (open_places(call, &p)) {
+        if (p.at_a != p.at_b) {
+            free_quoly(p.at_a);
+            *p.at_a = *p.at_b;
+            *p.at_b = nullptr;
+            quoly_set(0, p.at_b);
+        }
+        close_places(p);
     }
     quoly_set(0, call.n);
 }

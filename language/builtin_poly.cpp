@@ -51,19 +51,25 @@ void builtin_Denom(BuiltinCall& call) {
     return_poly(call, &denom);
 }
 
-/// Killden(^x): the denominator of a variable is forgotten.
+/// Killden(^x): the denominator of a variable is forgotten; Killden[a]: those of an array.
 void builtin_Killden(BuiltinCall& call) {
-    open_call(call);
-    if (at_char('^')) next_token(call.inf, call.flag);
-    quolyptr at = nullptr;
-    new_get_quoly_ptr(&at, call.inf, call.flag);
+    next_token(call.inf, call.flag);
+    if (at_char('[')) {
+        kill_denominators(call);
+        return;
+    }
+    expect(call.inf, call.flag, '(', Err::builtin_open_paren);
+    ResultPlace place;
+    read_result_place(call, &place);
     close_call(call);
+    quolyptr at = place_to_change(&place);
     if (at != nullptr && *at != nullptr && !(*at)->numb) {
         own_value(at);
         quoly q = *at;
         free_poly(&q->denom);
         q->rat = 0;
         settle(q);
+        close_place(place);
     }
     quoly_set(0, call.n);
 }
@@ -296,13 +302,13 @@ static void divide_in_place(BuiltinCall& call, Value* a) {
     ResultPlace place;
     read_result_place(call, &place);
     close_call(call);
-    varptr p = place_to_read(&place);
+    quolyptr p = place_to_read(&place);
     quoly quotient = nullptr;
     bool yes = false;
     if (p != nullptr) {
         Value b;
         b.own = nullptr;
-        b.hold = {&p->val, &b.own, nullptr};
+        b.hold = {p, &b.own, nullptr};
         hold(&b);
         yes = divide_value(value_of(a), value_of(&b), &quotient);
         drop_data(&b);
@@ -475,9 +481,9 @@ void builtin_Numcon(BuiltinCall& call) {
 // ---- cutting and joining -------------------------------------------------------------------------------
 
 /// The variable of an argument "^x", which must be a number or polynomial; nil after an error.
-static varptr polynomial_place(ResultPlace* place) {
-    varptr p = place_to_read(place);
-    if (p == nullptr || p->val->numb || p->val->denom == nullptr) return p;
+static quolyptr polynomial_place(ResultPlace* place) {
+    quolyptr p = place_to_read(place);
+    if (p == nullptr || (*p)->numb || (*p)->denom == nullptr) return p;
     error(Err::rational_not_allowed);
     return nullptr;
 }
@@ -547,14 +553,14 @@ void builtin_Split(BuiltinCall& call) {
     bool stored = next_argument(call);
     if (stored) read_result_place(call, &rest);
     close_call(call);
-    varptr p = polynomial_place(&a);
-    if (p != nullptr && quoly_iszero(p->val)) {
+    quolyptr p = polynomial_place(&a);
+    if (p != nullptr && quoly_iszero(*p)) {
         error(Err::split_of_zero);
         p = nullptr;
     }
     quoly low_value = nullptr;
     if (p != nullptr) {
-        poly high = copy_of_value(p->val), low = nullptr;
+        poly high = copy_of_value(*p), low = nullptr;
         split_poly(&high, &low, k);
         quoly high_value = nullptr;
         poly_to_quoly(&high, &high_value);
@@ -598,9 +604,9 @@ void builtin_Splice(BuiltinCall& call) {
     int32_t k = read_power(call);
     if (k < 1) error(Err::splice_power);
     close_call(call);
-    varptr p = polynomial_place(&a), q = polynomial_place(&b);
+    quolyptr p = polynomial_place(&a), q = polynomial_place(&b);
     if (k >= 1 && p != nullptr && q != nullptr && number_polys > 0) {
-        poly high = copy_of_value(p->val), low = copy_of_value(q->val);
+        poly high = copy_of_value(*p), low = copy_of_value(*q);
         splice_poly(&high, low, k);
         quoly sum = nullptr, zero = nullptr;
         poly_to_quoly(&high, &sum);

@@ -1,5 +1,6 @@
 #include "language/locations.h"
 
+#include "language/array_elements.h"
 #include "language/evaluator.h"
 #include "language/other_rings.h"
 #include "language/symbols.h"
@@ -9,6 +10,20 @@
 #include "poly/poly_vars.h"
 #include "quoly/quoly_quot.h"
 namespace tolvex {
+/// A location, nil for a 0 that is nowhere.
+static void keep_location(quolyptr* qp, quolyptr own) {
+    if (*qp != own) return;
+    free_quoly(own);
+    *qp = nullptr;
+}
+
+/// The element whose "[" is the current token.
+static void element_location(FILE* inf, tokentipe& name, nameptr* flag, quolyptr* qp) {
+    quoly own = nullptr;
+    new_arretrieve(inf, name, flag, qp, &own);
+    keep_location(qp, &own);
+}
+
 /// The variable whose name is the current token.
 static void named_location(quolyptr* qp, FILE* inf, nameptr* flag) {
     *qp = nullptr;
@@ -19,7 +34,7 @@ static void named_location(quolyptr* qp, FILE* inf, nameptr* flag) {
     tokentipe name = token;
     next_token(inf, flag);
     if (at_char('[')) {
-        error(Err::undefined_array, tok_text(name));
+        element_location(inf, name, flag, qp);
         return;
     }
     retrieve(name, qp, nullptr, inf, flag);
@@ -35,23 +50,19 @@ void get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag) {
         named_location(qp, inf, flag);
     } else if (at_char('<')) {
         next_token(inf, flag);
+        quoly own = nullptr;
         if (at_char('['))
-            error(Err::system_array_undefined);
+            system_element(inf, flag, qp, &own);
         else
             *qp = &prevnum;
+        keep_location(qp, &own);
     } else if (at_char('%')) {
-        error(Err::array_of_arrays_empty);
+        quoly own = nullptr;
+        element_of_place(inf, flag, qp, &own);
+        keep_location(qp, &own);
     } else {
         error(Err::by_reference_needed);
     }
-}
-
-void new_get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag) {
-    *qp = nullptr;
-    if (is_lower(tok_char(token)))
-        named_location(qp, inf, flag);
-    else
-        error(Err::by_reference_needed);
 }
 
 void get_decimal_part(quolyptr n, FILE* inf, nameptr* flag) {

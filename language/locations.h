@@ -10,9 +10,6 @@
 namespace tolvex {
 /// Reads what follows "^" in an argument: a variable or "<". *qp: where its value is; nil if it has none.
 void get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag);
-/// The same where a routine is going to store through the location: the name must be a variable's (error
-/// 207).
-void new_get_quoly_ptr(quolyptr* qp, FILE* inf, nameptr* flag);
 /// The digits after the current "." as the fraction m / 10^count.
 void get_decimal_part(quolyptr n, FILE* inf, nameptr* flag);
 }  // namespace tolvex

@@ -1,5 +1,7 @@
+#include "language/array_statement.h"
 #include "language/evaluator.h"
 #include "language/substitute.h"
+#include "language/tokens/look_ahead.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_mult.h"
 #include "numbers/ring_switch.h"
@@ -88,7 +90,10 @@ static void apply_factorial(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) 
 
 static void apply_substitution(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     make_private(qp, n);
-    get_evalquoly(inf, n, flag);
+    if (sign_follows(inf, flag, '['))
+        value_at_matrix(inf, n, flag);
+    else
+        get_evalquoly(inf, n, flag);
 }
 
 void postfix(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {

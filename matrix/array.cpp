@@ -153,8 +153,15 @@ arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
     return a;
 }
 
+/// True if the row tables of a sparse array fit the memory budget.
+static bool room_for_rows(int64_t r) {
+    if (static_cast<uint64_t>(r / k_rows_a_block) * sizeof(rowarray) <= memavail()) return true;
+    error(Err::array_store_full);
+    return false;
+}
+
 arrptr sparse_create(const tokentipe& let, int64_t r, int64_t c, bool liner, sparseptr chain) {
-    if (!legal_dimensions(r, c)) return nullptr;
+    if (!legal_dimensions(r, c) || (chain == nullptr && !room_for_rows(r))) return nullptr;
     arrptr a = new_array_record(let, r, c, liner);
     if (chain == nullptr)
         sparse_init(&a->spar, a->rows);

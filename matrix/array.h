@@ -97,7 +97,8 @@ void for_each_element(arrptr a, void (*f)(quolyptr value, void* context), void* 
 
 /// A dense array of r rows and c columns, its elements nil. Nil after error 26, 27 or 43.
 arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner);
-/// A sparse array; `chain`: its entries, used up; nil: none. Nil after error 27.
+/// A sparse array; `chain`: its entries, used up; nil: none. Nil after error 27, and 26 if its row tables exceed the
+/// memory budget.
 arrptr sparse_create(const tokentipe& let, int64_t r, int64_t c, bool liner, sparseptr chain);
 /// An alias of the array, not in the table yet.
 arrptr new_alias(const tokentipe& let, arrptr of);
