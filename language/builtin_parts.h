@@ -12,4 +12,6 @@ void take_coefficient(quolyptr n, int32_t level, int32_t k);
 int32_t main_level(const polynode* p);
 /// *n := the gcd of two values in normal form; denominators play no part.
 void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n);
+/// Killden[a], the "[" being the current token: no element has a denominator afterwards.
+void kill_denominators(struct BuiltinCall& call);
 }  // namespace tolvex

@@ -56,7 +56,9 @@ struct BuiltinRoutines {
         of[26] = builtin_GCD;
         of[28] = builtin_Height;
         of[31] = builtin_Isprime;
+        of[32] = builtin_Iszero;
         of[33] = builtin_Killden;
+        of[34] = builtin_LCM;
         of[35] = builtin_Lcoef;
         of[36] = builtin_Level;
         of[37] = builtin_Lmon;
@@ -67,6 +69,7 @@ struct BuiltinRoutines {
         of[47] = builtin_Modmode;
         of[48] = builtin_Modulus;
         of[49] = builtin_Monless;
+        of[50] = builtin_Mons;
         of[51] = builtin_Move;
         of[23] = of[52] = builtin_Ncoef;
         of[53] = builtin_Nmcoef;
@@ -75,6 +78,7 @@ struct BuiltinRoutines {
         of[57] = builtin_Numcon;
         of[58] = builtin_Numer;
         of[59] = builtin_Numvars;
+        of[63] = builtin_Poly;
         of[64] = builtin_Powermod;
         of[65] = builtin_Prime;
         of[66] = of[82] = builtin_Sum;
@@ -83,14 +87,21 @@ struct BuiltinRoutines {
         of[72] = builtin_Rcoef;
         of[74] = builtin_Remquot;
         of[75] = builtin_Return;
+        of[76] = builtin_Reverse;
+        of[77] = builtin_Rname;
+        of[81] = builtin_STrans;
+        of[84] = builtin_Sort;
         of[86] = builtin_Splice;
         of[87] = builtin_Split;
         of[89] = builtin_Sqrt;
         of[91] = builtin_Swap;
+        of[92] = of[93] = builtin_Switch;
+        of[94] = builtin_Synth;
         of[95] = builtin_Terms;
         of[96] = builtin_Fterms;
         of[97] = builtin_Time;
         of[98] = builtin_Bell;
+        of[99] = builtin_Totdeg;
         of[102] = builtin_True;
         of[103] = builtin_Var;
         of[104] = builtin_Vars;

@@ -1,0 +1,242 @@
+// Built-in functions between polynomials and arrays: Mons, Totdeg, Poly.
+#include "language/array_statement.h"
+#include "language/builtin_arrays.h"
+#include "language/builtin_table.h"
+#include "matrix/matrix_modes.h"
+#include "numbers/num_compare.h"
+#include "poly/poly_add.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_add.h"
+#include "quoly/quoly_mult.h"
+#include "storage/interrupt.h"
+namespace tolvex {
+// ---- Mons ----------------------------------------------------------------------------------------------
+
+namespace {
+/// The rows of the array that Mons makes.
+struct TermRows {
+    SparseWalk walk;
+    const polynode* path[k_levels + 1];
+    bool bare;  // without the numbers
+};
+}  // namespace
+
+/// The term that the path leads to.
+static poly term_of_path(const TermRows& t, int32_t depth) {
+    poly p = nullptr;
+    if (t.bare)
+        poly_set(1, &p);
+    else
+        node_assign(t.path[depth], &p);
+    for (int32_t level = depth - 1; level >= 0; level--) {
+        poly outer = nullptr;
+        if (t.path[level]->exp == 0 && is_number(p)) continue;
+        new_term(&outer, t.path[level]->exp, p);
+        p = outer;
+    }
+    return p;
+}
+
+static void dump_mons(TermRows* t, const polynode* p, int32_t depth) {
+    for (; p != nullptr; p = p->next) {
+        t->path[depth] = p;
+        if (!p->numb) {
+            dump_mons(t, p->pcoef, depth + 1);
+            continue;
+        }
+        poll_interrupt();
+        poly term = term_of_path(*t, depth);
+        quoly value = nullptr;
+        poly_to_quoly(&term, &value);
+        colm_ptrptr row = next_row(t->walk);
+        if (quoly_iszero(value))
+            free_quoly(&value);
+        else
+            *row = newcolm(1, value, nullptr);
+    }
+}
+
+/// Mons(p, [a]), Mons(p, [a], k): [a] becomes the column of the terms of p, sparse; the value is their
+/// number.
+void builtin_Mons(BuiltinCall& call) {
+    open_call(call);
+    Value v;
+    get_the_data(call, &v);
+    need_comma(call);
+    tokentipe name = {};
+    int64_t bare = 0;
+    bool good = expect(call.inf, call.flag, '[', Err::builtin_open_bracket);
+    if (good) {
+        name = token;
+        name.address = hash(name.name, k_variable_buckets);
+        good = is_lower(tok_char(name));
+        if (!good) error(Err::array_expected);
+        next_token(call.inf, call.flag);
+        good = good && expect(call.inf, call.flag, ']', Err::close_bracket_expected);
+        if (good && next_argument(call))
+            good = read_plain_integer(call.inf, call.flag, Err::number_expected, &bare);
+        close_call(call);
+    }
+    polynode leaf;
+    const polynode* p = good ? polynomial_of(value_of(&v), &leaf, Err::rational_not_allowed) : nullptr;
+    ArrOperand column;
+    int64_t count = 0;
+    if (p != nullptr && begin_operand(column)) {
+        count = poly_terms(p);
+        make_sparse_operand(column, count, 1, nullptr);
+        TermRows t = {walk_sparse(column.spar, static_cast<int32_t>(count)), {}, bare == 1};
+        dump_mons(&t, p, 0);
+        arrptr a = nullptr;
+        fastestlookup(name, &a);
+        if (assign_whole(name, a, column) && fastestlookup(name, &a) >= 0 && a != nullptr)
+            array_itself(a)->linear = 1;
+        end_operand(column);
+    }
+    drop_data(&v);
+    return_word(call, count);
+}
+
+// ---- Totdeg --------------------------------------------------------------------------------------------
+
+namespace {
+struct Weights {
+    int64_t of[k_levels + 1];  // by depth from 0
+};
+}  // namespace
+
+/// One weight for every variable in level order; missing ones are 0. False after error 227.
+static bool read_weights(const arrnode* a, Weights* w) {
+    for (int64_t& weight : w->of) weight = 0;
+    for (int64_t k = 0; k < a->sizearr && k < k_levels; k++) {
+        const quoly* slot = place_slot(a, k);
+        if (slot == nullptr || *slot == nullptr) continue;
+        if (!(*slot)->numb) {
+            error(Err::number_expected);
+            return false;
+        }
+        const number* x = (*slot)->ncoef;
+        w->of[k] = lintmode ? x->lint : x->size == 1 ? x->head->value : int64_t{x->head->value} * k_base;
+    }
+    return true;
+}
+
+/// The terms below p whose weighted degree is `wanted`; nil if there is none.
+static poly terms_of_degree(const polynode* p, int32_t depth, const Weights& w, int64_t wanted) {
+    poly head = nullptr;
+    poly* end = &head;
+    for (; p != nullptr; p = p->next) {
+        int64_t rest = wanted - w.of[depth] * p->exp;
+        poly c = nullptr;
+        if (!p->numb)
+            c = terms_of_degree(p->pcoef, depth + 1, w, rest);
+        else if (rest == 0)
+            node_assign(p, &c);
+        if (c == nullptr) continue;
+        if (p->exp == 0 && is_number(c))
+            *end = c;
+        else
+            new_term(end, p->exp, c);
+        end = &(*end)->next;
+    }
+    return head;
+}
+
+/// Totdeg(p, [a], k): the terms of p of weighted degree k.
+void builtin_Totdeg(BuiltinCall& call) {
+    open_call(call);
+    Value v;
+    get_the_data(call, &v);
+    ArrayArgument x;
+    int64_t k = 0;
+    Weights w;
+    need_comma(call);
+    bool good = read_command_1(call, &x) && expect(call.inf, call.flag, ',', Err::builtin_comma) &&
+                read_plain_integer(call.inf, call.flag, Err::number_expected, &k);
+    if (good) {
+        close_call(call);
+        good = read_weights(x.a, &w);
+    }
+    const quolynode* q = value_of(&v);
+    if (good && !q->numb && q->denom != nullptr)
+        error(q->rat ? Err::rational_not_allowed : Err::rational_function_argument);
+    if (good && q->numb && k == 0) {
+        quoly_assign(q, call.n);
+    } else if (good && !q->numb && q->denom == nullptr) {
+        poly part = terms_of_degree(q->numer, 0, w, k);
+        fix_top(&part);
+        poly_to_quoly(&part, call.n);
+    } else {
+        quoly_set(0, call.n);
+    }
+    drop_data(&v);
+}
+
+// ---- Poly ----------------------------------------------------------------------------------------------
+
+/// The value as a coefficient of the first variable: nil if that occurs in it.
+static poly coefficient_of(const quolynode* q) {
+    poly c = nullptr;
+    if (q->numb) {
+        scalar_to_poly(q->ncoef, &c);
+        return c;
+    }
+    const polynode* p = q->numer;
+    if (p->exp == 0 && p->next == nullptr && !p->numb) poly_assign(p->pcoef, &c);
+    return c;
+}
+
+/// *sum += q x^k, x the first variable.
+static void add_product(quolyptr sum, const quolynode* q, int32_t k) {
+    quoly product = nullptr;
+    poly power = nullptr;
+    base_poly(&power, 1);
+    poly_to_quoly(&power, &product);
+    if (k > 0)
+        quoly_compute_power(&product, k);
+    else
+        quoly_set(1, &product);
+    fast_quoly_mult(&product, const_cast<quoly>(q));
+    best_quoly_add(sum, product);
+}
+
+/// Poly[a]: the sum of a_k x^k, x the variable of level 1, k from 0. What is free of x becomes one chain.
+void builtin_Poly(BuiltinCall& call) {
+    ArrayArgument x;
+    quoly_set(0, call.n);
+    if (!read_command(call, &x)) return;
+    end_command(call, x);
+    if (number_polys == 0) {
+        error(Err::no_polyvars);
+        return;
+    }
+    poly chain = nullptr;
+    for (int64_t k = 0; k < x.b.rows * x.b.cols; k++) {
+        int64_t place = x.b.first_row + k % x.b.rows + (x.b.first_col + k / x.b.rows) * x.a->rows;
+        const quoly* slot = place_slot(x.a, place);
+        if (slot == nullptr || *slot == nullptr || quoly_iszero(*slot)) continue;
+        if (!(*slot)->numb && (*slot)->denom != nullptr) {
+            error(Err::rational_not_allowed);
+            break;
+        }
+        poly c = coefficient_of(*slot), term = nullptr;
+        if (c == nullptr) {
+            add_product(call.n, *slot, static_cast<int32_t>(k));
+            continue;
+        }
+        if (k == 0 && is_number(c))
+            term = c;
+        else
+            new_term(&term, static_cast<int32_t>(k), c);
+        term->next = chain;
+        chain = term;
+    }
+    if (chain == nullptr) return;
+    fix_top(&chain);
+    quoly part = nullptr;
+    poly_to_quoly(&chain, &part);
+    best_quoly_add(call.n, part);
+}
+}  // namespace tolvex
