@@ -209,6 +209,7 @@ void builtin_Deg(BuiltinCall& call) {
         if (largest) {
             degree_of_array(call);
         } else {
+            next_token(call.inf, call.flag);
             error(Err::degree_form);
             quoly_set(0, call.n);
         }

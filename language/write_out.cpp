@@ -112,13 +112,14 @@ static void write_value(const quolynode* q, const Suffix& s, const Sink& out) {
     }
 }
 
-/// An array in brackets: `[a]`, `[a[..]]`, `[%[k]]`, `[<]`.
-static void write_array(FILE* inf, nameptr* flag, const Sink& out) {
+/// An array in brackets: `[a]`, `[a[..]]`, `[%[k]]`, `[<]`; in a list with what ":" says about it.
+static void write_array(FILE* inf, nameptr* flag, const Sink& out, bool in_list) {
     ArrReader r = {inf, flag, {}, false};
     ArrOperand v;
     if (!begin_operand(v)) return;
     bracket_factor(r, v);
-    Suffix s = read_suffix(inf, flag);
+    Suffix s = {};
+    if (in_list) s = read_suffix(inf, flag);
     if (output_open && out.terminal && !s.character && !is_scalar(v)) putchar('\n');
     if (is_scalar(v))
         write_value(v.n, s, out);
@@ -137,7 +138,7 @@ static void one_write_out(FILE* inf, nameptr* flag, const Sink& out) {
         return;
     }
     if (at_char('[')) {
-        write_array(inf, flag, out);
+        write_array(inf, flag, out, true);
         return;
     }
     if (at_char(';') || tok_is(token, k_end_token)) {
@@ -194,7 +195,7 @@ void write_out(FILE* inf, quolyptr n, nameptr* flag) {
     } else if (at_char('(')) {
         write_list(inf, flag);
     } else if (at_char('[')) {
-        write_array(inf, flag, {stdout, 1});
+        write_array(inf, flag, {stdout, 1}, false);
     } else if (at_char('\'')) {
         handle_quote(inf, flag, {stdout, 1});
     } else {
