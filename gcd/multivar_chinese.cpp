@@ -201,11 +201,12 @@ static bool candidate_divides(const ChineseEnv& env, poly r) {
 }
 
 static void tell(const char* text, int32_t n) {
-    if (verbose && windy) printf("%s%d\n", text, n);
+    if (verbose && windy) dumpitt(text, n, 1, 0, 0);
 }
 
 // Interpolations until one gives the gcd. on_failure, on_wrong: what a try without or with a wrong result
-// adds to the bound after the second try.
+// adds to the bound after the second try. The first wrong result shows that the bound was a guess: then the
+// degrees bound.
 static bool one_round(ChineseEnv& env, const char* no_result, const char* wrong, int32_t on_failure,
                       int32_t on_wrong) {
     for (int32_t tries = 1; tries <= k_tries; tries++) {
@@ -217,7 +218,10 @@ static bool one_round(ChineseEnv& env, const char* no_result, const char* wrong,
                 return true;
             }
             tell(wrong, tries);
-            if (tries == 2) env.expo += on_wrong;
+            if (tries == 1)
+                env.expo = maxx(env.expo, minn(env.x->exp, env.y->exp));
+            else if (tries == 2)
+                env.expo += on_wrong;
         } else {
             tell(no_result, tries);
             if (tries == 2) env.expo += on_failure;
@@ -284,7 +288,7 @@ static bool find_gcd(ChineseEnv& env) {
                   1) ||
         round_with_main_variable_exchanged(env))
         return true;
-    if (verbose) printf("mod_multivar_Chinese gave up %d\n", k_tries);
+    if (verbose) dumpitt("mod_multivar_Chinese gave up ", k_tries, 1, 0, 0);
     return false;
 }
 

@@ -86,18 +86,54 @@ MainRows main_rows(poly p) {
     return merge_all(c, label, n, poly_terms(p));
 }
 
+namespace {
+/// One value of the main variable.
+struct RowPoint {
+    const WordField* f;
+    const MainRows* rows;
+    uint32_t point;
+    const uint32_t* power;  // of the point, up to the highest exponent; nil: too many
+};
+constexpr int32_t k_power_table = 1 << 14;
+}  // namespace
+
 // Horner over one row.
-static uint32_t row_value(const WordField& f, const MainRows& rows, int32_t row, uint32_t point) {
+static uint32_t row_by_horner(const RowPoint& at, int32_t from, int32_t end) {
+    const WordField& f = *at.f;
     uint32_t v = 0;
-    for (int32_t i = rows.start[row], end = rows.start[row + 1]; i < end; i++) {
-        v = wf_add(f, v, rows.residue[i]);
-        int32_t gap = rows.exp[i] - (i + 1 < end ? rows.exp[i + 1] : 0);
+    for (int32_t i = from; i < end; i++) {
+        v = wf_add(f, v, at.rows->residue[i]);
+        int32_t gap = at.rows->exp[i] - (i + 1 < end ? at.rows->exp[i + 1] : 0);
         if (gap == 1)
-            v = wf_mul(f, v, point);
+            v = wf_mul(f, v, at.point);
         else if (gap > 1)
-            v = wf_mul(f, v, wf_power(f, point, static_cast<uint64_t>(gap)));
+            v = wf_mul(f, v, wf_power(f, at.point, static_cast<uint64_t>(gap)));
     }
     return v;
+}
+
+// The value of one row. With powers at hand the products do not wait for each other: their sum stays below 2
+// p^2, and is reduced once.
+static uint32_t row_value(const RowPoint& at, int32_t row) {
+    int32_t i = at.rows->start[row], end = at.rows->start[row + 1];
+    if (at.power == nullptr || at.f->table) return row_by_horner(at, i, end);
+    uint64_t square = uint64_t{at.f->p} * at.f->p, sum = 0;
+    for (; i < end; i++) {
+        sum += uint64_t{at.rows->residue[i]} * at.power[at.rows->exp[i]];
+        if (sum >= square) sum -= square;
+    }
+    return wf_reduce(*at.f, sum);
+}
+
+// The powers of the point that a row may need, in scratch memory.
+static const uint32_t* powers_of(const WordField& f, const MainRows& rows, uint32_t point) {
+    int32_t top = 0;
+    for (int32_t row = 0; row < rows.rows; row++) top = maxx(top, rows.exp[rows.start[row]]);
+    if (f.table || top >= k_power_table) return nullptr;
+    auto* power = scratch_array<uint32_t>(int64_t{top} + 1);
+    power[0] = 1;
+    for (int32_t e = 1; e <= top; e++) power[e] = wf_mul(f, power[e - 1], point);
+    return power;
 }
 
 static poly leaf_of_word(uint32_t v) {
@@ -108,12 +144,11 @@ static poly leaf_of_word(uint32_t v) {
 }
 
 // The values of all rows of a chain; nil if all are 0.
-static poly chain_at(const WordField& f, const MainRows& rows, const polynode* t, uint32_t point) {
+static poly chain_at(const RowPoint& at, const polynode* t) {
     poly head = nullptr;
     polyptrr tail = &head;
     for (; t != nullptr; t = t->next) {
-        poly c = t->numb ? leaf_of_word(row_value(f, rows, t->ncoef->lint, point))
-                         : chain_at(f, rows, t->pcoef, point);
+        poly c = t->numb ? leaf_of_word(row_value(at, t->ncoef->lint)) : chain_at(at, t->pcoef);
         if (c == nullptr) continue;
         *tail = chain_node(t->exp, c);
         tail = &(*tail)->next;
@@ -123,7 +158,10 @@ static poly chain_at(const WordField& f, const MainRows& rows, const polynode* t
 }
 
 poly main_rows_at(const WordField& f, const MainRows& rows, uint32_t point) {
-    poly p = chain_at(f, rows, rows.tree, point);
+    ScratchMark mark = scratch_mark();
+    RowPoint at = {&f, &rows, point, powers_of(f, rows, point)};
+    poly p = chain_at(at, rows.tree);
+    scratch_release(mark);
     return p != nullptr ? p : zero_leaf();
 }
 
