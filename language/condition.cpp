@@ -65,6 +65,8 @@ static bool holds(Relation r, int order) {
 /// -1, 0, 1 as a is below, equal to, above b. Residues compare as 0 to modulus - 1, field elements by code.
 static int order_of_numbers(const number* a, const number* b) {
     if (lintmode) return (a->lint > b->lint) - (a->lint < b->lint);
+    if (a->size == 1 && b->size == 1)
+        return (a->head->value > b->head->value) - (a->head->value < b->head->value);
     return bigger(a, b) ? 1 : bigger(b, a) ? -1 : 0;
 }
 

@@ -1,7 +1,7 @@
 #include "language/expre.h"
 
-#include "language/compile.h"
 #include "language/array_elements.h"
+#include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/stack_bound.h"
 #include "language/symbols.h"
@@ -85,10 +85,41 @@ static char multiplying_sign() {
     return 0;
 }
 
+/// True for an integer of one digit, outside word arithmetic: what most operands of programs are.
+static inline bool is_small(const quolynode* q) { return q->numb && !lintmode && q->ncoef->size == 1; }
+static inline int64_t small_value(const quolynode* q) { return q->ncoef->head->value; }
+
+/// n := v if that has one digit, in place if n is a small integer itself.
+static bool set_small(int64_t v, quolyptr n) {
+    if (v > k_max_digit || v < -k_max_digit) return false;
+    if (*n == nullptr || !is_small(*n)) {
+        free_quoly(n);
+        word_value(static_cast<int32_t>(v), n);
+    } else {
+        (*n)->ncoef->head->value = static_cast<int32_t>(v);
+    }
+    return true;
+}
+
+/// n := a (sign) b for small integers, by the rules of the general routines; false if the result is not
+/// small.
+static bool combine_small(char sign, int64_t a, int64_t b, quolyptr n) {
+    if (sign == '*' || sign == '1') return set_small(a * b, n);
+    if (b == 0) return false;
+    int64_t rest = a % b;
+    if (sign == '/') return rest == 0 && set_small(a / b, n);
+    if (sign == '\\') return set_small(a / b, n);
+    if (rest < 0 && pos_mod) rest += b < 0 ? -b : b;
+    return set_small(rest, n);
+}
+
 /// n := left (sign) right, left being at *qp.
 static void combine(char sign, boolean nogcd, const Value* left, const Value* right, quolyptr n) {
     quoly m = value_of(right);
     bool in_place = is_private(left);
+    if (is_small(m) && is_small(value_of(left)) &&
+        combine_small(sign, small_value(value_of(left)), small_value(m), n))
+        return;
     switch (sign) {
     case '/':
         if (in_place)
@@ -185,6 +216,10 @@ static void count_out(SumCounter* sum, quolyptr n) {
 /// n := left + or - right; both are operands of the present sum.
 static void add_once(bool minus, const Value* left, Value* right, quolyptr n) {
     quoly m = value_of(right);
+    if (is_small(m) && is_small(value_of(left))) {
+        int64_t a = small_value(value_of(left)), b = small_value(m);
+        if (set_small(minus ? a - b : a + b, n)) return;
+    }
     if (is_private(left)) {
         if (is_private(right)) {
             right->own = nullptr;
@@ -414,8 +449,8 @@ static varptr store_in_target(Target& t, quoly value) {
     return p;
 }
 
-/// The location of the target; a variable is created with the value 0 if it has gone meanwhile, for an array that
-/// has gone the answer is nil.
+/// The location of the target; a variable is created with the value 0 if it has gone meanwhile, for an array
+/// that has gone the answer is nil.
 static quolyptr target_again(Target& t) {
     if (t.is_element) return location_to_change(t.element);
     varptr p = find_target(t);

@@ -19,15 +19,15 @@
 
 #include <cstdio>
 namespace tolvex {
-inline char leftover[4] = "";          // the character a name scan read too far; " ": white space followed
-inline char continuation = '`';        // line-continuation character; blank under uglyprint   writers: &U
-inline boolean tt_flag = 1;            // 1: reading the terminal, 0: a file
-inline int32_t semicount = 0;          // consecutive empty lines in a definition
-inline int32_t func_def_count = 0;     // depth of definitions being read
+inline char leftover[4] = "";       // the character a name scan read too far; " ": white space followed
+inline char continuation = '`';     // line-continuation character; blank under uglyprint   writers: &U
+inline boolean tt_flag = 1;         // 1: reading the terminal, 0: a file
+inline int32_t semicount = 0;       // consecutive empty lines in a definition
+inline int32_t func_def_count = 0;  // depth of definitions being read
 inline boolean line_crossed = 0;    // a line end stood in front of the current token: in a file, or continued
 inline boolean lines_close = 0;     // a line end ends a number too: in the rows of an array literal
-inline boolean line_end_given = 0;     // in a definition: the line feed that is next has been given as ";"
-inline nameptr currentchar = nullptr;  // the list node after the current token
+inline boolean line_end_given = 0;  // in a definition: the line feed that is next has been given as ";"
+inline nameptr currentchar = nullptr;                            // the list node after the current token
 inline nameptr startexpr = nullptr, prev_expr = nullptr;         // error-report cursors into token lists
 inline nameptr start = nullptr, finish = nullptr, s2 = nullptr;  // history ring; finish nil: empty
 inline constexpr int32_t k_ring_size = 60;
@@ -60,7 +60,16 @@ bool at_end(FILE* inf);
 /// Reads and drops the rest of the line with its line feed.
 void drop_line(FILE* inf);
 /// The next token becomes the current one.
-inline void next_token(FILE* inf, nameptr* flag) { scanner(inf, &token, flag); }
+inline void next_token(FILE* inf, nameptr* flag) {
+    if (*flag == nullptr) {
+        scanner(inf, &token, flag);
+        return;
+    }
+    nameptr p = *flag;
+    if (p->next != nullptr) *flag = p = p->next;  // the end mark is given again and again
+    token = p->let;
+    currentchar = p->next;
+}
 
 /// One definition more, or one less, is being read.
 void enter_definition();
