@@ -286,7 +286,7 @@ static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
     }
     f->do_params = parameters;
     f->comp = here->next;
-    f->compiled = 1;
+    f->compiled_by = p;
     install(c, f);
     do_form(c, f->comp);
     return true;
@@ -313,7 +313,11 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
         return;
     }
     funcptr f = call_frames->f;
-    if (!f->compiled && !first_run(inf, f, p, flag)) {
+    if (f->compiled_by != nullptr && f->compiled_by != p) {  // a second one in the part that is bound already
+        tok_set(token, k_end_token);
+        return;
+    }
+    if (f->compiled_by == nullptr && !first_run(inf, f, p, flag)) {
         set_zero(n);
         return;
     }

@@ -146,7 +146,7 @@ void funcdef(FILE* inf, nameptr* flag) {
     current_func = token;
     last_attached = nullptr;
     funcptr f = pool_pop<&funcnode::next>(func_garb, nullptr);
-    *f = {token, nullptr, 0, nullptr, nullptr, nullptr, 0, 0, nullptr};
+    *f = {token, nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0, nullptr};
     f->name.address = hash(token.name, k_function_buckets);
     BodyReader r = {inf, flag, false, false, false, {}};
     enter_definition();

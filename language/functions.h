@@ -32,10 +32,10 @@ struct funcnode {
     paramptr pars;
     int32_t results;  // how many of them are ^p
     formptr rht;
-    formptr comp;       // the statements after Compile, part of rht
-    binding* bindings;  // of the names in them
-    boolean compiled;   // Compile has run
-    boolean do_params;  // the parameters are among the bindings
+    formptr comp;                 // the statements after Compile, part of rht
+    binding* bindings;            // of the names in them
+    const condnode* compiled_by;  // the statement Compile that has bound them; nil: none has run
+    boolean do_params;            // the parameters are among the bindings
     funcptr next;
 };
 static_assert(std::is_trivially_destructible_v<funcnode> && std::is_trivially_destructible_v<paramnode>);
