@@ -2,15 +2,22 @@
 /// gcd/square_free.h: square-free decomposition.
 ///
 /// Result     a chain of nodes, each with the multiplicity in exp and the factor in pcoef, numb false; *count
-/// grows by one a
-///            factor. The product of the powers is x up to a unit.
+/// grows by one
+///            a factor. The product of the powers is x up to a unit, or up to a number over Z. Factors are
+///            square-free and coprime, monic in modular mode, primitive with positive leading number over Z.
+/// Modes      Z, a prime modulus, table fields; no negative exponents.
+/// Source     characteristic 0: Yun, "On square-free decomposition algorithms", 1976. Characteristic p:
+/// Musser's method
+///            with p-th roots (Geddes, Czapor and Labahn, Algorithms for Computer Algebra, 8.3).
 #include "poly/poly.h"
 namespace tolvex {
-void square_free_factor(poly x, polyptrr sq, int32_t* count,
-                        polypt pt);  ///< characteristic p; error 308, 352
-void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count,
-                        polypt pt);  ///< characteristic 0, Yun's method
-/// All levels: contents recursively, then one of the above. *x is changed: its content is divided out.
+/// x, kept, is primitive in the variable of pt. Errors 308, 352: a coefficient has no p-th root that can be
+/// taken, the factors found so far stand in the list.
+void square_free_factor(poly x, polyptrr sq, int32_t* count, polypt pt);
+/// Characteristic 0; *x is kept.
+void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt);
+/// All levels: contents recursively, then one of the above. *x is changed: its content is divided out. first:
+/// *count begins at 0.
 void total_sq_free(polyptrr x, polyptrr sq, int32_t* count, boolean first, polypt pt);
 void free_factor_list(polyptrr sq);
 }  // namespace tolvex
