@@ -13,6 +13,9 @@
 #include "poly/word_field.h"
 #include "storage/interrupt.h"
 namespace tolvex {
+// Below it chance is no argument: nothing is spared.
+static constexpr int32_t k_small_modulus = 1000;
+
 static poly product(poly a, poly b) {
     poly p = nullptr;
     poly_mult(a, b, &p, nullptr);
@@ -83,7 +86,8 @@ void solve_hensel_step(const HenselPair& pair, poly e, polyptrr dg, polyptrr dh)
 
 bool testarg(poly x, poly y, poly candidate, polypt pt) {
     if (!trial_poly_divide_noq(y, candidate, pt, 1, 1)) return false;
-    if (!hen_check && wf_random_below(3) != 0) {
+    bool small_field = modularmode && modulus < k_small_modulus;
+    if (!hen_check && !small_field && wf_random_below(3) != 0) {
         gcd_unproved = 1;
         return true;
     }

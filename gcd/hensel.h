@@ -20,7 +20,7 @@ bool open_hensel_pair(poly x, poly g, HenselPair* pair);
 void close_hensel_pair(HenselPair* pair);
 /// dg h + dh g = e with deg dg < deg g, both fresh; e is kept.
 void solve_hensel_step(const HenselPair& pair, poly e, polyptrr dg, polyptrr dh);
-/// A candidate, primitive in the main variable: it must divide y, and x as well under hen_check; without it
-/// two of three are spared that test (then gcd_unproved is set).
+/// A candidate, primitive in the main variable: it must divide y, and x as well under hen_check. Without that
+/// two of three are spared the second test outside small fields; then gcd_unproved is set.
 bool testarg(poly x, poly y, poly candidate, polypt pt);
 }  // namespace tolvex

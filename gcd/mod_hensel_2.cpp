@@ -6,10 +6,12 @@
 #include "gcd/polygcd.h"
 #include "gcd/word_gcd.h"
 #include "poly/dense_basic.h"
+#include "poly/div_general.h"
 #include "poly/div_trial.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_deriv.h"
 #include "poly/poly_modes.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
@@ -318,11 +320,11 @@ static bool fits(poly p) {
            (int64_t{p->exp} + 1) * (int64_t{degree_level_two(p)} + 1) <= k_box;
 }
 
-boolean mod_hensel_2(poly x, poly y, polyptrr r, polypt pt) {
-    if (!fits(x) || !fits(y)) return 0;
+// Up to three points; the operand of smaller degree is lifted.
+static bool try_points(poly x, poly y, polyptrr r, polypt pt) {
     if (x->exp > y->exp) std::swap(x, y);
-    poly lx = x->pcoef, ly = y->pcoef, lc = nullptr;
-    polygcd(lx, ly, &lc, 0, 1, 1, pt->next, 1, 1, 1);
+    poly lc = nullptr;
+    polygcd(x->pcoef, y->pcoef, &lc, 0, 1, 1, pt->next, 1, 1, 1);
     int64_t c = -1;
     bool found = false;
     for (int32_t tries = 0; tries < k_points_tried && !found && c < modulus; tries++) {
@@ -331,5 +333,65 @@ boolean mod_hensel_2(poly x, poly y, polyptrr r, polypt pt) {
     }
     free_poly(&lc);
     return found;
+}
+
+// False, *q nil: y does not divide x.
+static bool quotient(poly x, poly y, polyptrr q, polypt pt) {
+    boolean failed = 0;
+    gen_poly_divide(x, y, q, pt, &failed);
+    return !failed;
+}
+
+// x = part * rest with `part` square-free and divisible by every factor of x; rest is the gcd of x and its
+// derivative. The characteristic exceeds the degree.
+static bool square_free_part(poly x, polyptrr part, polyptrr rest, polypt pt) {
+    poly derivative = nullptr;
+    poly_differentiate(x, &derivative, 1);
+    polygcd(x, derivative, rest, 0, 1, 1, pt, 1, 1, 1);
+    free_poly(&derivative);
+    return quotient(x, *rest, part, pt);
+}
+
+// Multiple factors of x never make a coprime pair. The factors that x and y share, each once, are found with
+// the square-free part of x; what is left of x and y may share them again.
+static bool by_square_free_parts(poly x, poly y, polyptrr r, polypt pt) {
+    if (finf || modulus <= x->exp) return false;  // a derivative may vanish
+    poly u = nullptr, v = nullptr, product = nullptr;
+    poly_assign(x, &u);
+    poly_assign(y, &v);
+    poly_set(1, &product);
+    bool found = true;
+    for (bool first = true; found && u->exp > 0 && v->exp > 0; first = false) {
+        poll_interrupt();
+        poly part = nullptr, rest = nullptr, g = nullptr, q = nullptr;
+        found = square_free_part(u, &part, &rest, pt) && !(first && is_number(rest)) &&
+                try_points(part, v, &g, pt);
+        bool more = found && !is_number(g);
+        if (more) {
+            poly_mult(product, g, &product, pt);
+            found = quotient(v, g, &q, pt);
+            if (found) std::swap(v, q);
+        }
+        free_poly(&q);
+        free_poly(&u);
+        u = rest;
+        free_poly(&part);
+        free_poly(&g);
+        if (!more) break;
+    }
+    free_poly(&u);
+    free_poly(&v);
+    if (found) {
+        free_poly(r);
+        *r = product;
+    } else {
+        free_poly(&product);
+    }
+    return found;
+}
+
+boolean mod_hensel_2(poly x, poly y, polyptrr r, polypt pt) {
+    if (!fits(x) || !fits(y)) return 0;
+    return try_points(x, y, r, pt) || by_square_free_parts(x, y, r, pt);
 }
 }  // namespace tolvex
