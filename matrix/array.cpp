@@ -155,7 +155,7 @@ arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
 
 /// True if the row tables of a sparse array fit the memory budget.
 static bool room_for_rows(int64_t r) {
-    if (static_cast<uint64_t>(r / k_rows_a_block) * sizeof(rowarray) <= memavail()) return true;
+    if (static_cast<uint64_t>(r / k_rows_a_block) * sizeof(rowarray) <= find_total_available_memory()) return true;
     error(Err::array_store_full);
     return false;
 }
