@@ -42,6 +42,12 @@ void common_content(const polynode* u, const polynode* v, imptr c);
 /// point keeps the leading coefficient of one operand at least. True if all bounds are 0: nothing in common
 /// but monomials and numbers.
 bool bound_by_images(WordGcdEnv& env);
+/// The level in which both operands move while no other does; -1: there is none, or its exponents are too
+/// wide for arrays.
+int32_t only_level(const WordGcdEnv& env);
+/// The gcd of operands that move in this level alone. Over Z their numbers have at most k_word_digits digits;
+/// false: one prime has not been enough, but env.bound has been lowered.
+bool univariate_gcd(WordGcdEnv& env, int32_t level, polyptrr g);
 /// Evaluation and interpolation over the field in force. False: too few points, or the box is too wide.
 /// The result has the common monomial, is monic, and has divided both operands.
 bool gcd_over_field(WordGcdEnv& env, polyptrr g);

@@ -107,16 +107,28 @@ static void hand_over(poly g, polyptrr r) {
     *r = g;
 }
 
+// Operands in one variable.
+static bool gcd_of_level(WordGcdEnv& env, polyptrr g) {
+    int32_t level = only_level(env);
+    if (level < 0) return false;
+    if (!modularmode && maxx(env.um.digits, env.vm.digits) > k_word_digits) return false;
+    return univariate_gcd(env, level, g);
+}
+
 bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool) {
     if (is_number(u) || is_number(v) || ring_is_composite() || (lintmode && !modularmode)) return false;
     WordGcdEnv env;
     open_operands(env, u, v, pt);
     poly g = nullptr;
-    if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env))
+    if (env.um.terms == 1 || env.vm.terms == 1)
         g = common_monomial(env);
-    else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
-             !gcd_by_images(env, &g))
-        return false;
+    else if (!gcd_of_level(env, &g)) {
+        if (bound_by_images(env))
+            g = common_monomial(env);
+        else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
+                 !gcd_by_images(env, &g))
+            return false;
+    }
     hand_over(g, r);
     return true;
 }

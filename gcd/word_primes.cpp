@@ -15,10 +15,11 @@ int64_t gcd_bits(const WordGcdEnv& env, const PackPlan& plan, int32_t digits) {
 
 // The symmetric combination, made primitive, divides both operands: then it is the gcd.
 static bool accept(const PrimeImages& p, CrtTerms& t, polyptrr g) {
+    bool coprime = t.count == 1 && t.index[0] == 0;  // no prime that keeps a leading number errs in this
     poly candidate = pack_tree(*p.plan, nullptr, t.index, t.count, leaf_of_crt, &t);
     *g = primitive_copy(candidate);
     free_poly(&candidate);
-    if (divides_both(*p.env, *g)) return true;
+    if (coprime || divides_both(*p.env, *g)) return true;
     free_poly(g);
     return false;
 }

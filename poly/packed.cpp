@@ -49,6 +49,7 @@ void pack_measure(const polynode* p, PackMeasure* m) {
 }
 
 bool pack_plan(const int32_t* low, const int32_t* high, int32_t levels, PackPlan* plan) {
+    plan->depth = levels;
     plan->count = 0;
     plan->box = 1;
     for (int32_t i = 0; i < levels; i++) {
@@ -121,7 +122,7 @@ static void read_terms(PackReader& reader, const polynode* p, int32_t level, int
 static void open_reader(PackReader& reader, const PackPlan& plan, const int32_t* low, int64_t terms) {
     int32_t levels = plan.count == 0 ? 0 : plan.level[plan.count - 1] + 1;
     // Levels outside the plan hold one exponent only, which counts as digit 0.
-    for (int32_t i = 0; i < k_levels; i++) reader.weight[i] = 0, reader.low[i] = 0, reader.below[i] = 0;
+    for (int32_t i = 0; i <= plan.depth; i++) reader.weight[i] = 0, reader.low[i] = 0, reader.below[i] = 0;
     for (int32_t k = 0; k < plan.count; k++) {
         int32_t level = plan.level[k];
         reader.weight[level] = plan.weight[k];

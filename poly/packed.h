@@ -29,6 +29,7 @@ struct PackMeasure {
 void pack_measure(const polynode* p, PackMeasure* m);
 
 struct PackPlan {
+    int32_t depth;             // levels walked: trees reach no deeper
     int32_t count;             // levels in use
     int32_t level[k_levels];   // their positions, rising
     int32_t low[k_levels];     // exponent that is written as digit 0
