@@ -3,6 +3,7 @@
 #include "language/builtin_table.h"
 #include "numbers/num_compare.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_modes.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
@@ -203,6 +204,8 @@ static void extended_gcd(quoly a, quoly b, quolyptr g, quolyptr c, quolyptr d) {
 
 static bool is_fraction(const quolynode* q) { return !q->numb && q->denom != nullptr; }
 
+static bool is_laurent(const quolynode* q) { return laurent && !q->numb && has_negative_exponent(q->numer); }
+
 /// Egcd(a, b), Egcd(a, b, c, d): the gcd g in normal form; c and d take cofactors with c a + d b = g.
 void builtin_Egcd(BuiltinCall& call) {
     open_call(call);
@@ -218,6 +221,9 @@ void builtin_Egcd(BuiltinCall& call) {
     const quolynode *x = value_of(&a), *y = value_of(&b);
     if (is_fraction(x) || is_fraction(y)) {
         error(Err::egcd_fraction);
+        quoly_set(0, call.n);
+    } else if (is_laurent(x) || is_laurent(y)) {
+        error(Err::negative_powers);
         quoly_set(0, call.n);
     } else if (quoly_iszero(x) && quoly_iszero(y)) {
         quoly_set(0, call.n);

@@ -319,6 +319,7 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
     }
     if (f->compiled_by == nullptr && !first_run(inf, f, p, flag)) {
         set_zero(n);
+        tok_set(token, k_end_token);
         return;
     }
     if (f->do_params && !no_sparse_parameters(f)) {
