@@ -3,12 +3,13 @@
 
 usage: run.py --tolvex PATH [--write] PROGRAMS...
 
-A program is typed line by line; a line that begins with ";;" is a comment. Prompts and empty lines are left out on
-both sides. With --write the outputs are stored (look at them before they are kept).
+A program is a file that a session loads; the rest of a line behind ";" is a comment there. Prompts and empty lines are
+left out on both sides. With --write the outputs are stored (look at them before they are kept).
 """
 import argparse
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -17,13 +18,12 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 def output(binary, program, limit):
-    with open(program, encoding="ascii") as handle:
-        lines = [line for line in handle.read().split("\n") if not line.startswith(";;")]
     with tempfile.TemporaryDirectory() as directory:
         with open(os.path.join(directory, "tolstart.txt"), "w", encoding="ascii") as handle:
             handle.write("500\n")
-        done = subprocess.run([binary], input="\n".join(lines + ["&q", ""]).encode(), cwd=directory, capture_output=True,
-                              timeout=limit)
+        shutil.copy(program, directory)
+        load = f"&(R = '{os.path.basename(program)}')\n&q\n"
+        done = subprocess.run([binary], input=load.encode(), cwd=directory, capture_output=True, timeout=limit)
     text = done.stdout.decode("latin-1")
     trouble = done.stderr.decode("latin-1") + (f"status {done.returncode}\n" if done.returncode else "")
     session = text[text.index("(mbytes)"):].split("\n", 1)[1]
