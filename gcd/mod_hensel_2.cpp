@@ -50,8 +50,10 @@ struct ModHensel {
 // a(z) := a(z + c), degrees 0..degree, by repeated synthetic division.
 static void taylor_shift(const WordField& f, uint32_t* a, int32_t degree, uint32_t c) {
     if (c == 0) return;
-    for (int32_t low = 0; low < degree; low++)
+    for (int32_t low = 0; low < degree; low++) {
+        poll_interrupt();
         for (int32_t i = degree - 1; i >= low; i--) a[i] = wf_add(f, a[i], wf_mul(f, c, a[i + 1]));
+    }
 }
 
 static int32_t degree_level_two(const polynode* p) {

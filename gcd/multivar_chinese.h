@@ -18,6 +18,7 @@ namespace tolvex {
 struct MainRows {
     poly tree;  // one level below the operand; a leaf holds the number of its row in lint
     int32_t rows;
+    int32_t degree;     // of the operand in the main variable
     int32_t* start;     // row i has the terms start[i]..start[i+1]-1
     int32_t* exp;       // of the main variable, falling
     uint32_t* residue;  // coefficient

@@ -67,8 +67,10 @@ static poly merge_chains(const Merge& m, poly* c) {
 
 // Rows of the n polynomials c, whose numbers are `terms` together.
 static MainRows merge_all(poly* c, const int32_t* label, int32_t n, int64_t terms) {
-    MainRows out = {nullptr, 0, scratch_array<int32_t>(terms + 1), scratch_array<int32_t>(terms),
-                    scratch_array<uint32_t>(terms)};
+    MainRows out = {};
+    out.start = scratch_array<int32_t>(terms + 1);
+    out.exp = scratch_array<int32_t>(terms);
+    out.residue = scratch_array<uint32_t>(terms);
     out.start[0] = 0;
     Merge m = {&out, label, n};
     out.tree = merge_chains(m, c);
@@ -83,7 +85,9 @@ MainRows main_rows(poly p) {
         c[i] = t->numb ? t : t->pcoef;
         label[i] = t->exp;
     }
-    return merge_all(c, label, n, poly_terms(p));
+    MainRows rows = merge_all(c, label, n, poly_terms(p));
+    rows.degree = p->exp;
+    return rows;
 }
 
 namespace {
@@ -127,12 +131,10 @@ static uint32_t row_value(const RowPoint& at, int32_t row) {
 
 // The powers of the point that a row may need, in scratch memory.
 static const uint32_t* powers_of(const WordField& f, const MainRows& rows, uint32_t point) {
-    int32_t top = 0;
-    for (int32_t row = 0; row < rows.rows; row++) top = maxx(top, rows.exp[rows.start[row]]);
-    if (f.table || top >= k_power_table) return nullptr;
-    auto* power = scratch_array<uint32_t>(int64_t{top} + 1);
+    if (f.table || rows.degree >= k_power_table) return nullptr;
+    auto* power = scratch_array<uint32_t>(int64_t{rows.degree} + 1);
     power[0] = 1;
-    for (int32_t e = 1; e <= top; e++) power[e] = wf_mul(f, power[e - 1], point);
+    for (int32_t e = 1; e <= rows.degree; e++) power[e] = wf_mul(f, power[e - 1], point);
     return power;
 }
 
@@ -176,10 +178,14 @@ uint32_t mod_Chinese(const WordField& f, const uint32_t* a, const uint32_t* poin
 // the Newton form expanded by Horner. inverse[k]: of the product of point[k] - point[j], j < k.
 static void interpolate_row(const WordField& f, const uint32_t* point, const uint32_t* inverse, int32_t n,
                             uint32_t* v) {
-    for (int32_t k = 1; k < n; k++)
+    for (int32_t k = 1; k < n; k++) {
+        poll_interrupt();
         v[k] = wf_mul(f, wf_sub(f, v[k], mod_Chinese(f, v, point, k, point[k])), inverse[k]);
-    for (int32_t k = n - 2; k >= 0; k--)
+    }
+    for (int32_t k = n - 2; k >= 0; k--) {
+        poll_interrupt();
         for (int32_t i = k; i + 1 < n; i++) v[i] = wf_sub(f, v[i], wf_mul(f, point[k], v[i + 1]));
+    }
 }
 
 // Transposes back: part[j] := the tree whose leaf of row i is coef[i n + j], nil if that is 0 throughout.
@@ -211,6 +217,7 @@ static void spread_rows(const polynode* t, const uint32_t* coef, int32_t n, poly
 static uint32_t* inverse_products(const WordField& f, const uint32_t* point, int32_t n) {
     auto* inverse = scratch_array<uint32_t>(n);
     for (int32_t k = 0; k < n; k++) {
+        poll_interrupt();
         uint32_t product = 1;
         for (int32_t j = 0; j < k; j++) product = wf_mul(f, product, wf_sub(f, point[k], point[j]));
         inverse[k] = wf_inverse(f, product);
@@ -232,7 +239,6 @@ poly interpolate_main(const WordField& f, poly* image, const uint32_t* point, in
     uint32_t* inverse = inverse_products(f, point, n);
     auto* coef = scratch_array<uint32_t>(int64_t{rows.rows} * n);
     for (int32_t row = 0; row < rows.rows; row++) {
-        poll_interrupt();
         uint32_t* v = coef + int64_t{row} * n;
         std::fill(v, v + n, 0);
         for (int32_t i = rows.start[row]; i < rows.start[row + 1]; i++) v[rows.exp[i]] = rows.residue[i];
