@@ -1,12 +1,19 @@
 #include "quoly/quoly_audit.h"
 
 #ifdef TOLVEX_CHECKED
+#include "gcd/gcd_stash.h"
 namespace tolvex {
+static void reach_gcd_stash() {
+    walk_gcd_stash([] { audit_reach<GcdEntry>(); }, audit_reach_poly);
+}
+
 void audit_value_pools() {
     audit_pool<numnode>("numnode");
     audit_pool<number>("number");
     audit_pool<polynode>("polynode");
     audit_pool<quolynode>("quolynode");
+    audit_pool<GcdEntry>("gcd entry");
+    audit_roots(reach_gcd_stash);
 }
 
 void audit_reach_number(const number* x) {

@@ -1,6 +1,7 @@
 #include "session/commands.h"
 
 #include "gcd/gcd_modes.h"
+#include "gcd/gcd_stash.h"
 #include "language/language_modes.h"
 #include "language/parse.h"
 #include "language/ports.h"
@@ -138,12 +139,12 @@ static After gcd_stash_stack(Command& c) {
     next_token(c.inf, c.flag);
     const char* report;
     if (tok_is(token, "+")) {
-        if (lookupgcd < INT16_MAX) lookupgcd++;
+        init_gcd_stash();
         report = lookupgcd > 0   ? " stashing on."
                  : lookupgcd < 0 ? " pushed, but stashing still off."
                                  : " stashing off.";
     } else if (tok_is(token, "-")) {
-        if (lookupgcd > INT16_MIN) lookupgcd--;
+        pop_gcd_stash();
         report = lookupgcd > 0 ? " popped, but stashing remains in effect." : " stashing off.";
     } else {
         error(Err::stash_sign_expected);
@@ -346,7 +347,9 @@ static const CommandRow commands[] = {
     {"_p", "leaves a command level above 1", pop_level},
     {"a", "the other array origin", toggle_addresser},
     {"d", "asks for the display size of decimal values", ask_disp_size},
-    {"f", "`&f`: the functions; `&f,F`: function F in full; `&f*`: all in full; `&f<F`: the last control statement",
+    {"f",
+     "`&f`: the functions; `&f,F`: function F in full; `&f*`: all in full; `&f<F`: the last control "
+     "statement",
      list_functions},
     {"g", "shows the settings", show_settings},
     {"h", "the memory left, in bytes", memory_left},
@@ -356,7 +359,8 @@ static const CommandRow commands[] = {
      "ground ring: leaves modular mode, or asks for the modulus. `&p(x, [a])` converts only what is listed",
      ground_ring},
     {"q", "leaves the program", quit},
-    {"r", "runs the open input file on, or from its beginning; asks for a file if none is open", load_command},
+    {"r", "runs the open input file on, or from its beginning; asks for a file if none is open",
+     load_command},
     {"s", "saves the session to the open output file; asks for a file if none is open", save_command},
     {"v", "`&v;`: the variables with their values, and the arrays; `&v:`: the names", list_variables},
     {"x", "ends the loading of a file", end_load},

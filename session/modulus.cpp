@@ -1,5 +1,6 @@
 #include "session/modulus.h"
 
+#include "gcd/gcd_stash.h"
 #include "language/expre.h"
 #include "language/language_modes.h"
 #include "language/symbols.h"
@@ -79,6 +80,7 @@ bool enter_modular(int32_t m, bool loud) {
     was_in_rat = 0;
     rand_denom_n = 1;
     quoly_set(0, &prevnum);
+    gcd_stash_outdated();
     interrupts_held--;
     return true;
 }
@@ -102,6 +104,7 @@ bool leave_modular(bool loud) {
     was_in_rat = 1;
     rand_denom_n = 1;
     quoly_set(0, &prevnum);
+    gcd_stash_outdated();
     interrupts_held--;
     return true;
 }

@@ -1,5 +1,6 @@
 #include "session/polyvars.h"
 
+#include "gcd/gcd_stash.h"
 #include "language/array_values.h"
 #include "language/expre.h"
 #include "language/language_modes.h"
@@ -90,6 +91,7 @@ static bool declare(PolyItem& item) {
     }
     if (!item.at_end && !list_may_change()) return false;
     interrupts_held++;
+    gcd_stash_outdated();
     insert_poly_name(item.name, item.at_end);
     if (!item.at_end) {
         for_each_value(add_level_in_front, nullptr);
@@ -122,9 +124,10 @@ static void take_level_out(quolyptr value, void* context) {
     auto* r = static_cast<Removal*>(context);
     if (r->value != nullptr && !quoly_put_number(value, r->level, r->value) &&
         r->warnings++ < k_most_warnings)
-        fputs(r->entries ? "Warning. A quoly denominator in a sparse array entry has become 0.  That entry has "
-                           "been set to 1.\n"
-                         : "Warning. A quoly denominator has become 0.  That value has been set to 1.\n",
+        fputs(r->entries
+                  ? "Warning. A quoly denominator in a sparse array entry has become 0.  That entry has "
+                    "been set to 1.\n"
+                  : "Warning. A quoly denominator has become 0.  That value has been set to 1.\n",
               stdout);
     quoly_remove_level(*value, r->level);
 }
@@ -188,6 +191,7 @@ static bool remove_variable(PolyItem& item) {
     for_each_scalar(take_level_out, &r);
     take_level_out_of_arrays(r);
     take_level_out_of_away(r);
+    gcd_stash_outdated();
     delete_poly_name(level);
     interrupts_held--;
     return true;

@@ -1,5 +1,6 @@
 #include "session/startup.h"
 
+#include "gcd/gcd_stash.h"
 #include "language/language_modes.h"
 #include "language/parse.h"
 #include "language/symbols.h"
@@ -7,6 +8,7 @@
 #include "numbers/data_files.h"
 #include "poly/dense_basic.h"
 #include "poly/poly_vars.h"
+#include "quoly/garbage.h"
 #include "quoly/quoly_audit.h"
 #include "session/levels.h"
 #include "session/loop.h"
@@ -207,6 +209,7 @@ static void set_up_constants() {
     init_dense();
     init_quoly_constants();
     init_symbols();
+    garbage_provide_gcd_stash(mass_gcd_stash);
     check_switch_table();
 #ifdef TOLVEX_CHECKED
     register_roots();

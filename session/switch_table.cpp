@@ -2,6 +2,7 @@
 
 #include "field/field_modes.h"
 #include "gcd/gcd_modes.h"
+#include "gcd/gcd_stash.h"
 #include "language/language_modes.h"
 #include "language/tokens/scanner.h"
 #include "matrix/matrix_modes.h"
@@ -189,7 +190,7 @@ static void show_interrupt_level() {
 
 static void show_stashing() {
     printf(" GCD stashing level is %d, so it's %s. table mass: %lli\n", lookupgcd,
-           lookupgcd > 0 ? "on" : "off", 0LL);
+           lookupgcd > 0 ? "on" : "off", static_cast<long long>(gcdmass));
 }
 
 // ---- the table -----------------------------------------------------------------------------------------
@@ -371,6 +372,7 @@ static const SwitchRow rows[] = {
      .on = " Negative exponents enabled.\n",
      .off = " Negative exponents disabled.\n",
      .unchanged = "Laurent polynomial status",
+     .after = gcd_stash_outdated,
      .meaning = "polynomials may have negative exponents",
      .line = StatusLine::exponents,
      .shown = " Laurent polynomials allowed.\n",
