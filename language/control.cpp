@@ -1,7 +1,7 @@
 // Running stored statements: bodies, if, while, for, and the immediate control statement.
 
-#include "language/compile.h"
 #include "language/array_elements.h"
+#include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/integer_eval.h"
@@ -274,11 +274,12 @@ void eval_form(FILE* inf, formptr f, quolyptr n) {
 }
 
 StoredPlace set_statement_aside() {
-    StoredPlace place = {startexpr,  prev_expr,  currentchar,    exit_flag,
-                         leave_flag, cycle_flag, line_end_given, func_def_count};
+    StoredPlace place = {
+        startexpr,     prev_expr,   currentchar, exit_flag, leave_flag, cycle_flag, definition_lines_aside(),
+        last_attached, current_func};
     startexpr = prev_expr = currentchar = nullptr;
-    exit_flag = leave_flag = cycle_flag = line_end_given = 0;
-    func_def_count = 0;
+    last_attached = nullptr;
+    exit_flag = leave_flag = cycle_flag = 0;
     return place;
 }
 
@@ -289,8 +290,9 @@ void resume_stored_place(const StoredPlace& place) {
     exit_flag = place.exit_flag;
     leave_flag = place.leave_flag;
     cycle_flag = place.cycle_flag;
-    line_end_given = place.line_end_given;
-    func_def_count = place.func_def_count;
+    resume_definition_lines(place.lines);
+    last_attached = place.last_attached;
+    current_func = place.current_func;
 }
 
 // ---- the immediate control statement -------------------------------------------------------------------
@@ -378,7 +380,9 @@ void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag) 
     run_typed(inf, n);
 }
 
-const condnode* last_control_statement() { return typed_statements != nullptr ? typed_statements->p : nullptr; }
+const condnode* last_control_statement() {
+    return typed_statements != nullptr ? typed_statements->p : nullptr;
+}
 
 void run_sys_func(FILE* inf, quolyptr n, nameptr* flag) {
     if (*flag != nullptr || typed_statements == nullptr) {

@@ -43,7 +43,7 @@ inline void hold(Value* v) {
 inline void let_go(Value* v) { eval_state.held = v->hold.below; }
 inline void release(Value* v) { free_quoly(&v->own); }
 /// *n := a copy of the value at `at`, made with safe points: what a command level replaces is inherited.
-void copy_value(quolyptr at, quolyptr n);
+[[gnu::noinline]] void copy_value(quolyptr at, quolyptr n);
 /// *n := the value, moved if it is private, copied otherwise. v is released.
 void take_value(Value* v, quolyptr n);
 

@@ -66,8 +66,8 @@ bool read_control_statement(BodyReader& r, const tokentipe& word, condexptr* p);
 /// Gathers the tokens from the current one to the end of a statement or condition into a list; what has ended
 /// it is the current token. False if an error has come back.
 bool attach(BodyReader& r, nameptr* q, Closer end, bool loop_header);
-/// What does not change from run to run is worked out once: hashes of variables and functions, ids of built-in
-/// functions, numbers that fit one digit. Literals and comments are left alone.
+/// What does not change from run to run is worked out once: hashes of variables and functions, ids of
+/// built-in functions, numbers that fit one digit. Literals and comments are left alone.
 void bind_list(nameptr first);
 /// True if the current token is the closer.
 bool at_closer(Closer end);
@@ -129,8 +129,9 @@ struct LoopName {
 struct LoopHeader {
     LoopName name;
     int32_t first, last, step;
-    const int32_t* columns;  // the values, in rising order, in scratch memory of the caller's mark; nil: a range
-    int32_t count;           // of them
+    const int32_t*
+        columns;    // the values, in rising order, in scratch memory of the caller's mark; nil: a range
+    int32_t count;  // of them
 };
 /// Reads a header from the variable on; the variable has its first value afterwards. False if an error has
 /// come back.
@@ -148,8 +149,10 @@ void next_turn(LoopTurns& t, LoopName& name);
 /// Where a stored statement or a definition under way stands, and what has been asked of the ones around it.
 struct StoredPlace {
     nameptr startexpr, prev_expr, currentchar;
-    boolean exit_flag, leave_flag, cycle_flag, line_end_given;
-    int32_t func_def_count;
+    boolean exit_flag, leave_flag, cycle_flag;
+    DefinitionLines lines;
+    nameptr last_attached;
+    tokentipe current_func;
 };
 /// Clears the place; the present one is the answer.
 StoredPlace set_statement_aside();

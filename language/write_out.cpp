@@ -83,22 +83,41 @@ static void write_character(const quolynode* q, const Sink& out) {
     putc_unlocked(code >= 1 && code <= k_text_limit ? code : '?', out.file);
 }
 
+namespace {
+/// A value on its way into a field. Displays have safe points: the list is what a panic stop gives back.
+struct OpenField {
+    FILE* file;
+    char* text;
+    size_t length;
+    OpenField* below;
+};
+OpenField* open_fields = nullptr;  // innermost first
+}  // namespace
+
+void close_open_fields() {
+    for (; open_fields != nullptr; open_fields = open_fields->below) {
+        fclose(open_fields->file);
+        free(open_fields->text);
+    }
+}
+
 /// A value that is followed by a width: no blank in front, blanks behind it.
 static void write_in_field(const quolynode* q, int32_t width, const Sink& out) {
-    char* text = nullptr;
-    size_t length = 0;
-    FILE* f = open_memstream(&text, &length);
-    if (f == nullptr) {
+    OpenField field = {nullptr, nullptr, 0, open_fields};
+    field.file = open_memstream(&field.text, &field.length);
+    if (field.file == nullptr) {
         quoly_display(out.file, out.terminal, q);
         return;
     }
-    quoly_display(f, out.terminal, q);
-    fclose(f);
-    const char* shown = text[0] == ' ' ? text + 1 : text;
+    open_fields = &field;
+    quoly_display(field.file, out.terminal, q);
+    open_fields = field.below;
+    fclose(field.file);
+    const char* shown = field.text[0] == ' ' ? field.text + 1 : field.text;
     fputs(shown, out.file);
     size_t n = strlen(shown);
     fill(out, width, n > k_text_limit ? width : static_cast<int32_t>(n));
-    free(text);
+    free(field.text);
 }
 
 static void write_value(const quolynode* q, const Suffix& s, const Sink& out) {
@@ -159,7 +178,9 @@ static void one_write_out(FILE* inf, nameptr* flag, const Sink& out) {
 /// "&o" in front of a list sends it to the output file; "," may stand behind it. False after an error.
 static bool to_output_file(FILE* inf, nameptr* flag, Sink* out) {
     next_token(inf, flag);
-    Err fault = !tok_is(token, "o") ? Err::not_the_output_file : outpuf == nullptr ? Err::no_output_file : Err{};
+    Err fault = !tok_is(token, "o") ? Err::not_the_output_file
+                : outpuf == nullptr ? Err::no_output_file
+                                    : Err{};
     if (fault != Err{}) {
         error(fault);
         return false;

@@ -10,6 +10,8 @@
 namespace tolvex {
 /// "!" is the current token. *n := 0.
 void write_out(FILE* inf, quolyptr n, nameptr* flag);
+/// After a jump out of outputs: what they had open is given back.
+void close_open_fields();
 /// Where the statement stands while an answer is read.
 struct AnswerMark {
     tokentipe token;

@@ -5,6 +5,7 @@
 #include "language/language_modes.h"
 #include "language/ports.h"
 #include "language/tokens/scanner.h"
+#include "language/write_out.h"
 #include "numbers/data_files.h"
 #include "numbers/ring_switch.h"
 #include "poly/poly.h"
@@ -86,11 +87,14 @@ struct LineRest {
 };
 static LineRest line_rests[k_highest_level + 1] = {};  // by the level of the statement
 
-/// Takes the rest of the open line off the input, so that the statement can go on with it afterwards.
+/// Takes the rest of the open line off the input, so that the statement can go on with it afterwards. A
+/// statement that waits for its next line has no rest.
 static void take_line_rest() {
     LineRest rest = {nullptr, 0, leftover[0]};
     size_t room = 0;
-    for (int c = 0; c != '\n' && (c = peek_char(Input)) != EOF;) {
+    int c = line_start_awaited ? '\n' : 0;
+    line_start_awaited = 0;
+    while (c != '\n' && (c = peek_char(Input)) != EOF) {
         read_char(Input);
         if (rest.length == room) {
             room = room == 0 ? 256 : 2 * room;
@@ -138,6 +142,7 @@ static void drop_line_rests() {
     was_modulus = -1;
     integerflag = 0;
     scratch_release({nullptr, 0});
+    close_open_fields();
     drop_line_rests();
     close_startup();
     forget_loads();
@@ -299,12 +304,21 @@ static void resume_statement(const SuspendedStatement& s) {
     interrupts_held--;
 }
 
+/// The statement below works modulo a prime for a while, in a ring that the user has not set.
+static void report_switched_ring() {
+    printf("\n*** You have interrupted at a delicate time. Tolvex had switched\n"
+           "    internally to arithmetic mod p. It has switched back for your \n"
+           "    convenience during this interrupt. Do not do any significant \n"
+           "    polynomial computations.  To abort, enter &@ followed by  &(p=_i:) .\n\n");
+}
+
 static void open_level() {
     if (levelcount == k_highest_level) {
         printf("*** Highest legal command level is 9.\n");
         panic_stop();
     }
     SuspendedStatement below = suspend_statement();
+    if (was_in_rat && below.ring.modularmode) report_switched_ring();
     breaktime[time_level] = time_now();
     levelcount++;
     quotient_by_zero = 0;  // above level 1 a division by 0 is a warning, and its value 0

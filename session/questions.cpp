@@ -31,8 +31,7 @@ void close_question(QuestionMark mark) {
     leftover[1] = 0;
 }
 
-/// The value as a word; a number beyond the words as the largest one of its sign; k_no_word: no number.
-static int32_t answer_as_word(const quolynode* value) {
+int32_t value_as_word(const quolynode* value) {
     if (value == nullptr || !value->numb) return k_no_word;
     int32_t word = big_quoly_convert_to_int(value);
     if (word != k_no_word) return word;
@@ -46,7 +45,7 @@ bool ask_number(const char* text, Err not_number, int32_t* answer) {
     quoly value = nullptr;
     nameptr stream = nullptr;
     old_expre(Input, &value, &stream);
-    *answer = answer_as_word(value);
+    *answer = value_as_word(value);
     free_quoly(&value);
     restore_modular(modular);
     bool ended = at_terminator();

@@ -21,6 +21,8 @@ QuestionMark open_question(const char* text);
 void close_question(QuestionMark mark);
 /// An integer of word size, evaluated outside the ground ring.
 bool ask_number(const char* text, Err not_number, int32_t* answer);
+/// The value as a word; a number beyond the words as the largest one of its sign; k_no_word: no number.
+int32_t value_as_word(const quolynode* value);
 /// The raw line, cut at `size` - 1 characters; its line feed stays unread.
 void ask_line(const char* text, char* line, int32_t size);
 }  // namespace tolvex

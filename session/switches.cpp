@@ -12,6 +12,7 @@
 #include "session/loop.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
+#include "session/questions.h"
 #include "session/ring_list.h"
 #include "session/save_file.h"
 #include "session/session_modes.h"
@@ -135,7 +136,7 @@ static bool read_number(SwitchForm& form, int32_t* v) {
     check_modular(&modular);
     old_expre(form.inf, &value, form.flag);
     bool number = value != nullptr && value->numb;
-    *v = number ? big_quoly_convert_to_int(value) : k_no_word;
+    *v = value_as_word(value);
     free_quoly(&value);
     restore_modular(modular);
     bool may_be_negative = strcmp(form.letter, "D") == 0;

@@ -115,10 +115,23 @@ int peek_char(FILE* inf) {
     return c == 0 ? ' ' : c;
 }
 
-bool at_end(FILE* inf) { return peek_char(inf) == EOF; }
-
 void drop_line(FILE* inf) {
     for (int c = raw_char(inf); c != EOF && c != '\n';) c = raw_char(inf);
+}
+
+/// The terminal is waited for at the start of a line, in the middle of a statement.
+static void await_line(FILE* inf) {
+    if (!tt_flag) return;
+    line_start_awaited = 1;
+    await_input(inf);
+    line_start_awaited = 0;
+}
+
+static boolean literal_line_crossed = 0;  // the character of a literal or comment read last was a line end
+
+bool at_end(FILE* inf) {
+    if (literal_line_crossed) await_line(inf);
+    return peek_char(inf) == EOF;
 }
 
 /// True if c is the mark that continues a statement on the next line; the rest of its line is dropped then.
@@ -127,7 +140,7 @@ static bool continues(FILE* inf, int c) {
     if (c != static_cast<unsigned char>(continuation) || continuation == ' ') return false;
     drop_line(inf);
     semicount = 0;
-    if (tt_flag) await_input(inf);
+    await_line(inf);
     return true;
 }
 
@@ -182,24 +195,43 @@ void history_print() {
 
 // ---- definitions over several lines --------------------------------------------------------------------
 
-static bool line_is_empty = false;  // no token yet in the present line of a definition
+static boolean line_is_empty = 0;       // no token yet in the present line of a definition
+static boolean line_crossed_ahead = 0;  // a continued line end stood behind the name read last
 
 void enter_definition() {
     if (func_def_count++ > 0) return;
     semicount = 0;
     line_end_given = 0;
-    line_is_empty = false;
+    line_is_empty = 0;
 }
 
 void leave_definition() {
     if (--func_def_count == 0) line_end_given = 0;
 }
 
+DefinitionLines definition_lines_aside() {
+    DefinitionLines lines = {line_end_given,       line_is_empty, line_crossed,  line_crossed_ahead,
+                             literal_line_crossed, semicount,     func_def_count};
+    resume_definition_lines({});
+    return lines;
+}
+
+void resume_definition_lines(const DefinitionLines& lines) {
+    line_end_given = lines.end_given;
+    line_is_empty = lines.is_empty;
+    line_crossed = lines.crossed;
+    line_crossed_ahead = lines.crossed_ahead;
+    literal_line_crossed = lines.literal_crossed;
+    semicount = lines.empty_lines;
+    func_def_count = lines.definitions;
+}
+
 /// The line feed that the last token of a definition's line was given for.
 static void take_line_end(FILE* inf) {
     raw_char(inf);
     line_end_given = 0;
-    line_is_empty = true;
+    line_is_empty = 1;
+    await_line(inf);
 }
 
 /// A line end at the terminal, which is unread again: ";" for the statement.
@@ -233,8 +265,6 @@ static int skip_white(FILE* inf) {
     }
 }
 
-static boolean line_crossed_ahead = 0;  // a continued line end stood behind the name read last
-
 /// The rest of a name that begins with c. What stopped it goes to `leftover`; line ends and the end of the
 /// file stay unread.
 static void scan_name(FILE* inf, tokentipe* tok, int c) {
@@ -262,8 +292,9 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
     line_crossed_ahead = 0;
     int c = static_cast<unsigned char>(leftover[0]);
     if (c == 0 || c == ' ') c = skip_white(inf);
+    literal_line_crossed = 0;
     if (!line_end_given) {
-        line_is_empty = false;
+        line_is_empty = 0;
         semicount = 0;
     }
     tok->address = -1;
@@ -284,10 +315,11 @@ void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln) {
         next_of_list(tok, flag);
         return;
     }
+    if (literal_line_crossed) await_line(inf);
     int c = read_char(inf);
     if (c == '\r' && peek_char(inf) == '\n') c = read_char(inf);  // CR LF is one line end
     if (continues(inf, c)) c = ' ';
-    *eoln = c == '\n';
+    *eoln = literal_line_crossed = c == '\n';
     tok_set_char(*tok, static_cast<unsigned char>(c == EOF ? ';' : c));
     if (c != EOF) history_add_raw(*tok);
     if (*eoln) tok->name[0] = k_line_end;

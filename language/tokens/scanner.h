@@ -27,6 +27,9 @@ inline int32_t func_def_count = 0;  // depth of definitions being read
 inline boolean line_crossed = 0;    // a line end stood in front of the current token: in a file, or continued
 inline boolean lines_close = 0;     // a line end ends a number too: in the rows of an array literal
 inline boolean line_end_given = 0;  // in a definition: the line feed that is next has been given as ";"
+/// The wait is for a new line of a statement.                                          writers: the scanner,
+/// levels
+inline boolean line_start_awaited = 0;
 inline nameptr currentchar = nullptr;                            // the list node after the current token
 inline nameptr startexpr = nullptr, prev_expr = nullptr;         // error-report cursors into token lists
 inline nameptr start = nullptr, finish = nullptr, s2 = nullptr;  // history ring; finish nil: empty
@@ -74,6 +77,15 @@ inline void next_token(FILE* inf, nameptr* flag) {
 /// One definition more, or one less, is being read.
 void enter_definition();
 void leave_definition();
+/// What the reading of a definition line by line keeps; a command level reads definitions of its own
+/// meanwhile.
+struct DefinitionLines {
+    boolean end_given, is_empty, crossed, crossed_ahead, literal_crossed;
+    int32_t empty_lines, definitions;
+};
+/// Clears it; what it was is the answer.
+DefinitionLines definition_lines_aside();
+void resume_definition_lines(const DefinitionLines& lines);
 
 /// Allocates the history ring.
 void init_history();

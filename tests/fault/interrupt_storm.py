@@ -28,7 +28,7 @@ import time
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|Tolvex error")
 OPENED = b"*** New command level.\n"
 RESUMED = b"*** Resuming earlier command level\n"
-PATIENCE = 120
+PATIENCE = 60
 
 
 class Job:
@@ -81,6 +81,15 @@ JOBS = [
     Job("polynomials modulo a composite", ["&(p = 30030)"] + POLYNOMIALS, "Terms(f*g) + Terms(g*h*h)", "fgh"),
     Job("polynomials over a table field", ["&(p = 65536)"] + POLYNOMIALS + ["p := (f + x)*h:", "q := (g + y)*h:"],
         "Terms(p*q) + Terms(GCD(p, q))", "pqfgh"),
+    Job("loops", ["Func F(n) = s := 0; for i = 1 to n do for j = 1 to 20 do s := s + i^3*j od od; s.",
+                  "Func W(n) = k := 0; while k < n do k :+ 1; if k|7 = 3 then k := k + 2 fi od; k."],
+        "F(20000) + W(200000)"),
+    Job("functions", ["Func F(n) = if n < 2 then n else F(n - 1) + F(n - 2) fi.",
+                      "Func G(n, ^r) = r := r + n^50; if n > 0 then G(n - 1, r) else r fi.", "w := 0:"],
+        "F(21) + G(400, w)|1000003"),
+    Job("loop of products of polynomials", POLYNOMIALS + ["Func F(n) = s := 0; for i = 1 to n do s := s + h*(h + i) od; s."],
+        "Terms(F(60))"),
+    Job("loop that is typed", [], "for i = 1 to 4000 do !(i^150, i^90/7) od"),
     Job("Laurent polynomials", ["&(l = 1)"] + POLYNOMIALS + ["p := f/x^3 + 1/y:"], "Terms(p*g) + Terms((p*g)/g)", "pg"),
 ]
 
@@ -149,7 +158,8 @@ class Session:
         """The output from `start` on ends with the prompt of the present level."""
         mark = b"%d>" % self.level if self.level > 1 else b">"
         tail = bytes(self.out[max(start, len(self.out) - 4):])
-        return tail == mark or tail.endswith(b"\n" + mark)
+        # Names of running functions stand in front of the prompt when no statement of them was under way.
+        return tail == mark or tail.endswith(b"\n" + mark) or (self.level > 1 and tail.endswith(b" " + mark))
 
     def wait(self, what, seconds=PATIENCE, pause=0.5):
         end = time.monotonic() + seconds
@@ -223,7 +233,7 @@ def without_levels(text):
             depth -= 1
             if depth == 0:
                 at = found.end()
-                if kept.endswith(b"\n>") and text[at:at + 1] == b">":
+                if kept.endswith((b"\n>", b" := ")) and text[at:at + 1] == b">":
                     at += 1  # an interrupt of the prompt: it is written again
     if depth == 0:
         kept += text[at:]
@@ -233,7 +243,7 @@ def without_levels(text):
 class Storm:
     def __init__(self, args):
         self.args, self.rng = args, random.Random(args.seed)
-        self.worst, self.taken, self.slow = 0.0, 0, []
+        self.worst, self.taken, self.slow, self.times = 0.0, 0, [], []
         self.directory = tempfile.mkdtemp(prefix="storm")
         with open(os.path.join(self.directory, "tolstart.txt"), "w") as f:
             f.write("500\n")
@@ -252,6 +262,7 @@ class Storm:
 
     def note(self, job, ms):
         self.taken += 1
+        self.times.append(ms)
         if ms > self.worst:
             self.worst = ms
         if ms > self.args.limit:
@@ -389,7 +400,9 @@ def main():
     except Broken as what:
         print(f"seed {args.seed}: {what}")
         return 1
-    print(f"{storm.taken} interrupts, the slowest level after {storm.worst:.1f} ms")
+    times = sorted(storm.times)
+    shares = ", ".join(f"{p} % {times[min(len(times) - 1, len(times) * p // 100)]:.1f}" for p in (50, 90, 99) if times)
+    print(f"{storm.taken} interrupts; milliseconds to the level: {shares}, slowest {storm.worst:.1f}")
     for ms, name in sorted(storm.slow, reverse=True)[:20]:
         print(f"  {ms:8.1f} ms: {name}")
     return 1 if storm.slow else 0

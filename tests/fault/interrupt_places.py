@@ -1,0 +1,200 @@
+#!/usr/bin/env python3
+"""Interrupts at the places where a session waits or stands between two rings, each resumed.
+
+usage: interrupt_places.py --tolvex PATH [--only REGEX] [--verbose]
+
+Scripts of several lines (definitions, control statements, comments, texts, continued lines, questions) are typed with an
+interrupt in front of each line in turn, over a pipe and a pseudo-terminal. At the level other definitions are typed. What
+the program writes without the level must be the same byte for byte as without the interrupt. Then: the time line of
+an interrupted statement, statements with modular arithmetic suspended, an output into a field that is given up, and
+computations that work modulo a prime inside.
+"""
+import argparse
+import os
+import re
+import sys
+import tempfile
+import time
+
+from interrupt_storm import TROUBLE, Broken, Session, without_levels
+
+SCRIPTS = {
+    "function": ["Func F(x) =", "y := x + 1;", "", "y*2.", "F(4)"],
+    "function with comments": ["Func F(x) = {first", "second", "third} x + 1;", "{fourth} x + 2.", "F(4)", "F(5)"],
+    "empty lines, not too many": ["Func F(x) ="] + [""] * 12 + ["x + 1;"] + [""] * 12 + ["x + 2.", "F(1)"],
+    "cancelled by empty lines": ["Func F(x) =", "x + 1;"] + [""] * 15 + ["2+3"],
+    "loop": ["for i = 1 to 3 do", "!i;", "!(i*i)", "od", "5"],
+    "choice closed by empty lines": ["if 1 = 1 then", "7"] + [""] * 12 + ["8"],
+    "nested": ["Func G(x) =", "if x > 1 then", "for i = 1 to x do", "s := s + i", "od", "else", "s := 0", "fi;", "s.",
+               "s := 0", "G(4)", "G(1)"],
+    "continued lines": ["2 + `", "3 + `", "4", "5"],
+    "text over two lines": ["!('ab", "cd', 5)", "6"],
+    "questions": ["&D", "10", "&u", "2", "3"],
+    "answer": ["?a", "17", "a"],
+}
+VISITS = [
+    ["2+3"],
+    ["Func H(x) =", "", "x^2.", "H(5)", "for k = 1 to 2 do", "!k", "od", "&(t = 0)", "nope + 1"],
+    ["if 1 = 2 then", "3", "fi", "!('de", "f')", "4 + `", "5"],
+]
+
+
+class Places:
+    def __init__(self, args):
+        self.args = args
+        self.directory = tempfile.mkdtemp(prefix="places")
+        with open(os.path.join(self.directory, "tolstart.txt"), "w") as f:
+            f.write("500\n")
+
+    def start(self, terminal, setup=()):
+        session = Session(self.args.tolvex, terminal, self.directory)
+        session.wait(lambda: session.at_prompt(0))
+        for line in setup:
+            session.say(line)
+        return session
+
+    def end(self, session):
+        text = session.close()
+        if TROUBLE.search(text) or TROUBLE.search(bytes(session.out)):
+            raise Broken("the checked build reports:\n" + text.decode("latin-1")[:4000])
+
+    def visit(self, session, lines):
+        session.interrupt()
+        for line in lines:
+            session.send(line)
+        session.say("271828")  # all of it has been done
+        session.resume()
+
+    def typed(self, terminal, lines, at=None, visit=()):
+        session = self.start(terminal)
+        start = len(session.out) - 2  # from the prompt on
+        for i, line in enumerate(lines):
+            if i == at:
+                self.visit(session, visit)
+            session.send(line)
+        session.send("31337")
+        session.wait(lambda: re.search(rb" 31337\n\n[^\n]*>$", bytes(session.out[start:])))
+        text = bytes(session.out[start:])
+        self.end(session)
+        return text
+
+    def alike(self, text, expected):
+        """A level begins the record of what has been typed anew: reports show the rest."""
+        report = re.compile(rb"(at this point:\n)[^>]*")
+        return report.sub(rb"\1", without_levels(text)) == report.sub(rb"\1", expected)
+
+    def lines(self):
+        for terminal in (False, True):
+            for name, lines in SCRIPTS.items():
+                expected = self.typed(terminal, lines)
+                places = range(len(lines)) if len(lines) < 12 else (1, 2, 7, 14, 16, len(lines) - 1)
+                for at in places:
+                    for visit in VISITS[:1] if at % 2 else VISITS[1:]:
+                        text = self.typed(terminal, lines, at, visit)
+                        if not self.alike(text, expected):
+                            raise Broken(f"{name}, interrupted in front of line {at}: {text!r} instead of {expected!r}")
+                if self.args.verbose:
+                    print(f"{'terminal' if terminal else 'pipe':9}{name}", flush=True)
+
+    def time_line(self):
+        """Neither the work nor the waiting of a level counts for the statement below."""
+        statement = "Terms(f*(f + 1))"
+        setup = ["&(J = x, y, z, t)", "f := (1 + x - 2*y + z + t)^17:", "&(t = 1)"]
+        seconds = re.compile(rb" Elapsed CPU time: ([\d.]+)\n")
+        session = self.start(False, setup)
+        own = float(seconds.search(session.say(statement)).group(1))
+        session.send(statement)
+        time.sleep(0.3 * own)
+        session.interrupt()
+        at_level = sum(float(seconds.search(session.say(statement)).group(1)) for _ in range(4))
+        time.sleep(6)
+        start = len(session.out)
+        session.resume()
+        session.wait(lambda: session.at_prompt(start) and b"Elapsed" in session.out[start:])
+        text = bytes(session.out[start:])
+        self.end(session)
+        found = seconds.search(text)
+        if found is None or float(found.group(1)) > own + 0.5 * at_level + 0.05:
+            raise Broken(f"the time line below a level: {text!r}; alone {own}, at the level {at_level}")
+
+    def suspended(self):
+        """A level that is opened where modular arithmetic is suspended works in the ring of the user."""
+        session = self.start(False, ["&(p = 7)", "&(H = 0)"])
+        session.say("Func F(n) = s := 0; for i = 1 to n do s := s + i od; s.")
+        statement = "&_m(F(200000))"
+        expected = session.say(statement)
+        for _ in range(5):
+            start = len(session.out)
+            session.send(statement)
+            session.interrupt()
+            text = session.say("3*5")
+            if b"\n 1\n" not in text:
+                raise Broken(f"3*5 modulo 7 at a level: {text!r}")
+            session.resume()
+            session.wait(lambda: session.at_prompt(start) and without_levels(bytes(session.out[start:])).endswith(b"\n>"))
+            if without_levels(bytes(session.out[start:])) != expected:
+                raise Broken(f"{statement}: {bytes(session.out[start:])!r} instead of {expected!r}")
+        self.end(session)
+
+    def given_up_field(self):
+        """An output into a field is given up in the middle; the next ones are right."""
+        session = self.start(False, ["a := 3^3000000:", "b := 3^100:"])
+        for _ in range(3):
+            session.send("!(a:5)")
+            session.interrupt()
+            session.say("!(b:60, 'x')")
+            session.level = 1
+            session.say("&@")
+        text = session.say("!(b:50, 'x')")
+        if b"515377520732011331036461129765621272702107522001  x" not in text:
+            raise Broken(f"after outputs that were given up: {text!r}")
+        self.end(session)
+
+    def other_ring(self):
+        """Where a gcd works modulo a prime the level says so, and has the ring of the user."""
+        setup = ["&(J = x, y, z)", "f := (x + 2*y - z + 3)^9:", "p := f*(x - y + 5*z)^9:", "q := f*(x + y + z - 1)^9:"]
+        told = 0
+        session = self.start(False, setup)
+        expected = session.say("GCD(p, q) - f")
+        for _ in range(20):
+            start = len(session.out)
+            session.send("GCD(p, q) - f")
+            session.interrupt()
+            opened = bytes(session.out[start:])
+            if b"You have interrupted at a delicate time. Tolvex had switched\n" in opened:
+                told += 1
+            if b" 1099511627776\n" not in session.say("2^40"):
+                raise Broken(f"the ring of a level in a gcd: {bytes(session.out[start:])!r}")
+            session.resume()
+            session.wait(lambda: session.at_prompt(start) and without_levels(bytes(session.out[start:])).endswith(b"\n>"))
+            got = without_levels(bytes(session.out[start:]))
+            if got != expected and not got.endswith(expected):
+                raise Broken(f"GCD: {got!r} instead of {expected!r}")
+        self.end(session)
+        if self.args.verbose:
+            print(f"{told} of 20 interrupts of gcds between two rings")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--tolvex", required=True)
+    parser.add_argument("--verbose", action="store_true")
+    parser.add_argument("--only", default="", help="a regular expression for the names of the parts")
+    args = parser.parse_args()
+    args.tolvex = os.path.abspath(args.tolvex)
+    places = Places(args)
+    try:
+        for step in (places.lines, places.time_line, places.suspended, places.given_up_field, places.other_ring):
+            if not re.search(args.only, step.__name__):
+                continue
+            step()
+            if args.verbose:
+                print(f"{step.__name__}: right", flush=True)
+    except Broken as what:
+        print(what)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
