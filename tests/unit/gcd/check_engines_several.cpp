@@ -237,7 +237,9 @@ TEST(SeveralVariables, too_few_points) {
             b(poly_of("x^2*y + z + 1")), u, v, g;
         poly_mult(a, c, &u, polynames);
         poly_mult(b, c, &v, polynames);
-        bool found = sub_mod_multivar_Chinese(u, v, &g, 8, 3, 3, polynames);
+        bool found = false;  // a first point may be unlucky
+        for (int tries = 0; tries < 10 && !found; tries++)
+            found = sub_mod_multivar_Chinese(u, v, &g, 8, 3, 3, polynames);
         EXPECT_EQ(found, ring.modulus > 10);
         EXPECT_FALSE(sub_mod_multivar_Chinese(u, v, &g, 0, 3, 3, polynames));
     }
