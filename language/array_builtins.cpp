@@ -108,6 +108,12 @@ static bool read_operand(BuiltinCall& call, ArrOperand& v) {
     return true;
 }
 
+/// Above an interrupt the value is 0.
+static void refuse_at_interrupt(BuiltinCall& call) {
+    quolyptr at = call.n;
+    refused_at_interrupt("matrix functions", &at, call.n);
+}
+
 /// Sumall[m]: the sum of all elements.
 void builtin_Sumall(BuiltinCall& call) {
     quoly_set(0, call.n);
@@ -126,6 +132,7 @@ void builtin_Sumall(BuiltinCall& call) {
         end_operand(v);
     }
     eval_state.held = here.below;
+    refuse_at_interrupt(call);
 }
 
 /// Trace[m]: the sum of the diagonal of a square matrix.
@@ -145,6 +152,7 @@ void builtin_Trace(BuiltinCall& call) {
         end_operand(v);
     }
     eval_state.held = here.below;
+    refuse_at_interrupt(call);
 }
 
 /// Trans, Diag and their kin in the place of a factor: the matrix goes to the system array, the value is 0.

@@ -331,6 +331,14 @@ arrptr read_array_place(FILE* inf, nameptr* flag) {
     return a;
 }
 
+bool refused_at_interrupt(const char* what, quolyptr* qp, quolyptr n) {
+    if (interrupt_levels == 0) return false;
+    printf("*** no %s at this level of interrupt\n", what);
+    free_quoly(n);
+    element_is_zero(qp, n);
+    return true;
+}
+
 void element_at_place(FILE* inf, nameptr* flag, arrptr a, quolyptr* qp, quolyptr n) {
     ElementTarget target;
     if (refuse_array_of_other_ring(a, a->name) || !read_target(inf, flag, a, a->name, &target)) {
@@ -338,6 +346,7 @@ void element_at_place(FILE* inf, nameptr* flag, arrptr a, quolyptr* qp, quolyptr
         return;
     }
     locate(inf, flag, a, target.index, "%", a->name, qp, n);
+    if (*qp != element_read.at || !at_char(':')) refused_at_interrupt("array of arrays", qp, n);
 }
 
 void element_of_place(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n) {

@@ -68,6 +68,9 @@ void purge_element(const ElementTarget& target);
 /// belongs to another ring.
 bool store_element(const ElementTarget& target, quolyptr value);
 
+/// While a level that an interrupt has opened is open, scalar expressions get no values out of matrices:
+/// prints that there is no `what` there and sets the value at *qp to 0; true then.
+bool refused_at_interrupt(const char* what, quolyptr* qp, quolyptr n);
 /// Counts a use of an element without value, and warns; `which` names the array as the warning shows it.
 void note_uninitialized(const char* which);
 /// The same for an array of that name.

@@ -121,6 +121,10 @@ void cancel_array(arrptr a) {
 
 void convert_to_sparse(arrptr a) {
     settle_holders(a);
+    for (int32_t k = 0; borrowed_operands > 0 && k < a->sizearr; k++) {
+        quolyptr slot = dense_slot(a, k);
+        if (*slot != nullptr && quoly_iszero(*slot)) free_value(slot);
+    }
     fill_sparse(a);
 }
 

@@ -9,6 +9,7 @@ inline nameptr zilch = nullptr;  // a cursor that is always empty: read from the
 inline int32_t statcount = 0;    // depth of user-function calls
 inline int32_t uninit = 0;       // uninitialised elements seen in this statement
 inline boolean matrix_eval = 0;
+inline int32_t interrupt_levels = 0;  // open command levels that an interrupt has opened  writers: the levels
 inline boolean output_open = 0;  // the output statements of this statement have left a line open
 inline boolean syst_dump = 0;  // the system array is to be displayed
 inline FILE* outpuf = nullptr;  // the output file, nil: none                 writers: session/save_file
