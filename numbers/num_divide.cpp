@@ -98,6 +98,30 @@ int32_t quotient_of(const number* n, int32_t m) {
     return static_cast<int32_t>(v / m);
 }
 
+// |n| mod m plus 0 or m. Horner's rule with a 64-bit reciprocal, r < 2 m between steps; for m below 2^31 two
+// digits a step, base^2 being at hand modulo m: the step stays below 2^64.
+static uint64_t chain_horner(const number* n, uint32_t m) {
+    bool negative = n->head->value < 0;
+    uint64_t recip = UINT64_MAX / m, r = 0;
+    const numnode* p = n->head;
+    auto reduced = [recip, m](uint64_t z) {
+        return z - static_cast<uint64_t>((static_cast<unsigned __int128>(z) * recip) >> 64) * m;
+    };
+    auto digit = [negative](const numnode* d) {
+        return static_cast<uint64_t>(negative ? -d->value : d->value);
+    };
+    bool pairs = m < (uint32_t{1} << 31);
+    if (pairs && n->size % 2 != 0) {
+        r = reduced(digit(p));
+        p = p->next;
+    }
+    uint64_t square = (uint64_t{1} << (2 * k_digit_bits)) % m;
+    for (; pairs && p != nullptr; p = p->next->next)
+        r = reduced(r * square + (digit(p) << k_digit_bits) + digit(p->next));
+    for (; p != nullptr; p = p->next) r = reduced((r << k_digit_bits) + digit(p));
+    return r;
+}
+
 uint32_t chain_mod_word(const number* n, uint32_t m) {
     CHECK(m >= 1);
     bool negative = n->head->value < 0;
@@ -106,15 +130,7 @@ uint32_t chain_mod_word(const number* n, uint32_t m) {
         int64_t v = chain_small_value(n);
         r = static_cast<uint64_t>(v < 0 ? -v : v) % m;
     } else {
-        // Horner's rule with a 64-bit reciprocal: r < 2 m < 2^33 between digits, reduced at the end.
-        uint64_t recip =
-            m > 1 ? static_cast<uint64_t>((static_cast<unsigned __int128>(1) << 64) / m) : UINT64_MAX;
-        r = 0;
-        for (const numnode* p = n->head; p != nullptr; p = p->next) {
-            uint64_t z = (r << k_digit_bits) + static_cast<uint64_t>(negative ? -p->value : p->value);
-            r = z - static_cast<uint64_t>((static_cast<unsigned __int128>(z) * recip) >> 64) * m;
-        }
-        r %= m;
+        r = chain_horner(n, m) % m;
     }
     return static_cast<uint32_t>(negative && r != 0 ? m - r : r);
 }
