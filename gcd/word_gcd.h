@@ -12,6 +12,7 @@ struct WordGcdEnv {
     poly u, v;
     polypt pt;
     PackMeasure um, vm;
+    bool raw;                    // the caller divides both operands anyway: one division less is made here
     int32_t levels;              // levels that occur in u or v
     int32_t bound[k_levels];     // the gcd without its monomial factor has at most this degree in the level
     uint32_t point[k_levels];    // value of a level that the gcd is free of, 0: the level stays
@@ -56,6 +57,6 @@ bool gcd_over_integers(WordGcdEnv& env, polyptrr g);
 /// Modulo a composite, operands in one variable: Euclid with unit leading numbers. False: other operands, or
 /// a leading number that is no unit.
 bool gcd_by_units(WordGcdEnv& env, polyptrr g);
-/// True if g divides u and v, by dividing.
+/// True if g divides u and v, by dividing. With env.raw the larger operand is left out, and gcd_unproved set.
 bool divides_both(const WordGcdEnv& env, poly g);
 }  // namespace tolvex

@@ -24,6 +24,7 @@ void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt) {
     env.u = u;
     env.v = v;
     env.pt = pt;
+    env.raw = false;
     pack_measure(env.u, &env.um);
     pack_measure(env.v, &env.vm);
     env.levels = maxx(env.um.levels, env.vm.levels);
@@ -115,10 +116,11 @@ static bool gcd_of_level(WordGcdEnv& env, polyptrr g) {
     return univariate_gcd(env, level, g);
 }
 
-bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool) {
+bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool raw) {
     if (is_number(u) || is_number(v) || ring_is_composite() || (lintmode && !modularmode)) return false;
     WordGcdEnv env;
     open_operands(env, u, v, pt);
+    env.raw = raw;
     poly g = nullptr;
     if (env.um.terms == 1 || env.vm.terms == 1)
         g = common_monomial(env);

@@ -10,7 +10,7 @@
 #include "poly/poly.h"
 namespace tolvex {
 /// True: *r is gcd(u, v) in normal form, integer content and common monomial included. Proved, unless raw is
-/// true: then gcd_unproved may be set instead of the last two divisions. False: declined, nothing has
+/// true: then gcd_unproved may be set instead of the last division. False: declined, nothing has
 /// changed.
 bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool raw);
 /// Modulo a composite: as much of the gcd as units allow, in *r; false: a non-unit leading number has stopped
