@@ -28,14 +28,23 @@ inline int32_t a_cntcount = 0, a_cntdepth = 0;  // work of aux_content
 inline int32_t d_cntcount = 0, d_cntdepth = 0;  // work of dual_content
 inline int32_t g_cntcount = 0, g_cutoff = 10;   // budget of the contents in several levels
 inline int32_t gcd_nesting = 0;                 // polygcd frames in force
+inline int32_t gcd_outer =
+    0;  // frames that belong to statements below the command level; the outermost is next
+inline int32_t gcd_attempt = 0;     // how often the gcd under way has proved wrong
+inline int32_t gcd_retry_ring = 0;  // modulus of the ring in which it did
 
-/// What a computation on images must find again afterwards.
+/// What a computation on images, a retry and a pushed command level must find again afterwards.
 struct GcdCounters {
     int32_t alg_c, original, c, c_depth, a, a_depth, d, d_depth, g, g_limit;
+    int32_t nesting, outer, attempt, retry_ring;
     int16_t trip, lookup;
-    boolean unproved;
+    boolean unproved, sure;
 };
 GcdCounters gcd_counters_save();
 void gcd_counters_restore(const GcdCounters& saved);
-void gcd_counters_reset();  ///< after an error, and when a statement begins: the defaults above, nesting 0
+void gcd_counters_reset();  ///< when a statement begins, and after an error: the defaults above
+void gcd_counters_clear();  ///< on the way to the top level: the same, and no frame is in force
+/// A command level has been pushed, maybe in the middle of a gcd: after gcd_counters_save, before its
+/// statements.
+void gcd_counters_push();
 }  // namespace tolvex

@@ -31,4 +31,10 @@ void Lpolygcd(poly u, poly v, polyptrr r, boolean v_odd, polypt pt);
 void Lpolygcd2(poly u, poly v, polyptrr r, polypt pt);
 /// gcd(u, u): u in normal form.
 void Lpolygcd3(poly u, polyptrr r, polypt pt);
+/// A gcd has failed its division (which: 0 that of u, 1 that of v): one of the switches try_rat, rat_yes goes
+/// off, with a warning under verbose. Operands with negative exponents have not gone through their tests.
+void note_wrong_gcd(int which, bool negative_exponents);
+/// The gcd again, after `attempt` failures: without the stash, whose slot is emptied, and from the third
+/// failure on relying on nothing unproved. Raw as Lpolygcd.
+void retry_polygcd(poly u, poly v, polyptrr r, int attempt);
 }  // namespace tolvex

@@ -4,6 +4,7 @@
 #include "numbers/num_divide.h"
 #include "numbers/primes.h"
 #include "poly/div_general.h"
+#include "poly/div_rounds.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/word_field.h"
@@ -105,7 +106,26 @@ boolean trial_poly_divide(poly n, poly m, polyptrr q, polypt pt, boolean shortcu
     return !failed;
 }
 
+// May evaluations that all say yes be taken for the answer? Points of a tiny field prove nothing.
+static bool evaluations_suffice(poly n, poly m) {
+    constexpr int32_t k_small_modulus = 1000;
+    if (!rat_yes || gcd_sure || is_number(n) || is_number(m)) return false;
+    return modularmode ? mod_is_prime && modulus >= k_small_modulus : !lintmode;
+}
+
 boolean trial_poly_divide_noq(poly n, poly m, polypt pt, boolean shortcut, boolean yes_check) {
+    if (shortcut && yes_check && evaluations_suffice(n, m)) {
+        if (!may_divide(n, m, true)) return 0;
+        switch (divides_at_points(n, m, pt)) {
+        case Rounds::no:
+            return 0;
+        case Rounds::yes:
+            gcd_unproved = 1;
+            return 1;
+        case Rounds::undecided:
+            break;
+        }
+    }
     poly q = nullptr;
     boolean divides = trial_poly_divide(n, m, &q, pt, shortcut, yes_check, 0);
     free_poly(&q);

@@ -40,22 +40,22 @@ static constexpr int32_t k_unfinished_builtin = -3;
 
 /// The counters that belong to one statement.
 struct StatementCounters {
-    int32_t c_cnt, a_cnt, d_cnt, g_cnt, g_cutoff, uninit, alg_c, depth;
+    GcdCounters gcd;
+    int32_t uninit;
 };
 
 static StatementCounters save_counters() {
-    return {c_cntcount, a_cntcount, d_cntcount, g_cntcount, g_cutoff, uninit, alg_c_count, original_depth};
+    StatementCounters s = {gcd_counters_save(), uninit};
+    gcd_counters_push();
+    return s;
 }
 
+// The level may have moved the counter of the gcd stash, unless images had set it aside.
 static void restore_counters(const StatementCounters& s) {
-    c_cntcount = s.c_cnt;
-    a_cntcount = s.a_cnt;
-    d_cntcount = s.d_cnt;
-    g_cntcount = s.g_cnt;
-    g_cutoff = s.g_cutoff;
+    int16_t lookup = lookupgcd;
+    gcd_counters_restore(s.gcd);
+    if (s.gcd.lookup >= 0) lookupgcd = lookup;
     uninit = s.uninit;
-    alg_c_count = s.alg_c;
-    original_depth = s.depth;
 }
 
 /// Variables and the form of residues that a display had put in force give way to the user's.
@@ -68,12 +68,9 @@ static void back_to_user_names() {
 }
 
 void clear_statement_counters() {
-    c_cntcount = a_cntcount = d_cntcount = g_cntcount = 0;
-    g_cutoff = 10;
+    gcd_counters_reset();
     uninit = 0;
     output_open = 0;
-    alg_c_count = 0;
-    original_depth = 1;
 }
 
 // ---- lines of interrupted statements ------------------------------------------------------------------
@@ -147,6 +144,7 @@ static void drop_line_rests() {
     close_startup();
     forget_loads();
     forget_image();
+    gcd_counters_clear();
     clear_statement_counters();
     dumpitt_length = dumpitt_level = 0;
     tt_flag = 1;

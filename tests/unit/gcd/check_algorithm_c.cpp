@@ -24,7 +24,7 @@ void run_algorithm_c(poly u, poly v, polyptrr r, int16_t* steps = nullptr) {
     env.v = v;
     env.r = r;
     env.pt = polynames;
-    env.do_fast = env.allcons = env.usave = env.vsave = 1;
+    env.do_fast = env.allcons = env.us.save = env.vs.save = 1;
     PolyGuard u2(copy_of(u)), v2(copy_of(v));
     int32_t levels = number_polys;
     algorithm_c(env);

@@ -1,0 +1,219 @@
+// Steps of polygcd that commit to an engine, and the tests and the stash in front of each.
+#include "gcd/content.h"
+#include "gcd/engines.h"
+#include "gcd/field_hooks.h"
+#include "gcd/gcd_stash.h"
+#include "gcd/num_content.h"
+#include "gcd/polygcd_env.h"
+#include "gcd/word_gcd.h"
+#include "poly/div_field.h"
+#include "poly/div_general.h"
+#include "poly/div_trial.h"
+#include "poly/field_shape.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_monic.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "poly/size_estimates.h"
+#include "storage/failure.h"
+namespace tolvex {
+static bool finish_with_v(polygcd_EnvRec& env) {
+    poly g = nullptr;
+    poly_assign(env.v, &g);
+    return alternate_finish(env, g);
+}
+
+// Does v divide u, by a real division?
+static bool v_divides(polygcd_EnvRec& env) {
+    if (field_depth == 0) return trial_poly_divide_noq(env.u, env.v, env.pt, 0, 0);
+    bool worked;
+    bool divides = mod_trial_poly_divide(env.u, env.v, false, &worked, env.pt);
+    return worked && divides;
+}
+
+// In sure mode what an engine has found must divide both operands.
+static bool accept(polygcd_EnvRec& env, poly g) {
+    return !gcd_sure || is_number(g) || divides_both_exactly(env.u, env.v, g, env.pt);
+}
+
+static bool multi_prime(polygcd_EnvRec& env) {
+    poly g = nullptr;
+    boolean success = 0;
+    basic_mod_method(env.u, env.v, &g, &success, env.pt);
+    if (success && accept(env, g)) return alternate_finish(env, g);
+    free_poly(&g);
+    return false;
+}
+
+/// Over Z with coefficients that are not too long: v as divisor of u.
+bool try_divisor_early(polygcd_EnvRec& env) {
+    constexpr int32_t k_long_coefficient = 35;
+    if (lintmode || (env.v->exp != 1 && env.uvsize <= trial_cutoff)) return false;
+    if (max_digits(env.u) >= k_long_coefficient || !v_divides(env)) return false;
+    return finish_with_v(env);
+}
+
+// ---- the stash -----------------------------------------------------------------------------------------
+
+// Canonical forms, so that associated pairs meet in one slot: positive leading numbers, or monic.
+static void canonical_operand(poly* p, GcdOperand& side) {
+    if (modularmode ? leading_coef(*p)->ncoef->lint == 1 : !neg_leading_term(*p)) return;
+    own_tree(p, side);
+    if (modularmode)
+        monic_poly(p);
+    else
+        poly_inplace(*p);
+}
+
+// True: a stored gcd has been taken. Otherwise there may be an open slot that waits for the result. What is
+// stored may rest on a check that is still due.
+static bool look_up(polygcd_EnvRec& env, int32_t least_degree) {
+    bool failed_before = gcd_attempt > 0 && modulus == gcd_retry_ring && lookupgcd < 0;
+    if (env.store_new_gcd || (lookupgcd <= 0 && !failed_before) || env.uvsize <= gcd_stash_cutoff ||
+        env.v->exp < least_degree)
+        return false;
+    canonical_operand(&env.u, env.us);
+    canonical_operand(&env.v, env.vs);
+    if (lookupgcd <= 0) {
+        gcd_stash_forget(env.u, env.v, env.pt);
+        return false;
+    }
+    if (!gcd_stash_has_room()) return false;
+    gcdhash(env.u, env.v, &env.gcdp, env.pt);
+    if (env.gcdp->next != nullptr) {
+        poly g = nullptr;
+        poly_assign(env.gcdp->next, &g);
+        gcd_unproved = 1;
+        return alternate_finish(env, g);
+    }
+    polygcd_stack_depth++;
+    env.store_new_gcd = 1;
+    return false;
+}
+
+/// Images modulo many primes, where the gcd promises to be small beside v or the coefficients are heavy.
+bool multi_prime_first(polygcd_EnvRec& env) {
+    if (lintmode || env.uvsize <= tripval || !env.balanced) return false;
+    if (!do_mod_method_now(env.u, env.v, env.expo, env.tried_use_modular)) return false;
+    return look_up(env, 3) || multi_prime(env);
+}
+
+bool stash_lookup(polygcd_EnvRec& env) { return look_up(env, 2); }
+
+// ---- evaluation tests ----------------------------------------------------------------------------------
+
+bool second_evaluation_tests(polygcd_EnvRec& env) {
+    if (!env.do_fast || !modularmode || env.found_something || env.level < 2)
+        env.delta = 1;
+    else
+        env.height = 0;  // tested before
+    if (!env.do_fast || (lintmode && !env.found_something) || env.level <= 1 || !env.balanced) return false;
+    for (int16_t i = 1; i <= env.height; i++) {
+        int32_t expo;
+        bool valid;
+        if (fast_test_2(i, &expo, &valid, env)) return finish_power(env, 0);
+        env.delta = maxx(env.delta, expo);
+        if (valid) env.expo = minn(env.expo, expo);
+    }
+    return false;
+}
+
+bool early_degree(polygcd_EnvRec& env) {
+    return env.leave_early && modularmode && finish_power(env, env.delta);
+}
+
+// ---- the engines ---------------------------------------------------------------------------------------
+
+// Remainders over the field of the coefficients. The gcd up to units; remainders free of the main variable
+// mean 1.
+void field_coef_gcd(poly n, poly m, polyptrr p, polypt pt) {
+    poly a = nullptr, b = nullptr;
+    poly_assign(n, &a);
+    poly_assign(m, &b);
+    while (!is_number(b) && b->exp > 0) {
+        if (b->next == nullptr) {
+            poly g = nullptr;
+            monomial2(b, a, &g);
+            free_poly(&a);
+            a = g;
+            poly_set(0, &b);
+            break;
+        }
+        poly rest = nullptr;
+        field_coef_remainder(a, b, &rest, pt);
+        free_poly(&a);
+        a = b;
+        b = rest;
+    }
+    if (!poly_iszero(b)) poly_set(1, &a);
+    free_poly(&b);
+    free_poly(p);
+    *p = a;
+}
+
+/// A field whose elements are all the coefficients there are: Euclid.
+bool field_with_inverses(polygcd_EnvRec& env) {
+    if (field_depth == 0 || (!lintmode && !no_aux_primes2) ||
+        !all_coefs_invrtble_both(env.u, env.v, env.pt->depth))
+        return false;
+    poly s = nullptr;
+    field_coef_gcd(env.u, env.v, &s, env.pt);
+    poly_set(1, &env.d);
+    common_content(env.u, env.v, env.d->ncoef);
+    if (!lintmode) {
+        poly primitive = primitive_copy(s);
+        free_poly(&s);
+        s = primitive;
+    }
+    env.comm += monomial_factor(env);
+    return alternate_finish(env, s);
+}
+
+bool try_over_integers(polygcd_EnvRec& env) {
+    if (lintmode) return false;
+    if ((env.v->exp == 1 || env.uvsize > trial_cutoff) && v_divides(env)) return finish_with_v(env);
+    if (env.uvsize > trial_cutoff && do_mod_method_now(env.u, env.v, env.expo, true) && multi_prime(env))
+        return true;
+    if (!all_coefs_invrtble_both(env.u, env.v, env.pt->depth)) return false;
+    poly s = nullptr;
+    field_coef_gcd(env.u, env.v, &s, env.pt);
+    poly g = primitive_copy(s);
+    free_poly(&s);
+    return alternate_finish(env, g);
+}
+
+bool try_modular(polygcd_EnvRec& env) {
+    if (!modularmode) return false;
+    bool trial =
+        env.v->exp == 1 || (env.uvsize > trial_cutoff && (!is_number(env.v->pcoef) || env.level > 2));
+    if (trial && trial_poly_divide_noq(env.u, env.v, env.pt, 1, 0)) return finish_with_v(env);
+    if (env.level <= 1 || !chinhensel || env.usparse || !mod_do_Chinese(env.u, env.v, env.delta))
+        return false;
+    poly g = nullptr;
+    if (mod_multivar_Chinese(env.u, env.v, &g, env.delta, env.pt) && accept(env, g))
+        return alternate_finish(env, g);
+    free_poly(&g);
+    return false;
+}
+
+/// Algorithm C: right everywhere, and what remains.
+bool remainder_sequence(polygcd_EnvRec& env) {
+    algorithm_c(env);
+    if (is_number(*env.r) || (*env.r)->exp == 0) {
+        poly_set(1, env.r);
+    } else if (!env.leave_early) {
+        poly c = nullptr, q = nullptr;
+        content(*env.r, &c, env.pt, 0, 0, 1);
+        if (!poly_eq_1(c)) {
+            boolean failed = 0;
+            add_pad(&c, 1);
+            gen_poly_divide(*env.r, c, &q, env.pt, &failed);
+            if (failed) tolvex_error("content does not divide in polygcd.");
+            free_poly(env.r);
+            *env.r = q;
+        }
+        free_poly(&c);
+    }
+    return finish_4(env);
+}
+}  // namespace tolvex
