@@ -55,6 +55,7 @@ void expect_planted(Rng& rng, int32_t levels, Coefs coefs, int32_t max_exp, Tall
             EXPECT_TRUE(poly_check(g, levels));
             PolyGuard w(gcd_by_remainders(u, v, polynames)), h(copy_of(g)), k;
             if (!modularmode) {
+                free_poly(&h);
                 h.p = primitive_copy(g);
                 k.p = primitive_copy(w);
                 gcd_normal_form(&k.p);
