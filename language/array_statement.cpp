@@ -168,6 +168,7 @@ static bool assign_diagonal(tokentipe& name, arrptr named, ArrOperand& v) {
     arrptr a = named == nullptr ? nullptr : array_itself(named);
     if (is_sparse(v) || (a != nullptr && a->spar != nullptr))
         return statement_error(Err::sparse_not_allowed, tok_text(name));
+    if (a != nullptr && refuse_array_of_other_ring(a, name)) return false;
     int64_t n = a == nullptr ? (is_scalar(v) ? 1 : v.facts.arrsize)
                              : (columns_of(a) < a->rows ? columns_of(a) : a->rows);
     if (!is_scalar(v) && (!is_vector(v.facts) || v.facts.arrsize != n))
