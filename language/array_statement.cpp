@@ -117,7 +117,7 @@ bool assign_whole(tokentipe& name, arrptr named, ArrOperand& v) {
     if (named == nullptr) return make_array(name, v);
     arrptr a = array_itself(named);
     if (is_scalar(v)) {
-        if (refuse_array_of_other_ring(a, name)) return false;
+        if (a->ring != modulus) enter_ring(a);
         if (a->spar != nullptr) return sparse_set_scalar(a, v.n);
         fill_dense(a, v);
         return true;

@@ -155,7 +155,8 @@ arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner) {
 
 /// True if the row tables of a sparse array fit the memory budget.
 static bool room_for_rows(int64_t r) {
-    if (static_cast<uint64_t>(r / k_rows_a_block) * sizeof(rowarray) <= find_total_available_memory()) return true;
+    if (static_cast<uint64_t>(r / k_rows_a_block) * sizeof(rowarray) <= find_total_available_memory())
+        return true;
     error(Err::array_store_full);
     return false;
 }
@@ -217,6 +218,13 @@ void free_elements(arrptr a) {
     else
         for (int32_t k = 0; k < a->sizearr; k++) free_quoly(dense_slot(a, k));
     lintmode = shape;
+}
+
+void enter_ring(arrptr a) {
+    bool sparse = a->spar != nullptr;
+    free_elements(a);
+    if (sparse) sparse_init(&a->spar, a->rows);
+    a->ring = modulus;
 }
 
 static void empty_places(arrptr a) {

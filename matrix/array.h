@@ -97,8 +97,8 @@ void for_each_element(arrptr a, void (*f)(quolyptr value, void* context), void* 
 
 /// A dense array of r rows and c columns, its elements nil. Nil after error 26, 27 or 43.
 arrptr insertarr(const tokentipe& let, int64_t r, int64_t c, bool liner);
-/// A sparse array; `chain`: its entries, used up; nil: none. Nil after error 27, and 26 if its row tables exceed the
-/// memory budget.
+/// A sparse array; `chain`: its entries, used up; nil: none. Nil after error 27, and 26 if its row tables
+/// exceed the memory budget.
 arrptr sparse_create(const tokentipe& let, int64_t r, int64_t c, bool liner, sparseptr chain);
 /// An alias of the array, not in the table yet.
 arrptr new_alias(const tokentipe& let, arrptr of);
@@ -110,6 +110,8 @@ void free_alias(arrptr a);
 /// Frees the elements, in the shape that numbers have in their ring; dense slots are nil afterwards, a sparse
 /// array is without a chain.
 void free_elements(arrptr a);
+/// The array gives up its values, which are those of another ring, and belongs to the one in force.
+void enter_ring(arrptr a);
 /// Cancels the array itself: unlinks it, frees what it owns, closes the hole that it leaves in the store. Its
 /// places in the array of arrays become empty. It has no alias and lends nothing.
 void free_array(arrptr a);
