@@ -226,14 +226,14 @@ void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* want
     give(r, s);
 }
 
-poly content_2(poly x, polypt pt) {
+poly content_in_level(poly p, int32_t lev, polypt pt) {
     poly s = nullptr;
-    if (is_number(x)) {
-        gcd_coefs(x, &s);
+    if (is_number(p)) {
+        gcd_coefs(p, &s);
         return s;
     }
-    // the variable of level 2 in a level above all others; its coefficients have the shape that is wanted
-    poly split = split_by_level(x, 2);
+    // the variable of that level above all others: its coefficients have the shape that is wanted
+    poly split = split_by_level(p, lev);
     polydata above = {};
     above.next = pt;
     above.depth = static_cast<int16_t>(pt->depth - 1);

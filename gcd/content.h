@@ -25,6 +25,9 @@ void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean
 /// shape of p. When *wantr is false on entry and there is a single coefficient: *r := 1 and *wantr := true, p
 /// is its own content up to a monomial.
 void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* wantr, boolean wantcons);
-/// Content in the level-2 variable: lives in levels 1, 3, 4, ..., with a dummy for level 2.
-poly content_2(poly x, polypt pt);
+/// Content in the variable of relative level lev (1: that of pt): a fresh polynomial at the level of p, in
+/// the other variables, with a dummy for lev.
+poly content_in_level(poly p, int32_t lev, polypt pt);
+/// The same in the level-2 variable.
+inline poly content_2(poly x, polypt pt) { return content_in_level(x, 2, pt); }
 }  // namespace tolvex

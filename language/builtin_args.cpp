@@ -74,7 +74,8 @@ void read_result_place(BuiltinCall& call, ResultPlace* place) {
     next_token(call.inf, call.flag);
     arrptr a = nullptr;
     if (at_char('[')) {
-        place->is_element = array_seek(name, &a) && read_target(call.inf, call.flag, a, name, &place->element);
+        place->is_element =
+            array_seek(name, &a) && read_target(call.inf, call.flag, a, name, &place->element);
         if (place->is_element) place->name = name;
     } else if (find_var(name) == nullptr) {
         error(Err::undefined_variable, tok_text(name));
@@ -129,6 +130,16 @@ void return_word(BuiltinCall& call, int64_t value) {
 void return_poly(BuiltinCall& call, polyptrr p) {
     free_quoly(call.n);
     poly_to_quoly(p, call.n);
+}
+
+bool read_array_name(BuiltinCall& call, tokentipe* name) {
+    if (!expect(call.inf, call.flag, '[', Err::builtin_open_bracket)) return false;
+    *name = token;
+    name->address = hash(name->name, k_variable_buckets);
+    bool good = is_lower(tok_char(*name));
+    if (!good) error(Err::array_expected);
+    next_token(call.inf, call.flag);
+    return good && expect(call.inf, call.flag, ']', Err::close_bracket_expected);
 }
 
 poly polynomial_of(const quolynode* q, polynode* leaf, Err fraction) {

@@ -53,6 +53,9 @@ void close_place(const ResultPlace& place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);
 
+/// "[a]": the name of an array that will be made. False after error 178, 40, 24.
+bool read_array_name(BuiltinCall& call, tokentipe* name);
+
 /// Deg[a], from the "[": the number of elements.
 void degree_of_array(BuiltinCall& call);
 /// *n := a random value as Rand and (clocked) Randint give it.

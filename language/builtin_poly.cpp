@@ -1,13 +1,10 @@
-// Built-in functions of polynomials and rational functions: shape, parts, gcd, divisibility, derivatives.
-#include "gcd/polygcd.h"
-#include "gcd/num_content.h"
+// Built-in functions of polynomials and rational functions: shape, parts, divisibility, derivatives.
 #include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"
 #include "language/symbols.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
-#include "numbers/num_gcd.h"
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
 #include "poly/div_trial.h"
@@ -18,12 +15,12 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
+#include "poly/size_estimates.h"
 #include "quoly/canonical.h"
 #include "quoly/quoly_deriv.h"
+#include "quoly/quoly_mass.h"
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
-#include "quoly/quoly_scalar.h"
-#include "storage/progress.h"
 namespace tolvex {
 // ---- numerator and denominator -------------------------------------------------------------------------
 
@@ -124,19 +121,9 @@ static void measure(BuiltinCall& call, int64_t (*of_poly)(const polynode*), int6
     return_word(call, m);
 }
 
-/// Levels that really occur on the deepest path.
-static int32_t levels_used(const polynode* p) {
-    bool pad = p->exp == 0 && !p->numb && p->next == nullptr;
-    int32_t deepest = 0;
-    if (is_number(p)) return 0;
-    for (; p != nullptr; p = p->next)
-        if (!p->numb) deepest = maxx(deepest, levels_used(p->pcoef));
-    return deepest + (pad ? 0 : 1);
-}
-
 void builtin_Height(BuiltinCall& call) {
     measure(
-        call, [](const polynode* p) -> int64_t { return levels_used(p) - 1; }, 0);
+        call, [](const polynode* p) -> int64_t { return poly_height(p); }, 0);
 }
 
 void builtin_Level(BuiltinCall& call) {
@@ -153,14 +140,19 @@ void builtin_Vars(BuiltinCall& call) {
 void builtin_Terms(BuiltinCall& call) {
     Value v;
     standard_read(call, &v);
-    const quolynode* q = value_of(&v);
-    int64_t terms = q->numb ? 1 : poly_terms(q->numer) + (q->denom == nullptr ? 0 : poly_terms(q->denom));
+    int64_t terms = numterms(value_of(&v));
     drop_data(&v);
     return_word(call, terms);
 }
 
-/// Terms over the coefficient field, which is the ground ring here.
-void builtin_Fterms(BuiltinCall& call) { builtin_Terms(call); }
+/// Terms over the coefficient field.
+void builtin_Fterms(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    int64_t terms = f_numterms(value_of(&v));
+    drop_data(&v);
+    return_word(call, terms);
+}
 
 // ---- degrees -------------------------------------------------------------------------------------------
 
@@ -387,96 +379,6 @@ void builtin_Remquot(BuiltinCall& call) {
     drop_data(&b);
     drop_data(&a);
     set_quotient(&place, &quotient);
-}
-
-// ---- greatest common divisor ---------------------------------------------------------------------------
-
-/// The gcd of all numbers in p and g, in words.
-static int32_t gcd_of_words(const polynode* p, int32_t g) {
-    for (; p != nullptr && g != 1; p = p->next)
-        g = p->numb ? smallgcd(g, p->ncoef->lint) : gcd_of_words(p->pcoef, g);
-    return g;
-}
-
-/// *n := the gcd of the number x and the polynomial p. gcd(0, p) is p in normal form.
-static void gcd_number_poly(const number* x, poly p, quolyptr n) {
-    if (iszero(x)) {
-        poly normal = nullptr;
-        Lpolygcd2(p, p, &normal, polynames);
-        poly_to_quoly(&normal, n);
-        return;
-    }
-    quoly content = nullptr;
-    if (modularmode) {
-        quoly_set(finf ? 1 : smallgcd(gcd_of_words(p, x->lint), modulus), n);
-        return;
-    }
-    poly numbers = nullptr;
-    gcd_coefs(p, &numbers);
-    poly_to_quoly(&numbers, &content);
-    scalar_to_quoly(x, n);
-    gcdnum(n, &content);
-}
-
-/// Denominators play no part.
-static const number* number_in(const quolynode* q) {
-    if (q->numb) return q->ncoef;
-    return is_number(q->numer) ? q->numer->ncoef : nullptr;
-}
-
-void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
-    const number *x = number_in(a), *y = number_in(b);
-    if (x != nullptr && y != nullptr) {
-        quoly second = nullptr;
-        scalar_to_quoly(x, n);
-        scalar_to_quoly(y, &second);
-        gcdnum(n, &second);
-    } else if (x != nullptr) {
-        gcd_number_poly(x, b->numer, n);
-    } else if (y != nullptr) {
-        gcd_number_poly(y, a->numer, n);
-    } else {
-        poly r = nullptr;
-        Lpolygcd2(a->numer, b->numer, &r, polynames);
-        poly_to_quoly(&r, n);
-    }
-}
-
-void builtin_GCD(BuiltinCall& call) {
-    open_call(call);
-    Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
-    close_call(call);
-    const quolynode *x = value_of(&a), *y = value_of(&b);
-    if (verbose && ((!x->numb && x->denom != nullptr) || (!y->numb && y->denom != nullptr)))
-        printf("Warning. An argument to GCD is a rational function. Denominators ignored. \n");
-    gcd_of_values(x, y, call.n);
-    drop_data(&b);
-    drop_data(&a);
-}
-
-/// Numcon: the numeric content.
-void builtin_Numcon(BuiltinCall& call) {
-    Value v;
-    standard_read(call, &v);
-    take_argument(call, &v);
-    quoly q = *call.n;
-    if (q->numb && (iszero(q->ncoef) || !lintmode)) {
-        quoly_abs(q);
-    } else if (q->numb) {
-        quoly_set(1, call.n);
-    } else if (q->rat) {
-        quoly_abs(q);
-    } else if (q->denom != nullptr) {
-        error(Err::rational_not_allowed);
-        set_zero(call.n);
-    } else {
-        poly content = nullptr;
-        gcd_coefs(q->numer, &content);
-        return_poly(call, &content);
-    }
 }
 
 // ---- cutting and joining -------------------------------------------------------------------------------

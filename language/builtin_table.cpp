@@ -46,6 +46,7 @@ struct BuiltinRoutines {
         of[2] = of[62] = builtin_Char;
         of[4] = of[9] = builtin_Deg;
         of[5] = builtin_Coef;
+        of[8] = builtin_Content;
         of[10] = builtin_Denom;
         of[11] = builtin_Deriv;
         of[15] = of[60] = of[80] = builtin_Divides;
@@ -93,6 +94,7 @@ struct BuiltinRoutines {
         of[84] = builtin_Sort;
         of[86] = builtin_Splice;
         of[87] = builtin_Split;
+        of[88] = builtin_Sqfree;
         of[89] = builtin_Sqrt;
         of[91] = builtin_Swap;
         of[92] = of[93] = builtin_Switch;

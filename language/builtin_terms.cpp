@@ -68,18 +68,10 @@ void builtin_Mons(BuiltinCall& call) {
     need_comma(call);
     tokentipe name = {};
     int64_t bare = 0;
-    bool good = expect(call.inf, call.flag, '[', Err::builtin_open_bracket);
-    if (good) {
-        name = token;
-        name.address = hash(name.name, k_variable_buckets);
-        good = is_lower(tok_char(name));
-        if (!good) error(Err::array_expected);
-        next_token(call.inf, call.flag);
-        good = good && expect(call.inf, call.flag, ']', Err::close_bracket_expected);
-        if (good && next_argument(call))
-            good = read_plain_integer(call.inf, call.flag, Err::number_expected, &bare);
-        close_call(call);
-    }
+    bool good = read_array_name(call, &name);
+    if (good && next_argument(call))
+        good = read_plain_integer(call.inf, call.flag, Err::number_expected, &bare);
+    if (good) close_call(call);
     polynode leaf;
     const polynode* p = good ? polynomial_of(value_of(&v), &leaf, Err::rational_not_allowed) : nullptr;
     ArrOperand column;

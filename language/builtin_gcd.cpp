@@ -1,0 +1,291 @@
+// Built-in functions of common divisors, contents and square-free factors.
+#include "gcd/content.h"
+#include "gcd/gcd_modes.h"
+#include "gcd/num_content.h"
+#include "gcd/polygcd.h"
+#include "gcd/square_free.h"
+#include "gcd/word_gcd.h"
+#include "gcd/word_lane.h"
+#include "language/array_operand.h"
+#include "language/array_statement.h"
+#include "language/builtin_parts.h"
+#include "language/builtin_table.h"
+#include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
+#include "numbers/num_gcd.h"
+#include "numbers/num_mult.h"
+#include "poly/div_general.h"
+#include "poly/leaf_number.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_laurent.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
+#include "poly/poly_vars.h"
+#include "quoly/quoly_basic.h"
+#include "quoly/quoly_convert.h"
+#include "quoly/quoly_scalar.h"
+#include "storage/progress.h"
+namespace tolvex {
+/// The argument as a polynomial without negative exponents, nil after error 186 or 198.
+static poly plain_polynomial(const quolynode* q, polynode* leaf) {
+    poly p = polynomial_of(q, leaf, Err::rational_function_argument);
+    if (p == nullptr || !has_negative_exponent(p)) return p;
+    error(Err::negative_powers);
+    return nullptr;
+}
+
+// ---- greatest common divisor ---------------------------------------------------------------------------
+
+/// The gcd of all numbers in p and g, in words.
+static int32_t gcd_of_words(const polynode* p, int32_t g) {
+    for (; p != nullptr && g != 1; p = p->next)
+        g = p->numb ? smallgcd(g, p->ncoef->lint) : gcd_of_words(p->pcoef, g);
+    return g;
+}
+
+/// *n := the gcd of the number x and the polynomial p. gcd(0, p) is p in normal form.
+static void gcd_number_poly(const number* x, poly p, quolyptr n) {
+    if (iszero(x)) {
+        poly normal = nullptr;
+        Lpolygcd2(p, p, &normal, polynames);
+        poly_to_quoly(&normal, n);
+        return;
+    }
+    quoly content = nullptr;
+    if (modularmode) {
+        quoly_set(finf ? 1 : smallgcd(gcd_of_words(p, x->lint), modulus), n);
+        return;
+    }
+    poly numbers = nullptr;
+    gcd_coefs(p, &numbers);
+    poly_to_quoly(&numbers, &content);
+    scalar_to_quoly(x, n);
+    gcdnum(n, &content);
+}
+
+/// Denominators play no part.
+static const number* number_in(const quolynode* q) {
+    if (q->numb) return q->ncoef;
+    return is_number(q->numer) ? q->numer->ncoef : nullptr;
+}
+
+/// Modulo a composite a leading number that is no unit may stop Euclid's algorithm. False: *r is no more than
+/// what is common for certain.
+static bool gcd_modulo_composite(poly a, poly b, polyptrr r) {
+    poly u = nullptr, v = nullptr;
+    poly_assign(a, &u);
+    poly_assign(b, &v);
+    const polyptrr both[] = {&u, &v};
+    for (polyptrr p : both) {  // monomials are units under laurent
+        if (!has_negative_exponent(*p)) continue;
+        poly shift = clear_bads(p, INT32_MAX, k_leaf_depth);
+        free_exponent_list(&shift);
+    }
+    bool whole = true;
+    if (is_number(u) || is_number(v))
+        Lpolygcd2(u, v, r, polynames);
+    else
+        whole = composite_gcd(u, v, r, polynames);
+    free_poly(&u);
+    free_poly(&v);
+    return whole;
+}
+
+void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
+    const number *x = number_in(a), *y = number_in(b);
+    if (x != nullptr && y != nullptr) {
+        quoly second = nullptr;
+        scalar_to_quoly(x, n);
+        scalar_to_quoly(y, &second);
+        gcdnum(n, &second);
+    } else if (x != nullptr) {
+        gcd_number_poly(x, b->numer, n);
+    } else if (y != nullptr) {
+        gcd_number_poly(y, a->numer, n);
+    } else {
+        poly r = nullptr;
+        if (!ring_is_composite())
+            Lpolygcd2(a->numer, b->numer, &r, polynames);
+        else if (!gcd_modulo_composite(a->numer, b->numer, &r))
+            error(Err::not_invertible);
+        poly_to_quoly(&r, n);
+    }
+}
+
+void builtin_GCD(BuiltinCall& call) {
+    open_call(call);
+    Value a, b;
+    get_the_data(call, &a);
+    need_comma(call);
+    get_the_data(call, &b);
+    close_call(call);
+    const quolynode *x = value_of(&a), *y = value_of(&b);
+    if (verbose && ((!x->numb && x->denom != nullptr) || (!y->numb && y->denom != nullptr)))
+        printf("Warning. An argument to GCD is a rational function. Denominators ignored. \n");
+    gcd_of_values(x, y, call.n);
+    drop_data(&b);
+    drop_data(&a);
+}
+
+/// Numcon: the numeric content.
+void builtin_Numcon(BuiltinCall& call) {
+    Value v;
+    standard_read(call, &v);
+    take_argument(call, &v);
+    quoly q = *call.n;
+    if (q->numb && (iszero(q->ncoef) || !lintmode)) {
+        quoly_abs(q);
+    } else if (q->numb) {
+        quoly_set(1, call.n);
+    } else if (q->rat) {
+        quoly_abs(q);
+    } else if (q->denom != nullptr) {
+        error(Err::rational_not_allowed);
+        set_zero(call.n);
+    } else {
+        poly content = nullptr;
+        gcd_coefs(q->numer, &content);
+        return_poly(call, &content);
+    }
+}
+
+// ---- contents
+// ----------------------------------------------------------------------------------------------
+
+/// The name of a polynomial variable, read over; 0 after error 282.
+static int32_t read_variable_name(BuiltinCall& call) {
+    int32_t level = is_lower(tok_char(token)) ? its_a_polyname(token) : 0;
+    if (level == 0) error(Err::variable_not_declared);
+    next_token(call.inf, call.flag);
+    return level;
+}
+
+/// *r := the gcd of the coefficients of p in the variable of `level`; a number is its own, without sign.
+static void call_content(poly p, int32_t level, polyptrr r) {
+    if (is_number(p)) {
+        if (modularmode)
+            poly_set(iszero(p->ncoef) ? 0 : 1, r);
+        else
+            gcd_coefs(p, r);
+        return;
+    }
+    alg_c_count = 0;
+    original_depth = 1;
+    *r = content_in_level(p, level, polynames);
+}
+
+/// Content(p), Content(p, x): the gcd of the coefficients in the main variable, or in x.
+void builtin_Content(BuiltinCall& call) {
+    open_call(call);
+    Value v;
+    get_the_data(call, &v);
+    bool named = next_argument(call);
+    int32_t level = named ? read_variable_name(call) : 0;
+    close_call(call);
+    polynode leaf;
+    poly r = nullptr;
+    poly p = named && level == 0 ? nullptr : plain_polynomial(value_of(&v), &leaf);
+    if (p == nullptr)
+        poly_set(0, &r);
+    else
+        call_content(p, named ? level : main_level(p), &r);
+    drop_data(&v);
+    return_poly(call, &r);
+}
+
+// ---- square-free factors
+// -----------------------------------------------------------------------------------
+
+/// The rows by rising multiplicity, those of one multiplicity as they came.
+static void sort_by_multiplicity(polyptrr list) {
+    poly sorted = nullptr;
+    while (*list != nullptr) {
+        poly f = *list;
+        *list = f->next;
+        polyptrr at = &sorted;
+        while (*at != nullptr && (*at)->exp <= f->exp) at = &(*at)->next;
+        f->next = *at;
+        *at = f;
+    }
+    *list = sorted;
+}
+
+/// c := the number by which p differs from the product of the powers: that of the leading numbers.
+static void constant_factor(poly p, const polynode* list, imptr c) {
+    number product = {}, power = {};
+    setvalue(1, &product);
+    for (; list != nullptr; list = list->next) {
+        num_assign(leading_coef(list->pcoef)->ncoef, &power);
+        number_power(&power, list->exp);
+        int_mult(&product, &power, &product);
+    }
+    quot(leading_coef(p)->ncoef, &product, c);
+    free_num(&product);
+    free_num(&power);
+}
+
+/// The square-free factors of p with their multiplicities, their product being p.
+static void square_free_rows(poly p, polyptrr list) {
+    poly x = nullptr, c = nullptr;
+    int32_t count = 0;
+    poly_assign(p, &x);
+    alg_c_count = 0;
+    original_depth = 1;
+    total_sq_free(&x, list, &count, 1, polynames);
+    free_poly(&x);
+    sort_by_multiplicity(list);
+    poly_set(1, &c);
+    constant_factor(p, *list, c->ncoef);
+    if (*list != nullptr && poly_eq_1(c)) {
+        free_poly(&c);
+        return;
+    }
+    poly rest = *list;
+    new_term(list, 1, c);
+    (*list)->next = rest;
+}
+
+/// The array `name` becomes the matrix of the rows factor, multiplicity; the list is used up.
+static void store_rows(tokentipe& name, polyptrr list, int32_t rows) {
+    ArrOperand matrix;
+    if (!begin_operand(matrix)) return;
+    if (make_dense(matrix, rows, 2)) {
+        for (int32_t row = 0; row < rows; row++) {
+            poly f = *list;
+            *list = f->next;
+            poly_to_quoly(&f->pcoef, &elements_of(matrix)[row]);
+            quoly_set(modularmode ? residue_of_int(f->exp) : f->exp, &elements_of(matrix)[row + rows]);
+            free_node(f);
+        }
+        arrptr a = nullptr;
+        fastestlookup(name, &a);
+        assign_whole(name, a, matrix);
+    }
+    end_operand(matrix);
+}
+
+/// Sqfree(p, [a]): [a] becomes the square-free factors of p with their multiplicities; the value is their
+/// number.
+void builtin_Sqfree(BuiltinCall& call) {
+    open_call(call);
+    Value v;
+    get_the_data(call, &v);
+    need_comma(call);
+    tokentipe name = {};
+    bool good = read_array_name(call, &name);
+    if (good) close_call(call);
+    if (good && ring_is_composite()) {
+        error(Err::prime_modulus_needed);
+        good = false;
+    }
+    polynode leaf;
+    poly list = nullptr;
+    poly p = good ? plain_polynomial(value_of(&v), &leaf) : nullptr;
+    if (p != nullptr) square_free_rows(p, &list);
+    int32_t rows = list == nullptr ? 0 : poly_length(list);
+    if (rows > 0) store_rows(name, &list, rows);
+    free_factor_list(&list);
+    drop_data(&v);
+    return_word(call, rows);
+}
+}  // namespace tolvex
