@@ -136,6 +136,25 @@ class Places:
                 raise Broken(f"{statement}: {bytes(session.out[start:])!r} instead of {expected!r}")
         self.end(session)
 
+    def worked_example(self):
+        """The sum of the manual: looked at, changed, resumed ("Interrupt, look, change, go on")."""
+        session = self.start(True, ["Func S(n) = t := 0; for i = 1 to n do t := t + c*i^2 od; t."])
+        session.say("c := 1")
+        session.send("S(1000000)")
+        time.sleep(0.05)
+        session.interrupt()
+        i, t = (int(re.search(rb"\n (\d+)\n", session.say(name)).group(1)) for name in "it")
+        if t not in (i * (i + 1) * (2 * i + 1) // 6, (i - 1) * i * (2 * i - 1) // 6):
+            raise Broken(f"an interrupted sum: i is {i}, t is {t}")
+        session.say("c := 0")
+        start = len(session.out)
+        session.resume()
+        session.wait(lambda: re.search(rb"level\n\n \d+\n\n>$", bytes(session.out[start:])))
+        result = int(re.search(rb"\n (\d+)\n", bytes(session.out[start:])).group(1))
+        if result not in (t, t + i * i):
+            raise Broken(f"the sum after a change: {result}, i was {i}, t was {t}")
+        self.end(session)
+
     def given_up_field(self):
         """An output into a field is given up in the middle; the next ones are right."""
         session = self.start(False, ["a := 3^3000000:", "b := 3^100:"])
@@ -184,7 +203,7 @@ def main():
     args.tolvex = os.path.abspath(args.tolvex)
     places = Places(args)
     try:
-        for step in (places.lines, places.time_line, places.suspended, places.given_up_field, places.other_ring):
+        for step in (places.lines, places.time_line, places.suspended, places.worked_example, places.given_up_field, places.other_ring):
             if not re.search(args.only, step.__name__):
                 continue
             step()
