@@ -4,6 +4,7 @@
 #include "language/builtin_args.h"
 #include "language/copy_tokens.h"
 #include "language/statements.h"
+#include "language/symbols.h"
 #include "language/tokens/look_ahead.h"
 #include "language/tokens/token_list.h"
 #include "matrix/matrix_modes.h"
@@ -282,8 +283,20 @@ static void body_value(const ComputedMatrix& m, quolyptr value) {
     if (!tok_is(token, k_end_token)) error(Err::close_bracket_expected);
 }
 
-/// One row of the matrix, number i.
-static void compute_row(ComputedMatrix& m, ArrOperand& v, int64_t i) {
+/// Goes on to the next value of a loop; false if the body has put something else into the variable than a
+/// number.
+static bool next_value(LoopTurns& t, LoopName& name) {
+    varptr p = find_var(name.let);
+    if (p != nullptr && p->val != nullptr && !p->val->numb) {
+        error(Err::index_not_integer, tok_text(name.let));
+        return false;
+    }
+    next_turn(t, name);
+    return true;
+}
+
+/// One row of the matrix, number i. False after error 336.
+static bool compute_row(ComputedMatrix& m, ArrOperand& v, int64_t i) {
     LoopTurns t = m.loops == 2 ? turns_of(m.loop[1].header) : LoopTurns{0, 0, 1, 1, nullptr};
     if (m.loops == 2) {
         t.index -= t.step;
@@ -302,18 +315,17 @@ static void compute_row(ComputedMatrix& m, ArrOperand& v, int64_t i) {
             *tail = newcolm(static_cast<int32_t>(j) + 1, value, nullptr);
             tail = &(*tail)->next;
         }
-        if (t.index + t.step > t.last) return;
-        next_turn(t, m.loop[1].header.name);
+        if (t.index + t.step > t.last) return true;
+        if (!next_value(t, m.loop[1].header.name)) return false;
     }
 }
 
-static void compute_all(ComputedMatrix& m, ArrOperand& v) {
+static bool compute_all(ComputedMatrix& m, ArrOperand& v) {
     LoopTurns t = turns_of(m.loop[0].header);
     t.index -= t.step;
-    for (int64_t i = 0; i < m.loop[0].count; i++) {
-        next_turn(t, m.loop[0].header.name);
-        compute_row(m, v, i);
-    }
+    for (int64_t i = 0; i < m.loop[0].count; i++)
+        if (!next_value(t, m.loop[0].header.name) || !compute_row(m, v, i)) return false;
+    return true;
 }
 
 /// Headers and body from the list.
@@ -331,7 +343,7 @@ static void run_computed(ArrReader& r, ArrOperand& v, nameptr list) {
     m.body = cursor;
     int64_t cols = m.loops == 2 ? m.loop[1].count : 1;
     if (r.want_sparse) make_sparse_operand(v, m.loop[0].count, cols, nullptr);
-    if (r.want_sparse || make_dense(v, m.loop[0].count, cols)) compute_all(m, v);
+    if ((r.want_sparse || make_dense(v, m.loop[0].count, cols)) && !compute_all(m, v)) scalar_zero(v);
     scratch_release(mark);
 }
 

@@ -17,7 +17,8 @@ bool begins_array_statement();
 void arr_arr_state(FILE* inf, quolyptr n, nameptr* flag);
 /// The system array takes the matrix; a scalar becomes *n.
 void fill_syst_array(const nameptr* flag, ArrOperand& v, quolyptr n);
-/// "#" in front of a matrix, in a scalar expression: the system array := the polynomial *n at that matrix; *n := 0.
+/// "#" in front of a matrix, in a scalar expression: the system array := the polynomial *n at that matrix; *n
+/// := 0.
 void value_at_matrix(FILE* inf, quolyptr n, nameptr* flag);
 /// The array of that name, which may be new, takes a matrix as `[x] := ...` does. False after an error.
 bool assign_whole(tokentipe& name, arrptr a, ArrOperand& v);

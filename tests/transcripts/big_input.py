@@ -46,6 +46,13 @@ CASES = [
     ("a text of ten million characters", b"!('" + b"q" * 10 * MILLION + b"')", b"q" * 255 + b"\n"),
     ("a number of two million digits", b"(" + b"9" * (2 * MILLION) + b"+1)|1000003", b"\n %d\n" % (
         pow(10, 2 * MILLION, 1000003))),
+    # arrays
+    ("a list of a million and one values", b"[v] := [(" + b"1," * MILLION + b"1)]", b"at most 1000000 values"),
+    ("a string of a million and one characters", b"[v] := '" + b"a" * (MILLION + 1) + b"'", b"at most 1000000 values"),
+    ("nested subscripts", b"z[" * MILLION, TOO_DEEP),
+    ("nested parentheses of matrices", b"[v] := " + b"(" * MILLION, TOO_DEEP),
+    ("a million transposes", b"[v] := " + b'"' * MILLION + b"[(1,2)]", TOO_DEEP),
+    ("nested computed matrices", b"[v] := " + b"[<i=1,2> Sumall" * 100000, b"*** Inappropriate symbol"),
     # bytes
     ("NUL is a blank", b"z\x00+\x001", b"\n 6\n"),
     ("NUL ends a name", b"z\x003", ENDED),
