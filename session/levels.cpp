@@ -1,5 +1,6 @@
 #include "session/levels.h"
 
+#include "gcd/gcd_stash.h"
 #include "gcd/gcd_modes.h"
 #include "language/functions.h"
 #include "language/language_modes.h"
@@ -153,6 +154,7 @@ static void drop_line_rests() {
     forget_running_statements();
     set_statement_aside();
     matrix_eval = syst_dump = 0;
+    interrupt_levels = 0;
     levelcount = 1;
     quotient_by_zero = 1;
     time_level = 1;
@@ -351,8 +353,10 @@ void new_level() {
 /// been begun.
 static void level_of_interrupt() {
     announce_level();
+    interrupt_levels++;
     if (!line_open) {
         open_level();
+        interrupt_levels--;
         drop_open_line();
         write_prompt();
         fflush(Output);
@@ -360,6 +364,7 @@ static void level_of_interrupt() {
     }
     take_line_rest();
     open_level();
+    interrupt_levels--;
     give_line_rest();
 }
 
@@ -388,6 +393,12 @@ void take_interrupt() {
 }
 
 void mem_error() {
+    if (lookupgcd > 0 && polygcd_stack_depth == 0) {
+        printf("\n*** Warning.  You are low on heap space.  Will try freeing the gcd stash.\n");
+        fflush(Output);
+        free_gcd_stash();
+        return;
+    }
     printf("\n*** Warning.  You are out of heap space.  Abort this computation.\n");
     fflush(Output);
     leave_for_level_1(k_internal_fault);
