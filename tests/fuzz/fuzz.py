@@ -131,7 +131,10 @@ class Grammar:
         if kind < 5:
             return f"{self.rng.choice(['Sigma', 'Prod'])}<{self.rng.choice(NAMES)} = 1, {self.rng.randrange(6)}>[{e(1)}]"
         if kind < 6:
-            name, inner = self.rng.choice("FG"), self.body(depth)
+            name = self.rng.choice("FG")
+            first = self.rng.choice(["", "", "Integer; ", "Compile; ", "Integer; Compile; ", f"{self.body(0)}; Compile(a, b); ",
+                                     f"Compile*({self.rng.choice(NAMES)}); ", f"{self.body(0)}; Integer; "])
+            inner = first + self.body(depth)
             return f"Func {name}({self.rng.choice(['a', 'a, b', '^a', 'a; c', ''])}) = {inner} ."
         return f"{self.rng.choice('FG')}({e(1)})"
 
