@@ -1,5 +1,7 @@
 #include "gcd/emgcd.h"
 #include "gcd/engines.h"
+#include "gcd/gcd_modes.h"
+#include "gcd/gcd_stash.h"
 #include "poly/dense_gcd.h"
 #include "poly/div_field.h"
 #include "poly/poly_basic.h"
@@ -8,6 +10,8 @@
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
+
+#include <cstdio>
 namespace tolvex {
 // Sum of degrees from which the half-gcd is taken where arrays are out of reach.
 static constexpr int32_t k_half_gcd_degrees = 20;
@@ -74,6 +78,42 @@ static poly classical_gcd(poly n, poly m) {
     }
 }
 
+// Is the gcd known? It is taken as one that may rest on a check still due. Otherwise *slot, unless nil, stays
+// open for the result.
+static bool look_up(poly n, poly m, polyptrr p, poly* slot, polypt pt) {
+    *slot = nullptr;
+    if (lookupgcd <= 0 || int64_t{n->exp} + m->exp <= small_gcd_stash_cut || m->exp < 2 ||
+        !gcd_stash_has_room())
+        return false;
+    poly u = nullptr, v = nullptr, known;
+    poly_assign(n, &u);
+    poly_assign(m, &v);
+    monic_poly(&u);
+    monic_poly(&v);
+    gcdhash(u, v, slot, pt);
+    free_poly(&u);
+    free_poly(&v);
+    known = (*slot)->next;
+    if (known == nullptr) {
+        polygcd_stack_depth++;
+        return false;
+    }
+    *slot = nullptr;
+    poly_assign(known, p);
+    gcd_unproved = 1;
+    return true;
+}
+
+static void store(poly slot, polyptrr p) {
+    if (slot == nullptr) return;
+    if (!is_number(*p)) monic_poly(p);
+    gcd_stash_store(slot, *p);
+    if (--polygcd_stack_depth < 0) {
+        printf("negative polygcd_stack_depth 2\n");
+        polygcd_stack_depth = 0;
+    }
+}
+
 void basic_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt) {
     if (is_number(n) || is_number(m)) tolvex_error(" number in basic_poly_gcd ");
     if (n->exp < m->exp) {
@@ -89,6 +129,8 @@ void basic_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt) {
         monomial2(m, n, p);
         return;
     }
+    poly slot;
+    if (look_up(n, m, p, &slot, pt)) return;
     if (n->exp < fast_gcd_size) {
         fastest_poly_gcd(n, m, p, need_monic, pt);
     } else if (int64_t{n->exp} + m->exp >= k_half_gcd_degrees) {
@@ -99,5 +141,6 @@ void basic_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt) {
         *p = g;
     }
     if (need_monic && !is_number(*p)) monic_poly(p);
+    store(slot, p);
 }
 }  // namespace tolvex

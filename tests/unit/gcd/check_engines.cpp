@@ -1,12 +1,14 @@
 // The engines of polygcd, each alone, against planted gcds and against the remainder sequence.
 #include "gcd/basic_mod_method.h"
 #include "gcd/emgcd.h"
+#include "gcd/gcd_stash.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_mult.h"
 #include "numbers/primes.h"
 #include "poly/div_general.h"
 #include "poly/poly_add.h"
 #include "poly/poly_scale.h"
+#include "storage/memory.h"
 #include "storage/progress.h"
 #include "tests/unit/gcd/engines_support.h"
 
@@ -158,6 +160,48 @@ TEST(OneVariable, monomials_and_degrees_beyond_the_arrays) {
         EXPECT_STREQ(caught.text, " number in basic_poly_gcd ");
     }
     use_integers();
+}
+
+// With the table of known gcds on, the second call finds what the first one has found; a multiple of an
+// operand is the same operand.
+TEST(OneVariable, known_gcds_are_found_again) {
+    set_up_once();
+    Cutoffs saved;
+    Rng rng(run_seed());
+    int64_t room = initial_memory;
+    initial_memory = 1 << 24;
+    use_variables(1);
+    for (const Ring& ring : {field_rings[4], field_rings[6], field_rings[9]}) {
+        SCOPED_TRACE(ring.name);
+        use_ring(ring);
+        init_gcd_stash();
+        for (int32_t size : {25000, 0}) {  // arrays, lists
+            fast_gcd_size = size;
+            PolyGuard c(one_variable(rng, 30, false)), a(one_variable(rng, 40, false)),
+                b(one_variable(rng, 30, false)), u, v, g, h, k;
+            poly_mult(a, c, &u, polynames);
+            poly_mult(b, c, &v, polynames);
+            gcd_unproved = 0;
+            basic_poly_gcd(u, v, &g, 1, polynames);
+            EXPECT_FALSE(gcd_unproved);
+            int64_t mass = gcdmass;
+            EXPECT_GT(mass, 0);
+            EXPECT_EQ(polygcd_stack_depth, 0);
+            PolyGuard before(copy_of(g));
+            mod_num_poly_mult(&u.p, 5);
+            basic_poly_gcd(u, v, &h, 1, polynames);
+            EXPECT_TRUE(gcd_unproved);
+            EXPECT_EQ(gcdmass, mass);
+            EXPECT_TRUE(poly_equal(g, h) && poly_equal(g, before));
+            k.p = gcd_by_remainders(u, v, polynames);
+            EXPECT_TRUE(poly_equal(g, k));
+        }
+        pop_gcd_stash();
+        free_gcd_stash();
+    }
+    gcd_unproved = 0;
+    lookupgcd = 0;
+    initial_memory = room;
 }
 
 // ---- over the integers ----
