@@ -9,6 +9,7 @@
 #include "numbers/num_assign.h"
 #include "poly/poly_vars.h"
 #include "quoly/quoly_add.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 // ---- creation ------------------------------------------------------------------------------------------
 
@@ -118,20 +119,21 @@ static void refuse_at_interrupt(BuiltinCall& call) {
 void builtin_Sumall(BuiltinCall& call) {
     quoly_set(0, call.n);
     ArrOperand v;
-    held_operand here = {call.n, call.n, eval_state.held};
-    eval_state.held = &here;
     if (read_operand(call, v)) {
         if (is_scalar(v)) error(Err::empty_array);
         if (is_sparse(v)) {
             SparseWalk w = walk_sparse(v.spar, v.facts.rows);
-            while (colm_ptrptr t = next_row(w))
+            while (colm_ptrptr t = next_row(w)) {
+                poll_interrupt();
                 for (const colnode* p = *t; p != nullptr; p = p->next) fast_quoly_add(call.n, p->val);
+            }
         }
-        for (int64_t k = 0; !is_sparse(v) && k < v.facts.arrsize; k++)
+        for (int64_t k = 0; !is_sparse(v) && k < v.facts.arrsize; k++) {
+            poll_every<1024>(k);
             fast_quoly_add(call.n, elements_of(v)[k]);
+        }
         end_operand(v);
     }
-    eval_state.held = here.below;
     refuse_at_interrupt(call);
 }
 
@@ -139,8 +141,6 @@ void builtin_Sumall(BuiltinCall& call) {
 void builtin_Trace(BuiltinCall& call) {
     quoly_set(0, call.n);
     ArrOperand v;
-    held_operand here = {call.n, call.n, eval_state.held};
-    eval_state.held = &here;
     if (read_operand(call, v)) {
         bool square = !is_scalar(v) && is_square(v);
         if (!square) error(Err::trace_not_square);
@@ -151,7 +151,6 @@ void builtin_Trace(BuiltinCall& call) {
         }
         end_operand(v);
     }
-    eval_state.held = here.below;
     refuse_at_interrupt(call);
 }
 

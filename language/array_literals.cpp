@@ -405,7 +405,10 @@ void random_matrix(ArrReader& r, ArrOperand& v, bool clocked) {
         return;
     }
     if (!make_dense(v, r.known.rows, r.known.arrsize / r.known.rows)) return;
-    for (int64_t k = 0; k < v.facts.arrsize; k++) random_value(clocked, &elements_of(v)[k]);
+    for (int64_t k = 0; k < v.facts.arrsize; k++) {
+        poll_every<1024>(k);
+        random_value(clocked, &elements_of(v)[k]);
+    }
     finish_dense(r, v);
 }
 }  // namespace tolvex

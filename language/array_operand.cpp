@@ -42,11 +42,14 @@ bool begin_operand(ArrOperand& v) {
     v = {};
     if (!new_worknode(&v.work)) return false;
     begin_unfinished(v.unfinished, drop_operand, &v);
+    v.hold = {&v.n, &v.n, eval_state.held};
+    eval_state.held = &v.hold;
     return true;
 }
 
 void end_operand(ArrOperand& v) {
     end_unfinished(v.unfinished);
+    eval_state.held = v.hold.below;
     drop_operand(&v);
 }
 
@@ -112,7 +115,10 @@ void copy_operand(const ArrOperand& v, ArrOperand& copy) {
         return;
     }
     make_dense(copy, v.facts.rows, columns_of(v));
-    for (int64_t k = 0; k < v.facts.arrsize; k++) quoly_assign(elements_of(v)[k], &elements_of(copy)[k]);
+    for (int64_t k = 0; k < v.facts.arrsize; k++) {
+        poll_every<1024>(k);
+        quoly_assign(elements_of(v)[k], &elements_of(copy)[k]);
+    }
 }
 
 void make_private(ArrOperand& v) {
@@ -124,6 +130,7 @@ void make_private(ArrOperand& v) {
     } else {
         workptr arr = elements_of(v);
         for (int64_t k = 0; k < v.facts.arrsize; k++) {
+            poll_every<1024>(k);
             quoly lent = arr[k];
             arr[k] = nullptr;
             quoly_assign(lent, &arr[k]);

@@ -10,6 +10,7 @@
 /// Ownership  a private operand owns its elements; after a jump they are given back through drop_unfinished.
 /// Raises     88 begin_operand.
 #include "language/array_values.h"
+#include "language/language_modes.h"
 #include "language/statements.h"
 #include "storage/failure.h"
 namespace tolvex {
@@ -21,6 +22,7 @@ struct ArrOperand {
     quoly n;
     arrptr lender;  // the array that the elements are borrowed from, nil: none
     Unfinished unfinished;
+    held_operand hold;  // as long as an operand is under way the ring stays
 };
 
 inline workptr elements_of(const ArrOperand& v) { return workhead[v.work - 1]; }

@@ -316,8 +316,6 @@ void fill_syst_array(const nameptr* flag, ArrOperand& v, quolyptr n) {
 void value_at_matrix(FILE* inf, quolyptr n, nameptr* flag) {
     ArrReader r = {inf, flag, {}, false};
     ArrOperand v;
-    held_operand here = {n, n, eval_state.held};
-    eval_state.held = &here;
     next_token(inf, flag);
     if (begin_operand(v)) {
         arr_fact(r, v);
@@ -328,7 +326,6 @@ void value_at_matrix(FILE* inf, quolyptr n, nameptr* flag) {
         fill_syst_array(flag, v, n);
         end_operand(v);
     }
-    eval_state.held = here.below;
     set_zero(n);
 }
 
@@ -400,9 +397,6 @@ bool begins_array_statement() {
 void arr_parse(FILE* inf, quolyptr n, nameptr* flag) {
     ArrReader r = {inf, flag, {}, false};
     ArrOperand v;
-    // a value is half computed: the ring stays
-    held_operand here = {n, n, eval_state.held};
-    eval_state.held = &here;
     if (begin_operand(v)) {
         if (at_char('[')) {
             next_token(inf, flag);
@@ -416,7 +410,6 @@ void arr_parse(FILE* inf, quolyptr n, nameptr* flag) {
         }
         end_operand(v);
     }
-    eval_state.held = here.below;
     if (*n == nullptr) quoly_set(0, n);
 }
 
