@@ -247,4 +247,16 @@ poly content_fresh(poly u, polypt pt) {
     content(u, &r, pt, 0, 0, 1);
     return r;
 }
+
+poly without_content(poly p, const polynode* c, polypt pt) {
+    if (poly_eq_1(c)) return p;
+    poly padded = nullptr, q = nullptr, copy = nullptr;
+    poly_assign(c, &copy);
+    append_term(&padded, 0, copy);
+    bool exact = divide_trees(p, padded, &q, pt);
+    free_poly(&padded);
+    if (!exact) return p;  // zero divisors: the caller divides out what it gets
+    free_poly(&p);
+    return q;
+}
 }  // namespace tolvex

@@ -29,9 +29,6 @@ void gcd_normal_form(polyptrr g);
 /// p without its content c (one level down) in its main variable; p is used up. Where zero divisors prevent
 /// the division p comes back.
 poly without_content(poly p, const polynode* c, polypt pt);
-/// The subresultant remainder sequence on polynomials of positive degree in the main variable, primitive
-/// there. The gcd up to units, primitive in the main variable. Right in every integral domain.
-poly prs_gcd(poly u, poly v, polypt pt);
 /// True if the ring in force has zero divisors.
 bool ring_is_composite();
 /// A fresh copy of p divided by its integer content; outside Z by nothing.

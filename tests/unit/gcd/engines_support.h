@@ -10,6 +10,7 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "tests/support/random_poly.h"
+#include "tests/unit/gcd/remainder_gcd.h"
 
 #include <string>
 namespace tolvex::test {

@@ -9,6 +9,7 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "tests/support/random_poly.h"
+#include "tests/unit/gcd/remainder_gcd.h"
 
 #include <string>
 using namespace tolvex;

@@ -1,23 +1,12 @@
+#include "tests/unit/gcd/remainder_gcd.h"
+
 #include "gcd/word_gcd.h"
 #include "poly/div_internal.h"
 #include "poly/div_pseudo.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_test.h"
-#include "storage/interrupt.h"
-namespace tolvex {
-poly without_content(poly p, const polynode* c, polypt pt) {
-    if (poly_eq_1(c)) return p;
-    poly padded = nullptr, q = nullptr, copy = nullptr;
-    poly_assign(c, &copy);
-    append_term(&padded, 0, copy);
-    bool exact = divide_trees(p, padded, &q, pt);
-    free_poly(&padded);
-    if (!exact) return p;  // zero divisors: the caller divides out what it gets
-    free_poly(&p);
-    return q;
-}
-
+namespace tolvex::test {
 static poly power_of(poly base, int32_t e, polypt pt) {
     poly p = nullptr;
     poly_assign(base, &p);
@@ -67,7 +56,6 @@ poly prs_gcd(poly u, poly v, polypt pt) {
     poly_set(1, &h);
     bool coprime = false;
     for (;;) {
-        poll_interrupt();
         int32_t delta = a->exp - b->exp;
         poly r = nullptr, divisor = nullptr, q = nullptr;
         pseudo_div_no_q(a, b, &r, pt, 1);
@@ -111,4 +99,4 @@ poly prs_gcd(poly u, poly v, polypt pt) {
     free_poly(&c);
     return b;
 }
-}  // namespace tolvex
+}  // namespace tolvex::test
