@@ -300,6 +300,8 @@ bool field_roots(const WordField& f, const PowerBase& base, const uint32_t* p, i
     } else {
         uint32_t* end = root;
         found = split_roots(f, p, t, &end) && end - root == t;
+        for (int32_t i = 1; i < t && found; i++)  // a multiple root comes out as often as it occurs
+            for (int32_t j = 0; j < i && found; j++) found = root[i] != root[j];
     }
     scratch_release(mark);
     return found;
