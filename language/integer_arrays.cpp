@@ -51,7 +51,7 @@ void word_element(WordReader& r, nameptr node, int32_t* value) {
     quolyptr slot = place_slot(a, index);
     bool empty = slot == nullptr || *slot == nullptr;
     if (word_at(r, ':')) {
-        word_element_read = {r.at, {a->name, a->time, index}};
+        word_element_read = {node, r.at, {a->name, a->time, index}};
         if (!empty) word_of_value(*slot, value);
     } else if (slot != nullptr && empty) {
         quoly_set(0, slot);

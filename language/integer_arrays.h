@@ -7,7 +7,7 @@
 namespace tolvex {
 /// The element that was read last in front of a ":", for the assignment there.
 struct WordElement {
-    nameptr colon;
+    nameptr name, colon;  // where it begins, and the ":" behind it
     ElementTarget target;
 };
 inline WordElement word_element_read = {};

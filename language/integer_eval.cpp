@@ -168,7 +168,7 @@ static void write_target(const WordTarget& t, int32_t word) {
 
 /// What follows the ":" behind the variable at the node, or behind an element.
 static void word_assign(WordReader& r, nameptr node) {
-    bool element = word_element_read.colon == r.at;
+    bool element = word_element_read.colon == r.at && word_element_read.name == node;
     bool assignable = element || (is_lower(tok_char(node->let)) && node->next == r.at);
     WordTarget target = {element ? nullptr : node, word_element_read.target};
     word_element_read.colon = nullptr;
@@ -200,6 +200,7 @@ bool iexpre(FILE* inf, nameptr* flag, int32_t* value) {
     nameptr node = r.at;
     bool assignment = false;
     *value = 0;
+    word_element_read.colon = nullptr;  // what an error left
     if (!word_term(r, value)) {
         word_error(r, Err::not_terminated);
     } else if (word_at(r, ':')) {
