@@ -137,9 +137,9 @@ TEST_F(Switches, StatusLinesHaveOneOwner) {
     std::map<StatusLine, int> owners;
     for (const SwitchRow* row : all_rows())
         if (row->line != StatusLine::none) owners[row->line]++;
-    for (StatusLine line : {StatusLine::ring, StatusLine::integer_mode, StatusLine::method,
-                            StatusLine::prompt_text, StatusLine::files, StatusLine::polyvars,
-                            StatusLine::primes})
+    for (StatusLine line :
+         {StatusLine::ring, StatusLine::integer_mode, StatusLine::method, StatusLine::prompt_text,
+          StatusLine::files, StatusLine::polyvars, StatusLine::primes})
         owners[line]++;
     for (int32_t i = 1; i < static_cast<int32_t>(StatusLine::count); i++)
         EXPECT_EQ(owners[static_cast<StatusLine>(i)], 1) << i;
