@@ -77,6 +77,29 @@ void planted(benchmark::State& state) {
     free_poly(&f[0]), free_poly(&f[1]), free_poly(&f[2]), free_poly(&g);
     use_integers();
 }
+
+/// Sparse operands in six variables with a planted factor: `terms` terms each, exponents up to `degree`.
+void planted_sparse(benchmark::State& state) {
+    set_up(static_cast<int32_t>(state.range(2)));
+    Rng rng(2);
+    auto terms = static_cast<int32_t>(state.range(0)), degree = static_cast<int32_t>(state.range(1));
+    poly f[3];
+    for (poly& p : f) {
+        p = poly_of("1");
+        for (int32_t i = 1; i < terms; i++) {
+            int32_t e[6];
+            for (int32_t& x : e) x = random_int(rng, 0, degree);
+            best_poly_add(p, term_poly(random_int(rng, 1, 99), e, 6), &p);
+        }
+    }
+    poly g = nullptr;
+    poly_mult(f[0], f[2], &f[0], polynames);
+    poly_mult(f[1], f[2], &f[1], polynames);
+    for (auto _ : state) Lpolygcd(f[0], f[1], &g, 0, polynames);
+    if (poly_terms(g) != poly_terms(f[2])) state.SkipWithError("wrong gcd");
+    free_poly(&f[0]), free_poly(&f[1]), free_poly(&f[2]), free_poly(&g);
+    use_integers();
+}
 }  // namespace
 BENCHMARK(simplex_quotient)->ArgsProduct({{6, 10, 14}, {0, 32003}})->Unit(benchmark::kMillisecond);
 BENCHMARK(coprime_forms)->ArgsProduct({{2, 10, 20, 40}, {0, 1}})->Unit(benchmark::kMicrosecond);
@@ -85,5 +108,8 @@ BENCHMARK(planted)
     ->ArgsProduct({{2}, {3, 10, 20}, {0, 32003, 2}})
     ->ArgsProduct({{3}, {2, 5}, {0, 32003, 2}})
     ->ArgsProduct({{4}, {2}, {0, 32003}})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(planted_sparse)
+    ->ArgsProduct({{5, 20, 100}, {5, 20}, {0, 32003, 2147483629}})
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK_MAIN();
