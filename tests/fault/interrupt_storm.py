@@ -90,6 +90,13 @@ JOBS = [
     Job("loop of products of polynomials", POLYNOMIALS + ["Func F(n) = s := 0; for i = 1 to n do s := s + h*(h + i) od; s."],
         "Terms(F(60))"),
     Job("loop that is typed", [], "for i = 1 to 4000 do !(i^150, i^90/7) od"),
+    Job("matrices", ["[m] := [<i=1,80><j=1,80> i*j - 7^i]:"], "Sumall([m]*[m] + Trans[m])|1000003 + Trace([m]*[m])|997"),
+    Job("sparse matrices", ["Array s[300,300] Sparse:", "[s] := [<i=1,300><j=1,10> i*j|11 - 5]:"],
+        "Sumall([s]*Trans[s])"),
+    Job("matrices of polynomials", ["&(J = x, y)", "[m] := [<i=1,12><j=1,12> (x + i)^3*(y - j)^2]:"],
+        "Terms(Sumall([m]^3))"),
+    Job("display of a matrix", ["[m] := [<i=1,300><j=1,300> i^7*j]:"], "!([m])"),
+    Job("computed matrices", [], "Sumall[<i=1,300><j=1,300> i^5*j - i]"),
     Job("Laurent polynomials", ["&(l = 1)"] + POLYNOMIALS + ["p := f/x^3 + 1/y:"], "Terms(p*g) + Terms((p*g)/g)", "pg"),
 ]
 
