@@ -129,7 +129,7 @@ static void make_shapes(Family f, Rng& rng, poly* a, poly* b, poly* c) {
     switch (f) {
     case Family::sparse:
         terms = random_int(rng, 2, 4);
-        top = levels == 1 ? 40 : 7;
+        top = levels == 1 ? 40 : levels == 2 ? 7 : 3;
         break;
     case Family::dense:
         levels = random_int(rng, 1, 2);
@@ -210,6 +210,7 @@ void make_problem(Family f, Rng& rng, Problem* p) {
     int32_t variables = driver_poly_vars(p->u) + driver_poly_vars(p->v);
     int64_t terms = poly_terms(p->u) + poly_terms(p->v);
     int32_t degrees = sum_degrees(p->u, 1, 1000) + sum_degrees(p->v, 1, 1000);
+    p->modest = variables <= 2 || (variables <= 4 && degrees < 20) || degrees < 12;
     p->small =
         variables <= 2 || (variables <= 4 && terms < 50 && degrees < 20) || (terms < 20 && degrees < 16);
 }

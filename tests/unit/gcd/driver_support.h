@@ -31,13 +31,19 @@ struct DriverSettings {
     ~DriverSettings() { defaults(); }
     static void defaults() {
         gcd_counters_clear();
+        initial_memory = 1 << 26;  // room for the stash
         word_engines = 1;
         chinhensel = 1;
         try_rat = rat_yes = 1;
         trial_cutoff = 25;
         mod_method_diff = 6;
         gcd_stash_cutoff = 200;
-        if (lookupgcd > 0) free_gcd_stash();
+        if (lookupgcd > 0) {
+            free_gcd_stash();
+            gcd_stash_outdated();
+            init_gcd_stash();  // empties the table
+            free_gcd_stash();
+        }
         lookupgcd = 0;
     }
     /// One of many combinations, the word engines off.
@@ -53,6 +59,10 @@ struct DriverSettings {
         chinhensel = rng() % 4 != 0;
         try_rat = rng() % 2;
         rat_yes = rng() % 4 != 0;
+        if (rng() % 3 == 0) {
+            init_gcd_stash();
+            gcd_stash_cutoff = 0;
+        }
     }
 };
 
@@ -79,8 +89,10 @@ enum class Family {
 };
 const char* family_name(Family f);
 struct Problem {
-    PolyGuard u, v, c;  // c divides both
-    bool small;         // the reference is quick
+    PolyGuard u, v, c;   // c divides both
+    bool small = false;  // the reference is quick
+    bool modest =
+        false;  // so is the remainder sequence, the only way in small fields and without interpolation
 };
 void make_problem(Family f, Rng& rng, Problem* p);
 }  // namespace tolvex::test

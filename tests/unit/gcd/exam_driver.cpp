@@ -411,6 +411,39 @@ TEST_F(Driver, words_that_wrap_have_gcd_1) {
 
 // ---- a gcd that is wrong -------------------------------------------------------------------------------
 
+// A wrong gcd in the stash: the check finds it, the slot is emptied, and the next look-up finds none.
+TEST_F(Driver, a_wrong_gcd_in_the_stash_is_found_out) {
+    PolyGuard u, v, c, wrong, g;
+    c.p = poly_of("x^3*y^2 + x*y*z + 3*z^3 + 5");
+    u.p = product("x^2*y + x*z + y^3 + 1", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    v.p = product("x^2 + x*y*z^2 + y + 2", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    wrong.p = poly_of("x^4 + y + 7");
+    tripval = 16384;
+    trial_cutoff = 1000000;
+    gcd_stash_cutoff = 0;
+    init_gcd_stash();
+    poly slot = nullptr;
+    gcdhash(u, v, &slot, polynames);
+    gcd_stash_store(slot, wrong);
+    verbose = 1;
+    testing::internal::CaptureStdout();
+    polygcd(u, v, &g, 0, 0, 0, polynames, 1, 1, 1);
+    verbose = 0;
+    std::string said = testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(poly_equal(g, c)) << text_of(g);
+    EXPECT_NE(said.find(" Warning 1."), std::string::npos) << said;
+    EXPECT_FALSE(try_rat);
+    EXPECT_TRUE(rat_yes);
+    EXPECT_FALSE(gcd_unproved || gcd_sure || gcd_attempt);
+    EXPECT_EQ(lookupgcd, 1);
+    polygcd(u, v, &g, 0, 0, 0, polynames, 1, 1, 1);
+    EXPECT_TRUE(poly_equal(g, c));
+    polygcd(u, v, &g, 0, 0, 0, polynames, 1, 1, 1);  // from the stash
+    EXPECT_TRUE(poly_equal(g, c));
+    EXPECT_GE(ended_by("stash_lookup"), 2);
+    EXPECT_EQ(polygcd_stack_depth, 0);
+}
+
 TEST_F(Driver, warnings_come_in_their_order) {
     verbose = 1;
     testing::internal::CaptureStdout();
