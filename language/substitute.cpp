@@ -4,105 +4,19 @@
 #include "numbers/num_compare.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_vars.h"
-#include "quoly/quoly_add.h"
-#include "quoly/quoly_mult.h"
-#include "quoly/quoly_quot.h"
-#include "storage/interrupt.h"
+#include "quoly/quoly_eval.h"
 #include "storage/scratch.h"
 namespace tolvex {
 // ---- evaluation ----------------------------------------------------------------------------------------
 
-namespace {
-/// The replacements of one substitution.
-struct Replacement {
-    const quoly* value;  // by level; nil: the variable stays
-    int32_t last;        // deepest level that is replaced
-};
-}  // namespace
-
-static void evaluate_poly(const polynode* p, int32_t level, const Replacement& r, quolyptr n);
-
-/// The polynomial p of that level as a value.
-static void as_value(const polynode* p, int32_t level, quolyptr n) {
-    poly c = nullptr;
-    if (p->numb)
-        node_assign(p, &c);
-    else
-        poly_assign(p, &c);
-    add_pad(&c, level - 1);
-    free_quoly(n);
-    poly_to_quoly(&c, n);
-}
-
-/// n := n x^e, x being the value of the variable.
-static void times_power(quolyptr n, quoly x, int32_t e) {
-    if (e == 0) return;
-    if (e == 1) {
-        fast_quoly_mult(n, x);
-        return;
-    }
-    quoly power = nullptr;
-    quoly_assign(x, &power);
-    if (e > 0) {
-        quoly_compute_power(&power, e);
-    } else {
-        quoly_reciprocal(&power);
-        if (e < -1) quoly_compute_power(&power, -e);
-    }
-    fast_quoly_mult(n, power);
-    free_quoly(&power);
-}
-
-/// The coefficient of the term t of `level`.
-static void evaluate_coefficient(const polynode* t, int32_t level, const Replacement& r, quolyptr n) {
-    if (t->numb)
-        as_value(t, level, n);
-    else
-        evaluate_poly(t->pcoef, level + 1, r, n);
-}
-
-static void evaluate_poly(const polynode* p, int32_t level, const Replacement& r, quolyptr n) {
-    if (level > r.last || is_number(p)) {
-        as_value(p, level, n);
-        return;
-    }
-    quoly kept = nullptr;
-    quoly x = r.value[level];
-    if (x == nullptr) {
-        poly variable = nullptr;
-        base_poly(&variable, level);
-        poly_to_quoly(&variable, &kept);
-        x = kept;
-    }
-    evaluate_coefficient(p, level, r, n);
-    for (; p->next != nullptr; p = p->next) {
-        poll_interrupt();
-        times_power(n, x, p->exp - p->next->exp);
-        quoly c = nullptr;
-        evaluate_coefficient(p->next, level, r, &c);
-        best_quoly_add(n, c);
-    }
-    times_power(n, x, p->exp);
-    free_quoly(&kept);
-}
-
 void total_eval(const quolynode* q, quolyptr n, const quoly* value, int32_t levels) {
-    Replacement r = {value, levels};
-    while (r.last > 0 && value[r.last] == nullptr) r.last--;
-    quoly result = nullptr;
-    if (q->numb || r.last == 0) {
-        quoly_assign(q, &result);
-    } else {
-        evaluate_poly(q->numer, 1, r, &result);
-        if (q->denom != nullptr) {
-            quoly denominator = nullptr;
-            evaluate_poly(q->denom, 1, r, &denominator);
-            fast_quoly_quot(&result, denominator, 0);
-            free_quoly(&denominator);
-        }
-    }
-    free_quoly(n);
-    *n = result;
+    int32_t replaced = 0, target = 0;
+    for (int32_t level = 1; level <= levels; level++)
+        if (value[level] != nullptr) replaced++, target = level;
+    if (replaced == 1)
+        horner_quoly_eval(q, n, value[target], target);
+    else
+        spec_quoly_eval(q, n, value, levels);
 }
 
 // ---- reading the replacements --------------------------------------------------------------------------
@@ -176,7 +90,8 @@ static void read_list(FILE* inf, Places* places, nameptr* flag) {
     eval_state.bar_closes = saved;
 }
 
-void with_replacements(FILE* inf, nameptr* flag, void (*use)(const quoly* value, void* context), void* context) {
+void with_replacements(FILE* inf, nameptr* flag, void (*use)(const quoly* value, void* context),
+                       void* context) {
     ScratchMark mark = scratch_mark();
     auto* places = scratch_array<Places>(1);
     *places = {};

@@ -1,4 +1,5 @@
 // The table of known gcds: look-ups, eviction, levels of use, changes that make entries wrong.
+#include "gcd/gcd_modes.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/polygcd.h"
 #include "numbers/ring_switch.h"
@@ -209,4 +210,42 @@ TEST_F(Stash, answers_are_those_of_polygcd) {
         for (poly& p : pool) free_poly(&p);
     }
     EXPECT_GT(hits, rounds(40) * 20);
+}
+
+// The driver with the table on and off.
+TEST_F(Stash, the_driver_agrees_with_itself) {
+    Rng rng(run_seed() + 2);
+    int32_t cutoff = gcd_stash_cutoff;
+    gcd_stash_cutoff = 1;
+    boolean words = word_engines;
+    word_engines = 0;  // they answer before the table is asked
+    int64_t entries = 0;
+    for (int i = 0; i < rounds(40); i++) {
+        static const Ring kinds[] = {
+            {0, false, ""}, {101, false, ""}, {65521, false, ""}, {2147483629, false, ""}};
+        use_ring(kinds[i % 4]);
+        poly pool[6];
+        for (poly& p : pool) {
+            PolyGuard a(random_nonzero_poly(rng, Shape{3, 4, 2})),
+                b(random_nonzero_poly(rng, Shape{3, 12, 3}));
+            p = nullptr;
+            poly_mult(a, b, &p, polynames);
+        }
+        for (int k = 0; k < 30; k++) {
+            poly u = pool[rng() % 6], v = pool[rng() % 6];
+            PolyGuard on, off;
+            init_gcd_stash();
+            Lpolygcd2(u, v, &on, polynames);
+            lookupgcd = 0;  // the table stays filled
+            Lpolygcd2(u, v, &off, polynames);
+            EXPECT_TRUE(poly_equal(on, off)) << text_of(on) << " against " << text_of(off) << " of "
+                                             << text_of(u) << " and " << text_of(v);
+            EXPECT_EQ(polygcd_stack_depth, 0);
+        }
+        entries += entries_there();
+        for (poly& p : pool) free_poly(&p);
+    }
+    EXPECT_GT(entries, rounds(40) / 2);  // most problems end before the table is asked
+    gcd_stash_cutoff = cutoff;
+    word_engines = words;
 }
