@@ -15,8 +15,8 @@
 namespace tolvex {
 /// *r := gcd(u, v) in the variables from pt on.
 ///   leave_early  only whether the degree in the main variable is 0 is wanted: the result is x^d of level 1,
-///   or 1, and it is
-///                a number only if the gcd is one
+///   or 1. That d is 0, and that the result is a number, are proved; a positive d is a bound for strategy.
+///   With d = 0 and something in deeper levels the result is x of level 2 instead.
 ///   do_fast      run the evaluation tests
 ///   allcons      remove contents with respect to several levels
 ///   canreset     this call may reset g_cntcount and g_cutoff when it descends
