@@ -110,13 +110,13 @@ template <limb P> inline void split(limb& x, limb& y, Factor f) {
     y = u - v + 2 * P;
 }
 
-constexpr auto poll_at = poll_every<int64_t{1} << 17>;  // in every turn of a loop over a long array
+constexpr int64_t k_stretch = int64_t{1} << 16;  // turns of a loop over a long array between safe points
 
 /// Two levels at once on the four quarters of one block.
-template <limb P> void forward_4(limb* a, int64_t quarter, int64_t node) {
+template <limb P, int64_t rhythm> void forward_4(limb* a, int64_t quarter, int64_t node) {
     const Factor* root = roots<P>.root;
     Factor f = root[node], g = root[2 * node], h = root[2 * node + 1];
-    for (int64_t k = 0; k < quarter; k++) {
+    for_polled<rhythm>(quarter, [=](int64_t k) {
         limb x0 = a[k], x1 = a[k + quarter], x2 = a[k + 2 * quarter], x3 = a[k + 3 * quarter];
         split<P>(x0, x2, f);
         split<P>(x1, x3, f);
@@ -126,18 +126,14 @@ template <limb P> void forward_4(limb* a, int64_t quarter, int64_t node) {
         a[k + quarter] = x1;
         a[k + 2 * quarter] = x2;
         a[k + 3 * quarter] = x3;
-        poll_at(k);
-    }
+    });
 }
 
 /// Values of a[0..n) modulo x^n - root[node]^2, in place, below 4 P before and after.
 template <limb P> void forward(limb* a, int64_t n, int64_t node) {
     if (n >= 4 && (std::bit_width(static_cast<limb>(n)) & 1) == 0) {  // an odd number of levels: one alone
         Factor f = roots<P>.root[node];
-        for (int64_t k = 0; k < n / 2; k++) {
-            split<P>(a[k], a[k + n / 2], f);
-            poll_at(k);
-        }
+        for_polled<k_stretch>(n / 2, [=](int64_t k) { split<P>(a[k], a[k + n / 2], f); });
         forward<P>(a, n / 2, 2 * node);
         forward<P>(a + n / 2, n / 2, 2 * node + 1);
         return;
@@ -148,11 +144,12 @@ template <limb P> void forward(limb* a, int64_t n, int64_t node) {
     }
     if (n <= k_level_by_level) {
         for (int64_t quarter = n / 4, m = 1; quarter >= 1; quarter /= 4, m *= 4)
-            for (int64_t j = 0; j < m; j++) forward_4<P>(a + 4 * quarter * j, quarter, node * m + j);
+            for (int64_t j = 0; j < m; j++)
+                forward_4<P, k_no_safe_point>(a + 4 * quarter * j, quarter, node * m + j);
         return;
     }
     poll_interrupt();
-    forward_4<P>(a, n / 4, node);
+    forward_4<P, k_stretch>(a, n / 4, node);
     for (int64_t j = 0; j < 4; j++) forward<P>(a + n / 4 * j, n / 4, 4 * node + j);
 }
 
@@ -173,9 +170,9 @@ template <limb P> inline Factor inverse_root(int64_t node) {
     return roots<P>.root[mirror(node)];
 }
 
-template <limb P> void inverse_4(limb* a, int64_t quarter, int64_t node) {
+template <limb P, int64_t rhythm> void inverse_4(limb* a, int64_t quarter, int64_t node) {
     Factor f = inverse_root<P>(node), g = inverse_root<P>(2 * node), h = inverse_root<P>(2 * node + 1);
-    for (int64_t k = 0; k < quarter; k++) {
+    for_polled<rhythm>(quarter, [=](int64_t k) {
         limb x0 = a[k], x1 = a[k + quarter], x2 = a[k + 2 * quarter], x3 = a[k + 3 * quarter];
         join<P>(x0, x1, g);
         join<P>(x2, x3, h);
@@ -185,8 +182,7 @@ template <limb P> void inverse_4(limb* a, int64_t quarter, int64_t node) {
         a[k + quarter] = x1;
         a[k + 2 * quarter] = x2;
         a[k + 3 * quarter] = x3;
-        poll_at(k);
-    }
+    });
 }
 
 /// n times the inverse of `forward`; values below 2 P before and after.
@@ -195,10 +191,7 @@ template <limb P> void inverse(limb* a, int64_t n, int64_t node) {
         inverse<P>(a, n / 2, 2 * node);
         inverse<P>(a + n / 2, n / 2, 2 * node + 1);
         Factor f = inverse_root<P>(node);
-        for (int64_t k = 0; k < n / 2; k++) {
-            join<P>(a[k], a[k + n / 2], f);
-            poll_at(k);
-        }
+        for_polled<k_stretch>(n / 2, [=](int64_t k) { join<P>(a[k], a[k + n / 2], f); });
         return;
     }
     if (n == 2) {
@@ -208,12 +201,13 @@ template <limb P> void inverse(limb* a, int64_t n, int64_t node) {
     if (n <= k_level_by_level) {
         int64_t m = n / 4;
         for (int64_t quarter = 1; m >= 1; quarter *= 4, m /= 4)
-            for (int64_t j = 0; j < m; j++) inverse_4<P>(a + 4 * quarter * j, quarter, node * m + j);
+            for (int64_t j = 0; j < m; j++)
+                inverse_4<P, k_no_safe_point>(a + 4 * quarter * j, quarter, node * m + j);
         return;
     }
     poll_interrupt();
     for (int64_t j = 0; j < 4; j++) inverse<P>(a + n / 4 * j, n / 4, 4 * node + j);
-    inverse_4<P>(a, n / 4, node);
+    inverse_4<P, k_stretch>(a, n / 4, node);
 }
 
 /// What one product needs to know: digits of `bits` bits, transforms of length h, or h and h / 2.
@@ -257,7 +251,7 @@ void cut_digits(limb* to, const limb* a, int64_t n, const Plan& plan) {
             rest >>= plan.bits;
             have -= plan.bits;
         }
-        poll_at(i);
+        poll_every<k_stretch>(i);
     }
     if (have > 0) to[count++] = rest;
     scratch_clear(to + count, static_cast<size_t>(plan.length() - count) * sizeof(limb));
@@ -274,12 +268,11 @@ template <limb P> void to_values(limb* a, const Plan& plan) {
     int64_t q = plan.h / 2;
     limb *c0 = a, *c1 = a + q, *c2 = a + 2 * q;
     Factor i = factor_i<P>();
-    for (int64_t k = 0; k < q; k++) {
+    for_polled<k_stretch>(q, [=](int64_t k) {
         limb x = c0[k], z = c2[k];  // all below P
         c2[k] = x + times<P>(c1[k], i) + (P - z);
         c0[k] = x + z;
-        poll_at(k);
-    }
+    });
     forward<P>(a, plan.h, 0);
     forward<P>(c2, q, 2);
 }
@@ -289,10 +282,7 @@ template <limb P> void from_values(limb* a, const Plan& plan) {
     constexpr limb two64 = static_cast<limb>((static_cast<wide>(1) << 64) % P);
     auto scale = [](limb* p, int64_t n) {
         Factor f = factor_of<P>(Field<P>::mul(two64, Field<P>::inverse(static_cast<limb>(n))));
-        for (int64_t k = 0; k < n; k++) {
-            p[k] = Field<P>::below_p(times<P>(p[k], f));
-            poll_at(k);
-        }
+        for_polled<k_stretch>(n, [=](int64_t k) { p[k] = Field<P>::below_p(times<P>(p[k], f)); });
     };
     inverse<P>(a, plan.h, 0);
     scale(a, plan.h);
@@ -302,14 +292,13 @@ template <limb P> void from_values(limb* a, const Plan& plan) {
     inverse<P>(c2, q, 2);
     scale(c2, q);
     Factor i = factor_i<P>(), half = factor_of<P>((P + 1) / 2);
-    for (int64_t k = 0; k < q; k++) {
+    for_polled<k_stretch>(q, [=](int64_t k) {
         limb sum = c0[k];                                      // c0 + c2
         limb difference = c2[k] + 2 * P - times<P>(c1[k], i);  // c0 - c2, below 3 P
         limb x = Field<P>::below_p(times<P>(sum + difference, half));
         c0[k] = x;
         c2[k] = sum >= x ? sum - x : sum + P - x;
-        poll_at(k);
-    }
+    });
 }
 
 /// u := the product of the polynomials of a and b modulo P; v is room. a may be b.
@@ -324,10 +313,9 @@ void product_mod(limb* u, limb* v, const limb* a, int64_t an, const limb* b, int
         to_values<P>(v, plan);
     }
     const limb* w = square ? u : v;
-    for (int64_t k = 0; k < plan.length(); k++) {
+    for_polled<k_stretch>(plan.length(), [=](int64_t k) {
         u[k] = Field<P>::montgomery(Field<P>::below_2p(u[k]), Field<P>::below_2p(w[k]));
-        poll_at(k);
-    }
+    });
     from_values<P>(u, plan);
 }
 
@@ -346,7 +334,7 @@ void put_together(limb* r, int64_t n, const limb* u, const limb* v, const Plan& 
             limb d = times<k_prime_b>(v[k] + 2 * k_prime_b - u[k], inverse_a);
             c += static_cast<wide>(Field<k_prime_b>::below_p(d)) * k_prime_a + u[k];
         }
-        poll_at(k);
+        poll_every<k_stretch>(k);
         limb digit = static_cast<limb>(c) & mask;
         carry = c >> plan.bits;
         word |= digit << have;

@@ -70,8 +70,8 @@ poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, in
         int64_t slot = base + e * step;
         poly c;
         if (last) {
-            poll_interrupt();
             if (box.zero(slot)) continue;
+            poll_interrupt();
             c = box.leaf(slot);
         } else {
             poll_interrupt();

@@ -16,8 +16,8 @@ inline boolean danger_ok = 0;    // interrupts are safe everywhere   writers: &Z
 inline int32_t m_interrupt = 1;  // command interrupt level 0..2     writers: &m
 inline int32_t cmd_modder = 32;  // polling rhythm of that level     writers: &m
 
-/// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables, or a display
-/// has changed a setting.
+/// While this is above 0 an interrupt waits: the values are between two rings or two lists of variables, or a
+/// display has changed a setting.
 inline int32_t interrupts_held = 0;
 
 inline void poll_interrupt() {
@@ -30,5 +30,19 @@ inline void poll_interrupt() {
 template <int64_t rhythm> inline void poll_every(int64_t k) {
     static_assert((rhythm & (rhythm - 1)) == 0);
     if (__builtin_expect((k & (rhythm - 1)) == rhythm - 1, 0)) poll_interrupt();
+}
+inline constexpr int64_t k_no_safe_point = 0;
+/// turn(k) for k from 0 to n - 1 with a safe point once in `rhythm` turns, or with none; the loop in between
+/// is a plain one.
+template <int64_t rhythm, class Turn> inline void for_polled(int64_t n, Turn turn) {
+    if constexpr (rhythm == k_no_safe_point) {
+        for (int64_t k = 0; k < n; k++) turn(k);
+    } else {
+        for (int64_t k = 0; k < n;) {
+            const int64_t stop = n - k > rhythm ? k + rhythm : n;
+            for (; k < stop; k++) turn(k);
+            if (k < n) poll_interrupt();
+        }
+    }
 }
 }  // namespace tolvex
