@@ -17,12 +17,9 @@ FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 # Numbers that no transcript meets, and why.
 WAITING = {
     71: "takes a list of more than a million values",
-    89: "takes more operands than there are work arrays",
-    188: "powers of matrices modulo a polynomial: no transcript of their errors",
     308: "square-free parts over a field, which no command takes yet",
     314: "subscripts that may not be negative: no transcript",
     348: "takes a device that is full",
-    352: "square-free parts over a field, which no command takes yet",
     353: "polynomials that are modded out, which no command declares yet",
     356: "polynomials that are modded out, which no command declares yet",
 }
