@@ -11,10 +11,11 @@
 ///            of images depends on the terms of the gcd and not on degrees. (Normalisation after van der
 ///            Hoeven and Lecerf, "On sparse interpolation of rational functions and gcds", 2021.)
 /// Ownership  operands are only read; *g is fresh.
-/// Modes      Z; prime moduli. Small moduli have too few points: declined.
+/// Modes      Z; prime moduli and table fields, enlarged where they are small; fields of less than 4096
+///            elements have too few points: declined.
 #include "gcd/word_gcd.h"
 namespace tolvex {
-/// Over the ring in force, Z or a prime field; env is measured and bounded. At most `most` points are spent.
+/// Over the ring in force; env is measured and bounded. At most `most` points are spent.
 /// True: *g has the common monomial and content and has divided both operands. False: declined.
 bool gcd_of_few_terms(WordGcdEnv& env, int64_t most, polyptrr g);
 }  // namespace tolvex
