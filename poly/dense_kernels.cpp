@@ -1,64 +1,9 @@
 #include "poly/dense_kernels.h"
 
-#include "storage/scratch.h"
+#include "poly/dense_school.h"
 
 #include <cstring>
 namespace tolvex {
-// Four rows of the schoolbook square at a time: acc[k] += a0 b[k] + a1 b[k-1] + a2 b[k-2] + a3 b[k-3], where
-// b has three zeros on either side. Four products of residues below 2^31 fit 64 bits.
-WIDE_VECTORS static void four_rows(uint64_t* __restrict acc, const uint32_t* __restrict b, int32_t n,
-                                   const uint32_t* __restrict a) {
-    uint64_t a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
-    for (int32_t k = 0; k < n; k++) acc[k] += a0 * b[k + 3] + a1 * b[k + 2] + a2 * b[k + 1] + a3 * b[k];
-}
-
-// The same when the whole sum may pass 2^64: halves of the partial sums are kept apart.
-WIDE_VECTORS static void four_rows_split(uint64_t* __restrict low, uint64_t* __restrict high,
-                                         const uint32_t* __restrict b, int32_t n,
-                                         const uint32_t* __restrict a) {
-    uint64_t a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
-    for (int32_t k = 0; k < n; k++) {
-        uint64_t s = a0 * b[k + 3] + a1 * b[k + 2] + a2 * b[k + 1] + a3 * b[k];
-        low[k] += s & 0xffffffffu;
-        high[k] += s >> 32;
-    }
-}
-
-static void reduce_split(const WordField& f, const uint64_t* low, const uint64_t* high, uint32_t* c,
-                         int32_t n) {
-    uint32_t two32 = wf_reduce(f, uint64_t{1} << 32);
-    for (int32_t k = 0; k < n; k++)
-        c[k] = wf_reduce(f, static_cast<uint64_t>(wf_reduce(f, high[k])) * two32 + wf_reduce(f, low[k]));
-}
-
-// bn <= an. Reduction once a coefficient: see "Modern Computer Arithmetic" (Brent, Zimmermann), 2.5.
-static void school_residues(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn,
-                            uint32_t* c) {
-    ScratchMark mark = scratch_mark();
-    int32_t bn4 = (bn + 3) & ~3, row = an + 3;
-    auto* factors = scratch_array<uint32_t>(bn4);
-    auto* padded = scratch_array<uint32_t>(an + 6);
-    auto* low = scratch_array<uint64_t>(int64_t{an} + bn4);
-    memset(factors + bn4 - 4, 0, 4 * sizeof(uint32_t));
-    memcpy(factors, b, static_cast<size_t>(bn) * sizeof(uint32_t));
-    memset(padded, 0, 3 * sizeof(uint32_t));
-    memcpy(padded + 3, a, static_cast<size_t>(an) * sizeof(uint32_t));
-    memset(padded + 3 + an, 0, 3 * sizeof(uint32_t));
-    memset(low, 0, (static_cast<size_t>(an) + static_cast<size_t>(bn4)) * sizeof(uint64_t));
-    uint64_t square = static_cast<uint64_t>(f.p - 1) * (f.p - 1);
-    int32_t n = an + bn - 1;
-    if (square <= UINT64_MAX / static_cast<uint32_t>(bn)) {
-        for (int32_t i = 0; i < bn4; i += 4) four_rows(low + i, padded, row, factors + i);
-        for (int32_t k = 0; k < n; k++) c[k] = wf_reduce(f, low[k]);
-    } else {
-        auto* high = scratch_array<uint64_t>(int64_t{an} + bn4);
-        memset(high, 0, (static_cast<size_t>(an) + static_cast<size_t>(bn4)) * sizeof(uint64_t));
-        for (int32_t i = 0; i < bn4; i += 4) four_rows_split(low + i, high + i, padded, row, factors + i);
-        reduce_split(f, low, high, c, n);
-    }
-    scratch_release(mark);
-}
-
 // The field need not be the one in force: GF(2^8) is enlarged to GF(2^16).
 static void xor_row(const WordField& f, uint32_t* x, const uint32_t* y, int32_t n, uint32_t q) {
     if (q == 0) return;

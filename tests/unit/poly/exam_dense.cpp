@@ -60,6 +60,26 @@ TEST(Dense, LargestSumsDoNotOverflow) {
     }
 }
 
+// Against the transforms, around the lengths where sums of products are reduced in between.
+TEST(Dense, SchoolbookSumsAreExact) {
+    Rng rng{run_seed()};
+    for (int32_t m : {2, 3, 32003, 5931641, 5931643, 67108859, 1073741827, 2147483629, 2147483646}) {
+        InRing ring(m);
+        WordField f = word_field_ring();
+        for (int32_t bn : {1, 15, 17, 127, 128, 129, 257, 400})
+            for (int32_t an : {bn, bn + 31}) {
+                std::vector<uint32_t> a(static_cast<size_t>(an), f.p / 2),
+                    b(static_cast<size_t>(bn), f.p - 1 - (f.p - 1) / 2);
+                if (an > bn)
+                    for (auto& v : a) v = static_cast<uint32_t>(random_int(rng, 0, m - 1));
+                std::vector<uint32_t> c(static_cast<size_t>(an + bn - 1), 77), d = c;
+                school_mult(f, a.data(), an, b.data(), bn, c.data());
+                ntt_mult(f, a.data(), an, b.data(), bn, d.data());
+                ASSERT_EQ(c, d) << m << " " << an << " " << bn;
+            }
+    }
+}
+
 TEST(Dense, TransformsOfEveryLength) {
     InRing ring(2147483629);
     WordField f = word_field_ring();
