@@ -271,6 +271,9 @@ static void install(Compilation& c, funcptr f) {
 /// The first run: the list is read, the statements behind this one are bound.
 static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
     Compilation c = {inf, flag, {}, 0};
+    Unfinished u;
+    begin_unfinished(
+        u, [](void* what) { drop(*static_cast<Compilation*>(what)); }, &c);
     next_token(inf, flag);
     boolean parameters = !at_char('*');
     if (!parameters) next_token(inf, flag);
@@ -280,6 +283,7 @@ static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
     const formnode* here = f->rht;
     while (here != nullptr && here->cptr != p) here = here->next;
     if (good && here == nullptr) good = compile_error(Err::compile_not_in_body, token);
+    end_unfinished(u);
     if (!good) {
         drop(c);
         return false;
