@@ -141,7 +141,7 @@ bool columns_of_rows(FILE* inf, nameptr* flag, const int32_t** columns, int32_t*
 // ---- targets -------------------------------------------------------------------------------------------
 
 arrptr array_of(const ElementTarget& target) {
-    arrptr a = arr_store[target.name.address];
+    arrptr a = *arr_store.chain_of(target.name);
     while (a != nullptr && a->time != target.stamp) a = a->next;
     return a;
 }

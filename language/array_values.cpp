@@ -119,6 +119,30 @@ void cancel_array(arrptr a) {
     free_array(a);
 }
 
+/// True if may_cancel() raises no error for it.
+static bool is_free(const arrnode* a) { return !is_alias(a) && a->lent == 0 && a->aliases == 0; }
+
+arrptr cancel_arrays(bool (*listed)(const arrnode* a, const void* context), const void* context) {
+    arrptr kept = nullptr;
+    for (arrptr* chain = arr_store.begin(); kept == nullptr && chain < arr_store.end(); chain++) {
+        for (arrptr a = *chain; kept == nullptr && a != nullptr;) {
+            arrptr next = a->next;
+            if (listed(a, context)) {
+                if (!is_free(a)) {
+                    kept = a;
+                } else {
+                    if (is_watched() && a->ring == modulus) release_elements(a);
+                    settle_holders(a);
+                    free_array_of_many(a);
+                }
+            }
+            a = next;
+        }
+    }
+    close_holes();
+    return kept;
+}
+
 void convert_to_sparse(arrptr a) {
     settle_holders(a);
     for (int32_t k = 0; borrowed_operands > 0 && k < a->sizearr; k++) {

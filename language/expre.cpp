@@ -526,16 +526,16 @@ static void increment(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr
     *qp = n;
 }
 
-static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* flag) {
+static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* flag, boolean dropped) {
     next_token(inf, flag);
     old_expre(inf, n, flag);
     *qp = n;
     quoly value = *n;
     *n = nullptr;
-    if (*flag == nullptr)
+    if (*flag == nullptr && !dropped)
         quoly_assign_polled(value, n);  // for display
     else
-        quoly_set(0, n);  // the statements of a body need no copies
+        quoly_set(0, n);  // the statements of a body and of a file need no copies
     if (name.is_element)
         store_element(name.element, &value);
     else
@@ -543,7 +543,8 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
 }
 
 /// What follows the ":" after the single term at *qp, which is a variable of that name if *n is nil.
-[[gnu::noinline]] static void after_colon(FILE* inf, quolyptr* qp, quolyptr n, Target name, nameptr* flag) {
+[[gnu::noinline]] static void after_colon(FILE* inf, quolyptr* qp, quolyptr n, Target name, nameptr* flag,
+                                          boolean dropped) {
     next_token(inf, flag);
     name.is_element = *n == nullptr && *qp == element_read.at;
     if (name.is_element) name.element = element_read.target;
@@ -552,7 +553,7 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
         if (!assignable)
             error(Err::assignment_left_value);
         else if (at_char('='))
-            assign(inf, qp, n, name, flag);
+            assign(inf, qp, n, name, flag, dropped);
         else
             increment(inf, qp, n, name, flag);
         return;
@@ -565,16 +566,18 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
 
 void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
     Target name = {token, *flag, false, {}};
+    boolean dropped = eval_state.value_dropped;
+    eval_state.value_dropped = 0;
     term(inf, qp, n, aux, colpos, flag);
     if (at_char(':'))
-        after_colon(inf, qp, n, name, flag);
+        after_colon(inf, qp, n, name, flag, dropped);
     else
         rest_of_sum(inf, qp, n, flag);
 }
 
 void rest_of_statement(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     if (at_char(':')) {
-        after_colon(inf, qp, n, {token, nullptr, false, {}}, flag);
+        after_colon(inf, qp, n, {token, nullptr, false, {}}, flag, 0);
         return;
     }
     postfix(inf, qp, n, flag);

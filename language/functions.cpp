@@ -16,9 +16,7 @@ namespace tolvex {
 static funcptr* link_of_function(tokentipe& name) {
     if (name.address < 0 || name.address >= k_builtin_address)
         name.address = hash(name.name, k_function_buckets);
-    funcptr* link = &func_store[name.address];
-    while (*link != nullptr && !same_name((*link)->name, name)) link = &(*link)->next;
-    return link;
+    return func_store.link_of(name);
 }
 
 static void free_function(funcptr* f) {
@@ -42,7 +40,7 @@ static bool is_running(const funcnode* f) {
 
 static void unlink_function(funcptr* link) {
     funcptr f = *link;
-    *link = f->next;
+    func_store.take_off(link);
     free_function(&f);
 }
 
@@ -161,8 +159,7 @@ void funcdef(FILE* inf, nameptr* flag) {
         tok_set(token, ";");  // the rest of the line went with the definition
         return;
     }
-    f->next = func_store[f->name.address];
-    func_store[f->name.address] = f;
+    func_store.push(f);
     if (r.token_ahead)
         token = r.after;
     else
@@ -308,9 +305,7 @@ static void push_parameters(varptr first, arrptr* arrays) {
         if (arrays != nullptr && arrays[place] != nullptr) link_array(arrays[place]);
         varptr v = first;
         first = v->next;
-        varptr* bucket = &sca_store[v->let.address];
-        v->next = *bucket;
-        *bucket = v;
+        sca_store.push(v);
     }
 }
 
@@ -319,10 +314,9 @@ static varptr unlink_parameters(const funcnode* f) {
     varptr first = nullptr;
     varptr* tail = &first;
     for (const paramnode* p = f->pars; p != nullptr; p = p->next) {
-        varptr* link = &sca_store[p->let.address];
-        while (!same_name((*link)->let, p->let)) link = &(*link)->next;
+        varptr* link = sca_store.link_of(p->let);
         varptr v = *link;
-        *link = v->next;
+        sca_store.take_off(link);
         v->next = nullptr;
         *tail = v;
         tail = &v->next;
@@ -462,7 +456,7 @@ static void reach_functions() {
 #endif
 
 void init_functions() {
-    for (funcptr& bucket : func_store) bucket = nullptr;
+    func_store.clear();
 #ifdef TOLVEX_CHECKED
     audit_pool<funcnode>("funcnode");
     audit_pool<paramnode>("paramnode");

@@ -41,7 +41,7 @@ struct funcnode {
 static_assert(std::is_trivially_destructible_v<funcnode> && std::is_trivially_destructible_v<paramnode>);
 inline funcptr func_garb = nullptr;
 inline paramptr param_garb = nullptr;
-inline funcptr func_store[k_function_buckets] = {};
+inline NameTable<funcnode, &funcnode::name, k_function_buckets> func_store;
 
 /// One running call.
 struct CallFrame {

@@ -28,6 +28,7 @@ struct held_operand {
 /// and puts it back after a jump: all zero at level 1.
 struct EvalState {
     held_operand* held;  // innermost first; not nil: a value is half computed, the ring must not change
+    boolean value_dropped;  // the statement that begins here is asked for no value: an assignment makes no copy of it
     boolean bar_closes;  // k_bar_closes, k_line_closes: what ends an expression here (language/evaluator.h)
     polypt user_names;   // the list of variables while a display uses another one; nil: polynames is in force
     boolean user_line_sup;  // and do_line_sup that goes with it

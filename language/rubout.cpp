@@ -20,26 +20,26 @@ static void delete_scalar(FILE* inf, nameptr* flag) {
     if (!delete_var(name)) error(Err::undefined_variable, tok_text(name));
 }
 
+static bool is_named(const arrnode* a, const void* name) {
+    return same_name(a->name, *static_cast<const tokentipe*>(name));
+}
+
 /// `[*x]`: all arrays of the name.
 static void delete_all_of_name(FILE* inf, nameptr* flag) {
     tokentipe name = token;
     arrptr a = nullptr;
     if (!is_lower(tok_char(name)))
         error(Err::undefined_array, tok_text(name));
-    else if (array_seek(name, &a))
-        while (a != nullptr && removearray(true, name)) fastestlookup(name, &a);
+    else if (array_seek(name, &a) && (a = cancel_arrays(is_named, &name)) != nullptr)
+        may_cancel(a, name);
     if (a == nullptr) next_token(inf, flag);
 }
 
 /// `[**]`: every array. What cannot be cancelled stops it.
 static void delete_all_arrays(FILE* inf, nameptr* flag) {
     next_token(inf, flag);
-    for (arrptr& bucket : arr_store) {
-        while (bucket != nullptr) {
-            tokentipe name = bucket->name;
-            if (!removearray(false, name)) return;
-        }
-    }
+    arrptr kept = cancel_arrays([](const arrnode*, const void*) { return true; }, nullptr);
+    if (kept != nullptr) may_cancel(kept, kept->name);
 }
 
 /// `[x]`, `[*x]`, `[**]`.
@@ -79,7 +79,9 @@ static void delete_older_arrays(FILE* inf, nameptr* flag) {
     if (!array_seek(name, &newest)) return;
     for (arrptr a = older_array(newest); a != nullptr; a = older_array(a))
         if (!may_cancel(a, name)) return;
-    while (arrptr a = older_array(newest)) cancel_array(a);
+    cancel_arrays([](const arrnode* a,
+                     const void* n) { return a != n && is_named(a, &static_cast<const arrnode*>(n)->name); },
+                  newest);
     next_token(inf, flag);
     if (expect(inf, flag, ']', Err::close_bracket_expected))
         expect(inf, flag, '>', Err::greater_expected_after_name);

@@ -14,16 +14,10 @@
 #include "storage/audit.h"
 #include "storage/failure.h"
 namespace tolvex {
-static inline varptr* bucket_of(tokentipe& name) {
-    if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
-    return &sca_store[name.address];
-}
-
 /// The link that points to the variable of that name; it points to nil if there is none.
-static varptr* link_of(tokentipe& name) {
-    varptr* link = bucket_of(name);
-    while (*link != nullptr && !same_name((*link)->let, name)) link = &(*link)->next;
-    return link;
+static inline varptr* link_of(tokentipe& name) {
+    if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
+    return sca_store.link_of(name);
 }
 
 varptr find_var(tokentipe& name) { return *link_of(name); }
@@ -60,12 +54,10 @@ void insert_var(tokentipe& name, quoly value, varptr* p) {
         *p = *link;
         free_value(&(*p)->val);
     } else {
-        varptr* bucket = bucket_of(name);
         *p = pool_pop<&varnode::next>(var_garb, nullptr);
         (*p)->let = name;
         (*p)->bound = (*p)->own = nullptr;
-        (*p)->next = *bucket;
-        *bucket = *p;
+        sca_store.push(*p);
     }
     if (value != nullptr && value->numb) value->arr_arg = 0;
     (*p)->val = value;
@@ -75,7 +67,7 @@ bool delete_var(tokentipe& name) {
     varptr* link = link_of(name);
     varptr p = *link;
     if (p == nullptr) return false;
-    *link = p->next;
+    sca_store.take_off(link);
     if (p->bound != nullptr) unbind(p);
     free_value(&p->val);
     pool_push<&varnode::next>(var_garb, p);
@@ -155,7 +147,7 @@ static void reach_values() {
 #endif
 
 void init_symbols() {
-    for (varptr& bucket : sca_store) bucket = nullptr;
+    sca_store.clear();
     init_stack_bound();
     init_builtins();
 #ifdef TOLVEX_CHECKED

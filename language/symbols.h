@@ -7,7 +7,7 @@
 /// Invariant  a bucket is a chain, new entries at its head, so that locals shadow globals.
 /// Ownership  a varnode owns its value; nil: the variable exists without a value.
 /// Raises     19 undefined variable (spec_retrieve).
-#include "language/tokens/token.h"
+#include "language/tokens/name_table.h"
 #include "quoly/quoly.h"
 namespace tolvex {
 struct varnode;
@@ -21,7 +21,7 @@ struct varnode {
     varptr outer;    // and what that led to before the call
 };
 inline varptr var_garb = nullptr;
-inline varptr sca_store[k_variable_buckets] = {};
+inline NameTable<varnode, &varnode::let, k_variable_buckets> sca_store;
 
 /// *qp := location of the value, nil if there is no such variable. n: work location for names that stand for
 /// a value without a location of its own.

@@ -7,18 +7,17 @@
 #include "storage/audit.h"
 #include "storage/failure.h"
 #include "storage/memory.h"
+#include "storage/scratch.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 namespace tolvex {
 // ---- tables --------------------------------------------------------------------------------------------
 
-static inline arrptr* bucket_of(const tokentipe& name) { return &arr_store[name.address]; }
-
 int32_t fastestlookup(tokentipe& name, arrptr* p) {
     if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
-    arrptr a = *bucket_of(name);
-    while (a != nullptr && !same_name(a->name, name)) a = a->next;
+    arrptr a = *arr_store.link_of(name);
     *p = a;
     return a == nullptr ? -1 : array_itself(a)->start;
 }
@@ -30,16 +29,12 @@ bool array_seek(tokentipe& name, arrptr* p) {
     return false;
 }
 
-void link_array(arrptr a) {
-    arrptr* bucket = bucket_of(a->name);
-    a->next = *bucket;
-    *bucket = a;
-}
+void link_array(arrptr a) { arr_store.push(a); }
 
 void unlink_array(arrptr a) {
-    arrptr* link = bucket_of(a->name);
+    arrptr* link = arr_store.chain_of(a->name);
     while (*link != a) link = &(*link)->next;
-    *link = a->next;
+    arr_store.take_off(link);
 }
 
 // ---- elements ------------------------------------------------------------------------------------------
@@ -189,17 +184,29 @@ void free_alias(arrptr a) {
 
 // ---- release -------------------------------------------------------------------------------------------
 
-/// Positions first..first + n - 1, which are nil, go; the elements behind them and their arrays move down.
-static void close_hole(int32_t first, int32_t n, int32_t stamp) {
-    for (int32_t to = first, from = first + n; from <= endarr;) {
+/// The slots from..last move down to `to`.
+static void move_down(int32_t to, int32_t from, int32_t last) {
+    while (from <= last) {
         int32_t run = minn(minn(k_store_block - to % k_store_block, k_store_block - from % k_store_block),
-                           endarr - from + 1);
+                           last - from + 1);
         memmove(static_cast<void*>(arp_slot(to)), arp_slot(from), static_cast<size_t>(run) * sizeof(quoly));
         to += run;
         from += run;
     }
-    for (int32_t k = endarr - n + 1; k <= endarr; k++) *arp_slot(k) = nullptr;
-    endarr -= n;
+}
+
+/// The store ends at `last`; the slots behind it, which have moved away, are nil.
+static void end_store(int32_t last) {
+    for (int32_t k = last + 1; k <= endarr; k++) *arp_slot(k) = nullptr;
+    endarr = last;
+}
+
+/// Positions first..first + n - 1, which are nil, go; the elements behind them and their arrays move down.
+static void close_hole(int32_t first, int32_t n, int32_t stamp) {
+    bool at_the_end = first + n > endarr;
+    move_down(first, first + n, endarr);
+    end_store(endarr - n);
+    if (at_the_end) return;  // the newest array: none stands behind it
     for (arrptr a : arr_store) {
         for (; a != nullptr; a = a->next) {
             if (a->time < stamp || a->spar != nullptr) continue;
@@ -235,14 +242,43 @@ static void empty_places(arrptr a) {
     }
 }
 
-void free_array(arrptr a) {
+void free_array_of_many(arrptr a) {
     CHECK(!is_alias(a) && a->aliases == 0 && a->lent == 0);
     unlink_array(a);
-    bool dense = a->spar == nullptr;
     free_elements(a);
-    if (dense) close_hole(a->start, static_cast<int32_t>(a->sizearr), a->time);
     empty_places(a);
     pool_push<&arrnode::next>(arr_garb, a);
+}
+
+void free_array(arrptr a) {
+    bool dense = a->spar == nullptr;
+    int32_t first = a->start, n = static_cast<int32_t>(a->sizearr), stamp = a->time;
+    free_array_of_many(a);
+    if (dense) close_hole(first, n, stamp);
+}
+
+static int by_start(const void* a, const void* b) {
+    return (*static_cast<const arrptr*>(a))->start - (*static_cast<const arrptr*>(b))->start;
+}
+
+void close_holes() {
+    ScratchMark mark = scratch_mark();
+    auto* dense = scratch_array<arrptr>(arr_store.entries);
+    int64_t n = 0;
+    for (arrptr a : arr_store)
+        for (; a != nullptr; a = a->next)
+            if (!is_alias(a) && a->spar == nullptr) dense[n++] = a;
+    qsort(dense, static_cast<size_t>(n), sizeof *dense, by_start);
+    int32_t end = -1;
+    for (int64_t i = 0; i < n; i++) {
+        arrptr a = dense[i];
+        if (a->start != end + 1) move_down(end + 1, a->start, a->stop);
+        a->stop += end + 1 - a->start;
+        a->start = end + 1;
+        end = a->stop;
+    }
+    end_store(end);
+    scratch_release(mark);
 }
 
 void reshape_array(arrptr a, int64_t r, int64_t c, bool liner, sparseptr chain) {

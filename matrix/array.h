@@ -14,7 +14,7 @@
 /// Ownership  an array owns its elements, an alias nothing. Elements are freed here without asking whether an
 ///            evaluator holds them: language/array_values.h does that first.
 /// Raises     26, 27, 43 creation; 27 subscripts; 28 array_seek; 221 array of arrays.
-#include "language/tokens/token.h"
+#include "language/tokens/name_table.h"
 #include "matrix/sparse.h"
 #include "matrix/work.h"
 namespace tolvex {
@@ -47,7 +47,7 @@ struct storerec {
 using one_array = storerec* [k_store_blocks];
 
 inline arrptr arr_garb = nullptr;
-inline arrptr arr_store[k_variable_buckets] = {};
+inline NameTable<arrnode, &arrnode::name, k_variable_buckets> arr_store;
 inline one_array arp = {};
 inline int32_t numblocks = 0;   // blocks in use; they are kept
 inline int32_t endarr = -1;     // last position in use
@@ -115,6 +115,10 @@ void enter_ring(arrptr a);
 /// Cancels the array itself: unlinks it, frees what it owns, closes the hole that it leaves in the store. Its
 /// places in the array of arrays become empty. It has no alias and lends nothing.
 void free_array(arrptr a);
+/// The same for one of many: its hole stays until close_holes(), which must follow before anything raises.
+void free_array_of_many(arrptr a);
+/// The arrays move together over the holes: time n log n in their number, and linear in their elements.
+void close_holes();
 /// True if a dense array of r by c has room in the store once this one, if it is dense, has gone; else error
 /// 26 or 43.
 bool store_has_room(const arrnode* a, int64_t r, int64_t c);

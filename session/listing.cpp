@@ -226,8 +226,9 @@ static void simple_write_p(const ListingSink& out, const funcnode* f) {
 }
 
 /// The definition of that name at this place among those of the name, 0 the newest; nil if there is none.
-static const funcnode* nth_function(const tokentipe& name, int32_t place) {
-    const funcnode* f = func_store[hash(name.name, k_function_buckets)];
+static const funcnode* nth_function(tokentipe name, int32_t place) {
+    name.address = hash(name.name, k_function_buckets);
+    const funcnode* f = *func_store.chain_of(name);
     for (; f != nullptr; f = f->next)
         if (same_name(f->name, name) && place-- == 0) return f;
     return nullptr;

@@ -16,7 +16,7 @@ static constexpr int32_t k_most_described = 1500;
 
 /// The array of that name at this place among those of the name, 0 the newest; nil if there is none.
 static arrptr nth_array(const tokentipe& name, int32_t place) {
-    arrptr a = arr_store[hash(name.name, k_variable_buckets)];
+    arrptr a = *arr_store.chain_of(name);
     for (; a != nullptr; a = a->next)
         if (same_name(a->name, name) && place-- == 0) return a;
     return nullptr;
@@ -72,15 +72,17 @@ static void describe_sorted(const ListedName* entries, int64_t n) {
 /// The first ones of each bucket. No level opens meanwhile: what is shown is bounded.
 static void describe_buckets(int64_t n) {
     int32_t described = 0;
-    for (arrptr a : arr_store) {
+    for (int32_t i = 0; i < k_variable_buckets; i++) {
         int32_t here = 0, more = 0;
-        for (; a != nullptr; a = a->next) {
-            if (here < k_most_of_a_bucket && described < k_most_described) {
-                arrdescribe(a);
-                here++;
-                described++;
-            } else {
-                more++;
+        for (arrptr* chain = arr_store.bucket(i); chain < arr_store.bucket(i + 1); chain++) {
+            for (arrptr a = *chain; a != nullptr; a = a->next) {
+                if (here < k_most_of_a_bucket && described < k_most_described) {
+                    arrdescribe(a);
+                    here++;
+                    described++;
+                } else {
+                    more++;
+                }
             }
         }
         if (more > 0 && described < k_most_described) printf(" ... %d more.\n", more);

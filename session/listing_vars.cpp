@@ -18,7 +18,7 @@ static constexpr int32_t k_most_of_a_name = 10;  // variables of one name that a
 
 /// The variable of that name at this place among those of the name, 0 the newest; nil if there is none.
 static varptr nth_variable(const tokentipe& name, int32_t place) {
-    varptr p = sca_store[hash(name.name, k_variable_buckets)];
+    varptr p = *sca_store.chain_of(name);
     for (; p != nullptr; p = p->next)
         if (same_name(p->let, name) && place-- == 0) return p;
     return nullptr;

@@ -1,6 +1,6 @@
 #include "session/load.h"
 
-#include "language/language_modes.h"
+#include "language/evaluator.h"
 #include "language/parse.h"
 #include "language/tokens/scanner.h"
 #include "poly/poly_modes.h"
@@ -54,6 +54,7 @@ static bool something_follows(FILE* inf) {
 static void run_file_statement(FILE* file) {
     quoly value = nullptr;
     scanner(file, &token, &zilch);
+    eval_state.value_dropped = is_lower(tok_char(token));
     clear_statement_counters();
     run_statement(file, &value, &zilch);
     zilch = nullptr;

@@ -95,12 +95,12 @@ template <auto link, class R> inline void pool_splice(R*& head, R* first, R* las
 #else
 template <auto link, class R> inline R* pool_link(const R* p) { return p->*link; }
 
-/// A record of the pool `head`, contents undefined; from `source` (nullptr: the general allocator) if it is
+/// A record of the pool `head`, contents undefined; from `source` (nullptr: the chunks of fresh_record) if it is
 /// empty.
 template <auto link, class R> inline R* pool_pop(R*& head, stash_rec* source) {
     R* p = head;
     if (__builtin_expect(p == nullptr, 0))
-        return static_cast<R*>(source != nullptr ? fresh_slug(source) : checked_malloc(sizeof(R)));
+        return static_cast<R*>(source != nullptr ? fresh_slug(source) : fresh_record(sizeof(R)));
     head = p->*link;
     return p;
 }

@@ -106,6 +106,22 @@ int32_t* get_small(int32_t number) {
     return p;
 }
 
+void* fresh_record(size_t bytes) {
+    constexpr size_t k_chunk = 65536, k_small = 1024;
+    static unsigned char* next = nullptr;
+    static size_t left = 0;
+    if (bytes > k_small) return checked_malloc(bytes);
+    bytes = (bytes + 7) / 8 * 8;
+    if (left < bytes) {
+        next = static_cast<unsigned char*>(checked_malloc(k_chunk));
+        left = k_chunk;
+    }
+    unsigned char* p = next;
+    next += bytes;
+    left -= bytes;
+    return p;
+}
+
 void stash_stats() {
     printf("STASH NAME: number of blocks, number of slugs, slugs_used, slug_size\n");
     fflush(stdout);

@@ -38,17 +38,17 @@ struct binding;
 /// One element of a token list or of the history ring.
 struct namenode {
     tokentipe let;
-    boolean compiled;  // bound by Compile
-    boolean space;     // a blank followed in the source
-    classtype tipe;
-    int32_t word;  // word_literal: the number
+    bool compiled;   // bound by Compile
+    bool space;      // a blank followed in the source
+    classtype tipe;  // behind the bytes of the token without a gap: bodies are long
+    int32_t word;    // word_literal: the number
     union {
         binding* bound;  // compiled: what the name stands for, shared by all nodes that name it
         nameptr last;    // word_literal: its last digit
     };
     nameptr next;
 };
-static_assert(std::is_trivially_destructible_v<namenode>);
+static_assert(sizeof(namenode) == 40 && std::is_trivially_destructible_v<namenode>);
 
 struct comnode;
 using comptr = comnode*;

@@ -41,6 +41,27 @@ TEST_F(Arrays, CancellingTheFirstOfThreeMovesTheOthers) {
     free_array(b);
 }
 
+TEST_F(Arrays, HolesOfManyAreClosedAtOnce) {
+    arrptr a[7];
+    const char* names[] = {"a", "b", "c", "d", "e", "f", "g"};
+    for (int32_t i = 0; i < 7; i++) {
+        a[i] = i == 3 ? sparse_create(name_of(names[i]), 9, 9, false, nullptr)
+                      : insertarr(name_of(names[i]), 500 + i, 3, false);
+        if (i != 3) fill(a[i], 10000 * i);
+    }
+    for (int32_t i : {5, 0, 2}) free_array_of_many(a[i]);
+    close_holes();
+    EXPECT_EQ(a[1]->start, 0);
+    EXPECT_EQ(a[4]->start, 501 * 3);
+    EXPECT_EQ(a[6]->start, 501 * 3 + 504 * 3);
+    EXPECT_EQ(a[6]->stop, endarr);
+    EXPECT_EQ(endarr, (501 + 504 + 506) * 3 - 1);
+    EXPECT_EQ(*arp_slot(endarr + 1), nullptr);
+    for (int32_t i : {1, 4, 6}) expect_filled(a[i], 10000 * i);
+    for (int32_t i : {1, 3, 4, 6}) free_array_of_many(a[i]);
+    close_holes();
+}
+
 TEST_F(Arrays, ANewerArrayHidesAnOlderOne) {
     arrptr first = insertarr(name_of("a"), 2, 1, true);
     arrptr second = insertarr(name_of("a"), 3, 1, true);

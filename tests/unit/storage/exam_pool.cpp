@@ -29,7 +29,6 @@ TEST(Pool, TheLastRecordGivenBackIsTheNextTaken) {
     EXPECT_EQ(take(), b);
     EXPECT_EQ(take(), a);
     EXPECT_EQ(head, nullptr);
-    free(a), free(b);
 }
 
 TEST(Pool, AChainKeepsItsOrder) {
@@ -40,9 +39,20 @@ TEST(Pool, AChainKeepsItsOrder) {
     EXPECT_EQ(head, chain[0]);
     EXPECT_EQ((pool_length<&record::next>(head, 100)), 5);
     EXPECT_EQ((pool_length<&record::next>(head, 3)), 3) << "counting stops at the cap";
-    for (record* p : chain) {
-        EXPECT_EQ(take(), p);
-        free(p);
+    for (record* p : chain) EXPECT_EQ(take(), p);
+}
+
+TEST(Pool, RecordsWithoutAStashStandSideBySide) {
+    std::set<unsigned char*> seen;
+    for (size_t bytes : {24u, 40u, 41u, 1024u, 1025u, 100000u}) {
+        for (int i = 0; i < 100; i++) {
+            auto* p = static_cast<unsigned char*>(fresh_record(bytes));
+            EXPECT_EQ(reinterpret_cast<uintptr_t>(p) % 8, 0u);
+            memset(p, i, bytes);
+            auto above = seen.lower_bound(p);
+            EXPECT_TRUE(above == seen.end() || *above >= p + bytes);
+            seen.insert(p);
+        }
     }
 }
 #endif
