@@ -5,6 +5,8 @@
 #include "session/save_settings.h"
 #include "storage/failure.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -35,6 +37,21 @@ static FILE* open_beside(const struct stat* old) {
     umask(mask);
     fchmod(fd, old != nullptr ? old->st_mode & 07777 : 0666 & ~mask);
     return fdopen(fd, "w");
+}
+
+/// While a file is open for writing, a limit on the size of files or a reader that leaves its pipe is a write that fails
+/// (error 348) and not the end of the session.
+static void outlive_failed_writes(bool file_is_open) {
+    using Handler = void (*)(int);
+    static Handler before[2];
+    static bool outliving = false;
+    if (outliving == file_is_open) return;
+    outliving = file_is_open;
+    constexpr int k_signals[2] = {SIGXFSZ, SIGPIPE};
+    for (int i = 0; i < 2; i++) {
+        Handler old = signal(k_signals[i], file_is_open ? SIG_IGN : before[i]);
+        if (file_is_open) before[i] = old;
+    }
 }
 
 static FILE* open_for_writing(const char* name) {
@@ -75,15 +92,21 @@ static void leave_old_content() {
     output.beside[0] = 0;
 }
 
+/// Closes the stream; false if its last bytes could not be written.
+static bool give_up_file() {
+    bool written = fclose(outpuf) == 0;
+    outpuf = nullptr;
+    output_file_name[0] = 0;
+    outlive_failed_writes(false);
+    return written;
+}
+
 static bool close_output_file() {
     if (outpuf == nullptr) return true;
     drop_partial_image();
     leave_old_content();
     bool written = commit();
-    written = fclose(outpuf) == 0 && written;
-    outpuf = nullptr;
-    output_file_name[0] = 0;
-    return written;
+    return give_up_file() && written;
 }
 
 void finish_output_file() { close_output_file(); }
@@ -129,6 +152,7 @@ bool save_named(const char* name, bool quiet) {
         return false;
     }
     snprintf(output_file_name, sizeof output_file_name, "%s", name);
+    outlive_failed_writes(true);
     return true;
 }
 
@@ -151,17 +175,25 @@ void forget_image() {
     drop_partial_image();
 }
 
+/// The image that begins at `first` could not be written: the images before it stay as they are.
+static void give_up_image(long first) {
+    int fd = dup(fileno(outpuf));
+    give_up_file();  // what its buffer holds may get through even now
+    if (fd < 0) return;
+    if (first >= 0 && ftruncate(fd, first) != 0) errno = 0;  // no plain file
+    close(fd);
+}
+
 void save_session() {
     if (refuse_while_writing()) return;
     output.image_start = ftell(outpuf);  // -1 for a pipe, which cannot take anything back
     output.writing = true;
     write_image();
     output.writing = false;
+    long first = output.image_start;
     output.image_start = -1;
     if (!commit()) {
-        fclose(outpuf);
-        outpuf = nullptr;
-        output_file_name[0] = 0;
+        give_up_image(first);
         error(Err::file_write_failed);
         return;
     }

@@ -19,7 +19,6 @@ WAITING = {
     71: "takes a list of more than a million values",
     308: "square-free parts over a field, which no command takes yet",
     314: "subscripts that may not be negative: no transcript",
-    348: "takes a device that is full",
     353: "polynomials that are modded out, which no command declares yet",
     356: "polynomials that are modded out, which no command declares yet",
 }
