@@ -6,6 +6,7 @@
 #include "gcd/num_content.h"
 #include "gcd/polygcd_env.h"
 #include "gcd/word_gcd.h"
+#include "gcd/word_lane.h"
 #include "poly/div_field.h"
 #include "poly/div_general.h"
 #include "poly/div_trial.h"
@@ -182,6 +183,18 @@ bool try_over_integers(polygcd_EnvRec& env) {
     return alternate_finish(env, g);
 }
 
+// Evaluation and interpolation. A field with fewer elements than the gcd may have degrees is not tried: its
+// points come from an extension at once.
+static bool interpolate(polygcd_EnvRec& env) {
+    poly g = nullptr;
+    bool found = points_are_few() && gcd_over_enlarged_field(env.u, env.v, &g, env.pt);
+    if (!found && (!points_are_few() || env.delta < modulus))
+        found = mod_multivar_Chinese(env.u, env.v, &g, env.delta, env.pt) && accept(env, g);
+    if (found) return alternate_finish(env, g);
+    free_poly(&g);
+    return false;
+}
+
 bool try_modular(polygcd_EnvRec& env) {
     if (!modularmode) return false;
     bool trial =
@@ -189,11 +202,7 @@ bool try_modular(polygcd_EnvRec& env) {
     if (trial && trial_poly_divide_noq(env.u, env.v, env.pt, 1, 0)) return finish_with_v(env);
     if (env.level <= 1 || !chinhensel || env.usparse || !mod_do_Chinese(env.u, env.v, env.delta))
         return false;
-    poly g = nullptr;
-    if (mod_multivar_Chinese(env.u, env.v, &g, env.delta, env.pt) && accept(env, g))
-        return alternate_finish(env, g);
-    free_poly(&g);
-    return false;
+    return interpolate(env);
 }
 
 /// Algorithm C: right everywhere, and what remains.

@@ -9,10 +9,12 @@
 #include "numbers/residue.h"
 #include "poly/div_general.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_modes.h"
 #include "poly/poly_scale.h"
 #include "poly/poly_test.h"
 namespace tolvex {
 static constexpr int64_t k_most_images = 1 << 17;
+static constexpr int64_t k_most_images_at_last = 1 << 24;  // where only the remainder sequence is left
 static constexpr int64_t k_few_images = 24;
 static constexpr double k_sparse = 0.03;  // of the box that sparse operands fill at most
 
@@ -72,10 +74,10 @@ static bool try_divisor(const WordGcdEnv& env, poly small, const PackMeasure& m,
 }
 
 // Evaluation and interpolation take an image for each combination of points of all levels but the first.
-static int64_t image_count(const WordGcdEnv& env) {
+static int64_t image_count(const WordGcdEnv& env, int64_t most) {
     int64_t images = 1;
     bool first = true;
-    for (int32_t i = 0; i < env.levels && images <= k_most_images; i++) {
+    for (int32_t i = 0; i < env.levels && images <= most; i++) {
         if (env.bound[i] == 0) continue;
         if (!first) images *= int64_t{env.bound[i]} + 2;
         first = false;
@@ -93,11 +95,11 @@ static bool is_sparse(const WordGcdEnv& env) {
 
 // Sparse operands by their terms, with no more points than the other way would take images; dense ones by
 // their box; at last by terms whatever it takes.
-static bool gcd_by_images(WordGcdEnv& env, polyptrr g) {
-    int64_t images = image_count(env);
+static bool gcd_by_images(WordGcdEnv& env, int64_t most_images, polyptrr g) {
+    int64_t images = image_count(env, most_images);
     bool by_terms = images > k_few_images && is_sparse(env);
     if (by_terms && gcd_of_few_terms(env, images, g)) return true;
-    if (images <= k_most_images && (modularmode ? gcd_over_field(env, g) : gcd_over_integers(env, g)))
+    if (images <= most_images && (modularmode ? gcd_over_field(env, g) : gcd_over_integers(env, g)))
         return true;
     return !by_terms && gcd_of_few_terms(env, INT32_MAX, g);
 }
@@ -116,7 +118,7 @@ static bool gcd_of_level(WordGcdEnv& env, polyptrr g) {
     return univariate_gcd(env, level, g);
 }
 
-bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool raw) {
+static bool gcd_of_words(poly u, poly v, polyptrr r, polypt pt, bool raw, int64_t most_images) {
     if (is_number(u) || is_number(v) || ring_is_composite() || (lintmode && !modularmode)) return false;
     WordGcdEnv env;
     open_operands(env, u, v, pt);
@@ -128,11 +130,24 @@ bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool raw) {
         if (bound_by_images(env))
             g = common_monomial(env);
         else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
-                 !gcd_by_images(env, &g))
+                 !gcd_by_images(env, most_images, &g))
             return false;
     }
     hand_over(g, r);
     return true;
+}
+
+bool word_gcd(poly u, poly v, polyptrr r, polypt pt, bool raw) {
+    return gcd_of_words(u, v, r, pt, raw, k_most_images);
+}
+
+bool points_are_few() {
+    constexpr int32_t k_few_elements = 1024;
+    return modularmode && field_depth == 0 && (finf ? f256 != 0 : mod_is_prime && modulus < k_few_elements);
+}
+
+bool gcd_over_enlarged_field(poly u, poly v, polyptrr r, polypt pt) {
+    return gcd_of_words(u, v, r, pt, false, k_most_images_at_last);
 }
 
 // Zero divisors: what is found for sure. Reduction by less than the whole common factor is still right.

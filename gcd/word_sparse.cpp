@@ -20,7 +20,7 @@ namespace {
 constexpr int32_t k_restarts = 6;
 constexpr int64_t k_most_points = 4096;
 constexpr int32_t k_group_box = 1 << 20;  // exponents packed into one logarithm
-constexpr uint32_t k_least_field = 4096;  // of elements
+constexpr uint32_t k_least_field = 1024;  // of elements
 constexpr int32_t k_spare_points = 2;     // that a recurrence must predict
 }  // namespace
 
