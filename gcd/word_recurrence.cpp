@@ -217,7 +217,12 @@ static void mulmod(const WordField& f, uint32_t* x, const uint32_t* y, const uin
     memset(room, 0, static_cast<size_t>(2 * t) * sizeof(uint32_t));
     for (int32_t k = 0; k <= 2 * t - 2; k++) {
         uint64_t sum = 0;
-        for (int32_t i = maxx(0, k - t + 1); i <= minn(k, t - 1); i++) {
+        int32_t first = maxx(0, k - t + 1), last = minn(k, t - 1);
+        if (f.table) {
+            for (int32_t i = first; i <= last; i++) room[k] = wf_add(f, room[k], wf_mul(f, x[i], y[k - i]));
+            continue;
+        }
+        for (int32_t i = first; i <= last; i++) {
             sum += static_cast<uint64_t>(x[i]) * y[k - i];
             if (sum >> 63) sum = wf_reduce(f, sum);
         }
@@ -227,8 +232,33 @@ static void mulmod(const WordField& f, uint32_t* x, const uint32_t* y, const uin
     copy_words(x, room, t);
 }
 
-// Divides p, monic with t different roots in the field, by gcd(p, (z + random)^((order)/2) - 1), and both
-// parts again. (Cantor and Zassenhaus, 1981.) The roots are written to *root.
+// x := a polynomial below the degree t that takes two values on the field, each on about half of it, less one
+// of them; t >= 2, z and room are scratch. Odd order: (z + random)^((order - 1) / 2) - 1. Even order: the
+// trace of random z, the sum of its squares, fourth powers, ...
+static void halve_field(const WordField& f, const uint32_t* p, int32_t t, uint32_t* x, uint32_t* z,
+                        uint32_t* room) {
+    memset(z, 0, static_cast<size_t>(t) * sizeof(uint32_t));
+    memset(x, 0, static_cast<size_t>(t) * sizeof(uint32_t));
+    if (f.p % 2 == 0) {
+        x[1] = z[1] = wf_random_unit(f);
+        for (uint32_t order = f.p / 2; order > 1; order /= 2) {
+            mulmod(f, z, z, p, t, room);
+            for (int32_t i = 0; i < t; i++) x[i] = wf_add(f, x[i], z[i]);
+        }
+        return;
+    }
+    uint32_t exponent = (f.p - 1) / 2;
+    z[0] = wf_random_unit(f);
+    z[1] = x[0] = 1;
+    for (int32_t bit = 31 - __builtin_clz(exponent); bit >= 0; bit--) {
+        mulmod(f, x, x, p, t, room);
+        if (exponent >> bit & 1) mulmod(f, x, z, p, t, room);
+    }
+    x[0] = wf_sub(f, x[0], 1);
+}
+
+// Divides p, monic with t different roots in the field, by its gcd with such a polynomial, and both parts
+// again. (Cantor and Zassenhaus, 1981; Berlekamp, 1970, for the trace.) The roots are written to *root.
 static bool split_roots(const WordField& f, const uint32_t* p, int32_t t, uint32_t** root) {
     if (t == 0) return true;
     if (t == 1) {
@@ -242,19 +272,10 @@ static bool split_roots(const WordField& f, const uint32_t* p, int32_t t, uint32
          *quotient = scratch_array<uint32_t>(t + 1);
     bool done = false;
     for (int32_t tries = 0; tries < k_order_tries && !done; tries++) {
-        memset(z, 0, static_cast<size_t>(t) * sizeof(uint32_t));
-        z[0] = wf_random_unit(f);
-        z[1] = 1;
-        memset(x, 0, static_cast<size_t>(t) * sizeof(uint32_t));
-        x[0] = 1;
-        for (int32_t bit = 31 - __builtin_clz((f.p - 1) / 2); bit >= 0; bit--) {
-            mulmod(f, x, x, p, t, room);
-            if ((((f.p - 1) / 2) >> bit) & 1) mulmod(f, x, z, p, t, room);
-        }
-        x[0] = wf_sub(f, x[0], 1);
+        halve_field(f, p, t, x, z, room);
         copy_words(copy, p, t + 1);
         uint32_t* g;
-        int32_t d = wf_gcd(f, copy, t, x, t - 1, &g);
+        int32_t d = wf_gcd(f, copy, t, x, wf_degree(x, t - 1), &g);
         if (d <= 0 || d == t) continue;
         copy_words(z, g, d + 1);
         copy_words(copy, p, t + 1);
@@ -264,16 +285,6 @@ static bool split_roots(const WordField& f, const uint32_t* p, int32_t t, uint32
     }
     scratch_release(mark);
     return done;
-}
-
-// Tries every element of a small field.
-static bool roots_by_search(const WordField& f, const uint32_t* p, int32_t t, uint32_t* root) {
-    int32_t found = 0;
-    for (uint32_t x = 1; x < f.p && found < t; x++) {
-        if (x % 256 == 0) poll_interrupt();
-        if (wf_value(f, p, t, x) == 0) root[found++] = x;
-    }
-    return found == t;
 }
 
 bool power_roots(const WordField& f, const PowerBase& base, const uint32_t* p, int32_t t, int64_t* e) {
@@ -295,8 +306,6 @@ bool field_roots(const WordField& f, const PowerBase& base, const uint32_t* p, i
         found = power_roots(f, base, p, t, e);
         for (int32_t i = 0; i < t && found; i++)
             root[i] = wf_power(f, base.base, static_cast<uint64_t>(e[i]));
-    } else if (f.table) {
-        found = roots_by_search(f, p, t, root);
     } else {
         uint32_t* end = root;
         found = split_roots(f, p, t, &end) && end - root == t;
