@@ -137,11 +137,11 @@ static bool restrict_terms(const WordField& f, PackTerms& g) {
 }
 
 // One attempt over the field in force.
-static bool field_attempt(WordGcdEnv& env, bool with_points, bool careful, polyptrr g) {
+static bool field_attempt(WordGcdEnv& env, const WordField& f, bool with_points, bool careful, polyptrr g) {
     PackPlan plan;
     if (!plan_operands(env, &plan)) return false;
     BrownEnv brown = {};
-    brown.f = plan.count == 1 && !with_points ? word_field_ring() : word_field_enlarged();
+    brown.f = plan.count == 1 && !with_points ? word_field_ring() : f;
     brown.radix = plan.radix;
     brown.careful = careful;
     PackTerms u = operand_terms(env, plan, env.u, env.um, brown.f, with_points);
@@ -155,15 +155,25 @@ static bool field_attempt(WordGcdEnv& env, bool with_points, bool careful, polyp
     return false;
 }
 
+// The field in force where it has many more elements than the degrees ask for points: its products cost a
+// fraction.
+static WordField field_of_first_round(const WordGcdEnv& env) {
+    constexpr int32_t k_spare_points = 16;
+    int32_t most = 0;
+    for (int32_t i = 0; i < env.levels; i++)
+        most = maxx(most, maxx(span_of(env.um, i), span_of(env.vm, i)) + 1);
+    return most < modulus / k_spare_points ? word_field_ring() : word_field_enlarged();
+}
+
 bool gcd_over_field(WordGcdEnv& env, polyptrr g) {
     ScratchMark mark = scratch_mark();
-    WordField f = word_field_enlarged();
     bool found = false;
     for (int32_t round = 0; round < 4 && !found; round++) {
+        WordField f = round == 0 ? field_of_first_round(env) : word_field_enlarged();
         bool with_points = set_points(env, f.p);
         if (round >= 2)
             for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
-        found = field_attempt(env, with_points && round<2, round> 0, g);
+        found = field_attempt(env, f, with_points && round<2, round> 0, g);
         scratch_release(mark);
     }
     return found;
