@@ -397,7 +397,7 @@ static Costs costs_of(poly u, poly v) {
 }
 
 std::string permuted_settings(const StressProblem& p, Rng& rng) {
-    constexpr double k_most_remainders = 300000, k_most_images = 3000;
+    constexpr double k_most_remainders = 100000, k_most_images = 3000;
     Costs costs = costs_of(p.u, p.v);
     bool sequences = costs.remainders < k_most_remainders, images = costs.images < k_most_images;
     Chooser c = {rng, ""};
