@@ -102,14 +102,25 @@ static void drop(Compilation& c) {
 
 // ---- reading the statement -----------------------------------------------------------------------------
 
-/// True if the parameter stands for a sparse array in the running call.
-static bool is_sparse_parameter(const paramnode* p) {
+/// True if the parameter stands for an array in the running call.
+static bool is_array_parameter(const paramnode* p) {
     tokentipe name = p->let;
     varptr v = find_var(name);
-    if (v == nullptr || v->val == nullptr || !v->val->numb || !v->val->arr_arg) return false;
+    return v != nullptr && v->val != nullptr && v->val->numb && v->val->arr_arg;
+}
+
+static bool is_sparse_parameter(const paramnode* p) {
+    tokentipe name = p->let;
     arrptr a = nullptr;
+    if (!is_array_parameter(p)) return false;
     fastestlookup(name, &a);
     return a != nullptr && array_itself(a)->spar != nullptr;
+}
+
+/// The key of a whole array: no scalar has it. Such a name stays looked up by its text, whose hash is stored.
+static tokentipe array_key(tokentipe name) {
+    name.name[0] = static_cast<unsigned char>(name.name[0] - 'a' + 'A');
+    return name;
 }
 
 static bool no_sparse_parameters(const funcnode* f) {
@@ -121,11 +132,11 @@ static bool no_sparse_parameters(const funcnode* f) {
 static bool enter_parameters(Compilation& c, const funcnode* f) {
     if (!no_sparse_parameters(f)) return false;
     for (const paramnode* p = f->pars; p != nullptr; p = p->next)
-        if (!enter(c, p->let, nullptr, true)) return false;
+        if (!enter(c, is_array_parameter(p) ? array_key(p->let) : p->let, nullptr, true)) return false;
     return true;
 }
 
-/// [x]: a whole array. It stays looked up by its name, whose hash is stored.
+/// [x]: a whole array.
 static bool read_array_item(Compilation& c) {
     next_token(c.inf, c.flag);
     tokentipe name = token;
@@ -136,8 +147,7 @@ static bool read_array_item(Compilation& c) {
     next_token(c.inf, c.flag);
     if (!at_char(']')) return compile_error(Err::close_bracket_expected, token);
     next_token(c.inf, c.flag);
-    name.name[0] = static_cast<unsigned char>(name.name[0] - 'a' + 'A');  // no scalar has this key
-    return enter(c, name, nullptr, false);
+    return enter(c, array_key(name), nullptr, false);
 }
 
 /// The subscript k of x[k]: digits, or a scalar with a numeric value. *key is extended by its text.
