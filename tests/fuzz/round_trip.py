@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Random sessions are saved, loaded in a new process and saved again: the two files must be equal, and the second process must
-read the file without an error.
+"""Random sessions are saved, loaded in a new process and saved again: the two files must be equal, the second process must
+read the file without an error, and both must display the same values, functions and settings.
 
 usage: round_trip.py --tolvex PATH [--count N] [--seed S]
 """
@@ -13,11 +13,14 @@ import subprocess
 import sys
 import tempfile
 
-SWITCHES = {"N": 1, "m": 2, "a": 1, "B": 1, "D": 30, "_l": 1, "t": 1, "V": 1, "W": 1, "_L": 1, "u": 5, "l": 1, "#": 200,
-            "A": 2000, "E": 1, "H": 1, "K": 1, "X": 2000, "O": 1, "_d": 120, "_r": 50, "_s": 1, "_t": 1, "|": 1, "L": 9000}
+SWITCHES = {"N": 1, "m": 2, "a": 9, "B": 1, "D": 30, "_l": 1, "t": 1, "V": 1, "W": 1, "_L": 1, "u": 5, "l": 1, "#": 200,
+            "A": 2000, "E": 1, "H": 1, "K": 1, "X": 2000, "O": 1, "_d": 120, "_r": 50, "_s": 1, "_t": 1, "|": 1, "L": 9000,
+            "e": 1, "n": 1, "&": 1, "U": 0}
+PROMPTS = ["->", "ab", "' '", "'{}'", "[pr]"]
 LEAST = {"X": 300, "A": 10, "#": 4, "_d": 40, "_r": 1, "L": 1}
 MODULI = [2, 3, 7, 101, 32003, 65537, 2147483629, 12, 256, 65536]
 NAMES = ["a", "b", "c", "dd", "long_name1", "u2", "v", "w"]
+QUOTED = "'some text; {x}'"
 VARIABLES = ["x", "y", "z", "t_1"]
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:")
 
@@ -28,6 +31,7 @@ class Session:
         self.variables = rng.sample(VARIABLES, rng.randrange(5))
         self.laurent = bool(self.variables) and rng.random() < 0.2
         self.modular = rng.random() < 0.4
+        self.modulus = rng.choice(MODULI)
 
     def number(self):
         return str(self.rng.choice([self.rng.randrange(20), self.rng.randrange(10**6), self.rng.randrange(10**60)]))
@@ -39,15 +43,22 @@ class Session:
         for _ in range(self.rng.randrange(1, 5)):
             least = -3 if self.laurent else 0
             power = self.rng.randrange(least, 5)
-            factor = "*".join([f"({self.polynomial(depth - 1)})"] + [f"{v}^({power})" for v in self.rng.sample(self.variables, 1)])
-            terms.append(factor)
+            some = self.rng.sample(self.variables, self.rng.randrange(1, min(3, len(self.variables) + 1)))
+            factor = "*".join([f"({self.polynomial(depth - 1)})"] + [f"{v}^({power})" for v in some])
+            terms.append(self.rng.choice(["", "-"]) + factor)
         return "(" + " - ".join(terms) + ")"
 
     def value(self):
-        kind = self.rng.randrange(5)
+        kind = self.rng.randrange(8)
         if kind < 2:
             return self.rng.choice(["", "-"]) + self.number()
+        if kind < 3:  # fractions of numbers; a denominator without inverse is an error, and the name gets 0
+            return f"{self.rng.choice(['', '-'])}{self.number()}/{self.number()}"
         if kind < 4:
+            return f"-{self.polynomial(1)}^{self.rng.randrange(4)}"
+        if kind < 5:
+            return f"{self.number()}^{self.rng.randrange(30)} - {self.number()}"
+        if kind < 7:
             return self.polynomial()
         return f"{self.polynomial()}/({self.polynomial()}+1)"
 
@@ -64,8 +75,11 @@ class Session:
         if kind < 7:
             return f"GCD({e()}, {e()})"
         if kind < 8:
-            return r.choice(["'some; text {x} '", f"{e()}|7", f"$({e()})", f"Sigma<k = 1, 3>[{e()}]"])
-        return f"m[{e()}, {e()}]"
+            return r.choice([f"{e()}|7", f"$({e()})", f"Sigma<k = 1, 3>[{e()}]", f"Prod<k = 1, 2><a = k to 3 by 2>({e()})",
+                             f"|{e()}|", f"_{r.choice(NAMES)}", f"*{r.choice(NAMES)}", f"{r.choice(NAMES)}#({e()}, 2)",
+                             f"{r.choice(NAMES)}\"", f"{r.choice(NAMES)}!", "3.25", "'A'", "<", "<F", "&T", f"%[{e()}][1]",
+                             f"F({e()})", "G", f"Coef({e()}, 1)", f"Divides({e()}, {e()}, ^v)", f"({e()})^-2"])
+        return r.choice([f"m[{e()}, {e()}]", f"vec[{e()}]", f"Deg[m]", f"{e()}//{e()}"])
 
     def condition(self):
         one = f"{self.expression(1)} {self.rng.choice(['<', '>', '=', '<=', '>=', '<>'])} {self.expression(1)}"
@@ -75,7 +89,23 @@ class Session:
 
     def statement(self, depth):
         r = self.rng
-        kind = r.randrange(8 if depth > 0 else 4)
+        kind = r.randrange(12 if depth > 0 else 8)
+        if kind > 10:
+            return f"for k = [sp] {self.expression(1)}, 2 do {self.body(depth - 1)} od"
+        if kind > 9:
+            return f"if {self.condition()} then {self.body(depth - 1)} fi"
+        if kind > 8:
+            return f"for k from {self.expression(1)} to {self.expression(1)} do {self.body(depth - 1)}; &> od"
+        if kind > 7:
+            return f"while not [{self.condition()}] do {self.body(depth - 1)}; &] od"
+        if depth == 0 and kind > 3:
+            return r.choice([f"[m] := [m]*[m] + {self.expression(1)}", f"[m[1~2, {self.expression(1)}]] := [vec]",
+                             f"m[{self.expression(1)}, 2] := {self.expression(1)}", f"vec[1]:+", f"@({r.choice(NAMES)}, [vec])",
+                             f"Return({self.expression(1)})", "&}", "?[m]", f"?{r.choice(NAMES)}", f"&(p = 7: {r.choice(NAMES)})",
+                             f"&p(a, [m])", "&(_d = 60)", "!('a text; {of} all kinds')", f"!!(&o, {self.expression(1)}, [m]:6)",
+                             f"[vec] := [(1, {self.expression(1)}, -3)]", f"[m] := [[1, 2][{self.expression(1)}, x]]",
+                             f"Swap(a, ^b)", f"[m] := Trans[m]", f"%[1] := [m]", f"Array loc[2], s2[3, 3] Sparse",
+                             f"&_m({r.choice(NAMES)} := 3)"])
         if kind < 2:
             return f"{r.choice(NAMES)} := {self.expression()}"
         if kind < 3:
@@ -101,39 +131,109 @@ class Session:
         r = self.rng
         rows, cols = r.randrange(1, 5), r.randrange(1, 5)
         kind = r.randrange(3)
+        if r.random() < 0.15:
+            return [f"[{name}] := {r.choice(['[[1, 2, 3][4, 5, 6]]', '[(7, -8)]', 'Trans[(1, 2, 3)]', QUOTED])}"]
         lines = [f"Array {name}[{rows}]" if kind == 0 else f"Array {name}[{rows}, {cols}]" + (" Sparse" if kind == 2 else "")]
         for _ in range(r.randrange(6)):
             i, j = r.randrange(rows), r.randrange(cols)
             lines.append(f"{name}[{i} + {self.origin}{'' if kind == 0 else f', {j} + {self.origin}'}] := {self.value()}")
         return lines
 
+    def function(self):
+        r = self.rng
+        parameters = r.choice(["", "(k)", "(k, ^v)", "(a, b, k)", "(a; b, k)", "(^u, ^v)"])
+        head = r.choice([""] * 4 + ["Integer; ", "Compile; ", "Compile*; ", "Integer; Compile; ", "Compile(c, dd, vec[1], [m]); ",
+                                    "Compile*(c, x_unknown); "])
+        return f"{r.choice(['Func', 'Function'])} {r.choice(['F', 'G', 'Long_Func', 'F'])}{parameters} = {head}{self.body(2)} ."
+
+    def late_lines(self):
+        """what happens to values that are there: variables come and go, rings change"""
+        r = self.rng
+        out = []
+        for _ in range(r.randrange(4)):
+            kind = r.randrange(8)
+            if kind == 0 and self.variables:
+                out.append(f"&(J = -{r.choice(self.variables)} = {self.number()})")
+            elif kind == 1:
+                out.append(f"&(J {r.choice('=>')} {r.choice(VARIABLES + ['zz'])})")
+            elif kind == 2:
+                out.append(f"&(p = {r.choice(MODULI)})")
+            elif kind == 3:
+                out.append("&(p = _i)")
+            elif kind == 4:
+                ring = r.choice(MODULI + ["_i"])
+                out.append(f"&(p = {ring}: {r.choice(NAMES)}, {r.choice(NAMES)}, [m])")
+            elif kind == 5:
+                out.append(f"@{r.choice(NAMES)}")
+            elif kind == 6:
+                out.append("[m] := [m]*[m]:")
+            else:
+                out.append(f"{r.choice(NAMES)} := {self.value()}:")
+        return out
+
+    def settings(self):
+        r = self.rng
+        out = []
+        self.origin = 1
+        for letter in r.sample(sorted(SWITCHES), r.randrange(8)):
+            if letter == "l" or (letter == "B" and self.modular):
+                continue
+            value = r.randrange(LEAST.get(letter, 0), SWITCHES[letter] + 1)
+            out.append(f"&({letter} = {value})")
+            if letter == "a":
+                self.origin = value
+                if r.random() < 0.3:
+                    out.append("&a")
+                    self.origin = 1 - value
+        if r.random() < 0.15:
+            prompt = r.choice(PROMPTS)
+            if prompt == "[pr]":
+                out += [f"Array pr[2]; ", f"[pr] := [({r.choice([39, 96, 62])}, 45)]", "&(M = [pr])", "@[pr]"]
+            else:
+                out.append(f"&(M = {prompt if prompt[0] == chr(39) else chr(39) + prompt + chr(39)})")
+        return out
+
     def lines(self):
         r = self.rng
-        out = [f"&(J = {v})" for v in self.variables]
+        out = [f"&(J {r.choice('=>')} {v})" for v in self.variables]
         if self.laurent:
             out.append("&(l = 1)")
         if self.modular:
-            out.append(f"&(p = {r.choice(MODULI)})")
-        for letter in r.sample(sorted(SWITCHES), r.randrange(6)):
-            if letter != "l":
-                out.append(f"&({letter} = {r.randrange(LEAST.get(letter, 0), SWITCHES[letter] + 1)})")
-        self.origin = 1
-        for letter in out:
-            if letter.startswith("&(a = "):
-                self.origin = int(letter[6:-1])
-        for name in r.sample(["F", "G", "Long_Func", "F"], r.randrange(4)):
-            parameters = r.choice(["", "(k)", "(k, ^v)", "(a, b, k)"])
-            out.append(f"Func {name}{parameters} = {self.body(2)} .")
+            out.append(f"&(p = {self.modulus})")
+        out += self.settings()
+        for _ in range(r.randrange(4)):
+            out.append(self.function())
         for _ in range(r.randrange(6)):
             out.append(f"{r.choice(NAMES)} := {self.value()}:")
         for name in r.sample(["m", "sp", "vec", "m"], r.randrange(4)):
             out += self.array(name)
-        return out
+        return out + self.late_lines()
 
 
 def run(binary, directory, text):
+    # a prompt of several characters takes as many off each line, less one
+    text = "".join(f"{'':9}{line}\n" for line in text.split("\n") if line)
     done = subprocess.run([binary], cwd=directory, input=text.encode(), capture_output=True, timeout=120)
     return done.returncode, done.stdout, done.stderr
+
+
+SHOW = "&d\n5\n!('first mark')\n&v\n&f*\n&g\n!('last mark')\n"
+PROMPT = re.compile(rb"^\d?(?:>-|>|->|ab|\{\}|'-|`-)")
+# what a saved session does not keep: open files and what was spent; the size of decimals, which a change of ring sets, is 5
+UNKEPT = re.compile(rb"Reading from file|Saving to file|Elapsed|table mass|^ *0?$")
+
+
+def shown(output):
+    """the lines between the marks, without prompts; a comment that was saved has a blank in front of its "}\""""
+    lines = output.rpartition(b"first mark")[2].partition(b"last mark")[0].split(b"\n")
+    return [line.replace(b" }", b"}") for line in (PROMPT.sub(b"", line) for line in lines) if not UNKEPT.search(line)]
+
+
+def first_difference(one, other):
+    for a, b in zip(one + [b""], other + [b""]):
+        if a != b:
+            return f"  {a.decode('latin-1')}\n  {b.decode('latin-1')}"
+    return ""
 
 
 def attempt(binary, directory, lines):
@@ -141,14 +241,18 @@ def attempt(binary, directory, lines):
     for name in ("one", "two"):
         if os.path.exists(os.path.join(directory, name)):
             os.remove(os.path.join(directory, name))
-    save = "&(S = '{0}')\n&s\n&(S = '@')\n&q\n"
-    outs = [run(binary, directory, "\n".join(lines) + "\n" + save.format("one")),
-            run(binary, directory, "&(R = 'one')\n" + save.format("two"))]
+    save = "&(S = '{0}')\n&s\n&(S = '@')\n"
+    outs = [run(binary, directory, "\n".join(lines) + "\n" + save.format("one") + SHOW + "&q\n"),
+            run(binary, directory, "&(R = 'one')\n" + SHOW + save.format("two") + "&q\n")]
     for status, _, errors in outs:
         if status != 0 or TROUBLE.search(errors):
             return f"status {status}: {errors[-2000:].decode('latin-1')}"
     if b"Inappropriate symbol" in outs[1][1]:
         return "an error while loading: " + outs[1][1][-1500:].decode("latin-1")
+    if b"stands in another ring" not in outs[0][1]:
+        difference = first_difference(shown(outs[0][1]), shown(outs[1][1]))
+        if difference:
+            return "first difference shown:\n" + difference
     texts = []
     for name in ("one", "two"):
         try:
@@ -157,10 +261,7 @@ def attempt(binary, directory, lines):
         except FileNotFoundError:
             return f"no file {name}: " + outs[0][1][-1500:].decode("latin-1")
     if texts[0] != texts[1]:
-        one, two = (t.decode("latin-1").split("\n") for t in texts)
-        for a, b in zip(one + [""], two + [""]):
-            if a != b:
-                return f"first difference:\n  {a}\n  {b}"
+        return "first difference saved:\n" + first_difference(*(t.split(b"\n") for t in texts))
     return ""
 
 
