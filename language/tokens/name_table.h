@@ -63,8 +63,8 @@ template <class R, tokentipe R::*name_of, int32_t width> struct NameTable {
 
     // Records a chain, on the average, at which the table spreads: at first the chains are those that
     // listings show.
-    static constexpr int32_t k_full = 16, k_full_later = 2;
-    static constexpr int32_t k_step = 4;
+    static constexpr int32_t k_full = 40, k_full_later = 2;
+    static constexpr int32_t k_step = 8;
     static constexpr int32_t k_widest = 1 << 16;
 
     [[gnu::noinline]] void spread_out() {
