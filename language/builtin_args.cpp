@@ -39,6 +39,13 @@ void get_the_data(BuiltinCall& call, Value* v) {
     hold(v);
 }
 
+void open_with_two(BuiltinCall& call, Value* a, Value* b) {
+    open_call(call);
+    get_the_data(call, a);
+    need_comma(call);
+    get_the_data(call, b);
+}
+
 void drop_data(Value* v) {
     let_go(v);
     release(v);

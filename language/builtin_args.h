@@ -27,6 +27,8 @@ void need_comma(BuiltinCall& call);
 
 /// An argument: an expression, or "^x" for the value where it lives. Held from now on.
 void get_the_data(BuiltinCall& call, Value* v);
+/// The name, "(" and the first two arguments, of which the second stands behind a ",".
+void open_with_two(BuiltinCall& call, Value* a, Value* b);
 /// Lets the value go and gives it back.
 void drop_data(Value* v);
 /// The value of the function is that of the argument, a copy unless it is private; v is let go.

@@ -434,11 +434,8 @@ static bool mon_less(const polynode* a, const polynode* b) {
 
 /// Monless(a, b).
 void builtin_Monless(BuiltinCall& call) {
-    open_call(call);
     Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
+    open_with_two(call, &a, &b);
     close_call(call);
     polynode leaf_a, leaf_b;
     const polynode* p = polynomial_of(value_of(&a), &leaf_a, Err::rational_function_argument);

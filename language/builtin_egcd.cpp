@@ -208,11 +208,8 @@ static bool is_laurent(const quolynode* q) { return laurent && !q->numb && has_n
 
 /// Egcd(a, b), Egcd(a, b, c, d): the gcd g in normal form; c and d take cofactors with c a + d b = g.
 void builtin_Egcd(BuiltinCall& call) {
-    open_call(call);
     Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
+    open_with_two(call, &a, &b);
     ResultPlace at_c = {}, at_d = {};
     if (next_argument(call)) read_result_place(call, &at_c);
     if (tok_char(at_c.name) != 0 && next_argument(call)) read_result_place(call, &at_d);

@@ -113,11 +113,8 @@ void gcd_of_values(const quolynode* a, const quolynode* b, quolyptr n) {
 }
 
 void builtin_GCD(BuiltinCall& call) {
-    open_call(call);
     Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
+    open_with_two(call, &a, &b);
     close_call(call);
     const quolynode *x = value_of(&a), *y = value_of(&b);
     if (verbose && ((!x->numb && x->denom != nullptr) || (!y->numb && y->denom != nullptr)))

@@ -240,11 +240,8 @@ void builtin_Deriv(BuiltinCall& call) {
 
 /// Equal: 1 or 0. Equals: 1, -1 for opposite values, 0.
 void builtin_Equal(BuiltinCall& call) {
-    open_call(call);
     Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
+    open_with_two(call, &a, &b);
     close_call(call);
     int32_t answer = 0;
     if (quoly_equal(value_of(&a), value_of(&b)))
@@ -360,11 +357,8 @@ static void remainder_and_quotient(const quolynode* a, const quolynode* b, quoly
 
 /// Remquot(a, b, q): the value is a | b, q takes the quotient.
 void builtin_Remquot(BuiltinCall& call) {
-    open_call(call);
     Value a, b;
-    get_the_data(call, &a);
-    need_comma(call);
-    get_the_data(call, &b);
+    open_with_two(call, &a, &b);
     if (quoly_iszero(value_of(&b))) {
         error(Err::division_by_zero);
         quoly_set(1, &b.own);

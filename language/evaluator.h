@@ -21,6 +21,24 @@ inline constexpr boolean k_bar_closes = 1, k_line_closes = 2;
 inline bool bar_closes_here() { return (eval_state.bar_closes & k_bar_closes) != 0; }
 inline bool line_ends_here() { return line_crossed && (eval_state.bar_closes & k_line_closes) != 0; }
 
+/// What reads a factor, by the first character of its token.
+template <class Routine> struct FactorTable {
+    struct Row {
+        const char* characters;
+        Routine routine;
+    };
+    Routine of[256] = {};
+    template <int count> constexpr FactorTable(Routine otherwise, const Row (&rows)[count]) {
+        for (auto& f : of) f = otherwise;
+        for (const Row& row : rows)
+            for (const char* c = row.characters; *c != 0; c++)
+                of[static_cast<unsigned char>(*c)] = row.routine;
+    }
+};
+inline constexpr char k_lower_letters[] = "abcdefghijklmnopqrstuvwxyz",
+                      k_upper_letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ", k_digits[] = "0123456789",
+                      k_statement_signs[] = "!&?@";
+
 /// Reads over the character c, or reports that it is missing and goes on as if it were there.
 bool expect(FILE* inf, nameptr* flag, char c, Err missing);
 

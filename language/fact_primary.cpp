@@ -1,5 +1,5 @@
-#include "language/compile.h"
 #include "language/array_elements.h"
+#include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
 #include "language/locations.h"
@@ -81,7 +81,8 @@ bool read_bound_name(Reader& r, varptr p) {
     return true;
 }
 
-/// An element x[k] that Compile has bound, the tokens of its subscript being passed over. False if it has gone.
+/// An element x[k] that Compile has bound, the tokens of its subscript being passed over. False if it has
+/// gone.
 bool read_bound_element(Reader& r, nameptr node) {
     const ElementTarget& target = node->bound->element;
     quolyptr at = location_of(target);
@@ -257,26 +258,19 @@ bool no_factor(Reader&) {
 
 // ---- the table by first character ----------------------------------------------------------------------
 
-struct PrimaryTable {
-    bool (*of[256])(Reader&) = {};
-    constexpr PrimaryTable() {
-        for (auto& f : of) f = no_factor;
-        for (int c = 'a'; c <= 'z'; c++) of[c] = read_name;
-        for (int c = 'A'; c <= 'Z'; c++) of[c] = read_function;
-        for (int c = '0'; c <= '9'; c++) of[c] = read_number;
-        of['!'] = of['&'] = of['?'] = of['@'] = read_statement;
-        of['.'] = read_fraction;
-        of['\''] = read_character;
-        of['('] = read_parenthesis;
-        of['-'] = read_minus;
-        of['$'] = read_integer_part;
-        of['|'] = read_absolute_value;
-        of['_'] = read_suspended;
-        of['<'] = read_previous;
-        of['%'] = read_array_of_arrays;
-    }
-};
-constexpr PrimaryTable primaries;
+constexpr FactorTable<bool (*)(Reader&)> primaries(no_factor, {{k_lower_letters, read_name},
+                                                               {k_upper_letters, read_function},
+                                                               {k_digits, read_number},
+                                                               {k_statement_signs, read_statement},
+                                                               {".", read_fraction},
+                                                               {"'", read_character},
+                                                               {"(", read_parenthesis},
+                                                               {"-", read_minus},
+                                                               {"$", read_integer_part},
+                                                               {"|", read_absolute_value},
+                                                               {"_", read_suspended},
+                                                               {"<", read_previous},
+                                                               {"%", read_array_of_arrays}});
 }  // namespace
 
 void reduce_words(quolyptr n) {

@@ -257,23 +257,17 @@ bool no_factor(WordReader&, int32_t*) { return false; }
 
 // ---- the table by first character ----------------------------------------------------------------------
 
-struct WordTable {
-    bool (*of[256])(WordReader&, int32_t*) = {};
-    constexpr WordTable() {
-        for (auto& f : of) f = no_factor;
-        for (int c = 'a'; c <= 'z'; c++) of[c] = read_name;
-        for (int c = 'A'; c <= 'Z'; c++) of[c] = read_function;
-        for (int c = '0'; c <= '9'; c++) of[c] = read_number;
-        of['!'] = of['&'] = of['?'] = of['@'] = read_statement;
-        of['('] = read_parenthesis;
-        of['-'] = read_minus;
-        of['|'] = read_absolute_value;
-        of['_'] = read_suspended;
-        of['<'] = read_previous;
-        of['%'] = read_array_of_arrays;
-    }
-};
-constexpr WordTable word_readers;
+constexpr FactorTable<bool (*)(WordReader&, int32_t*)> word_readers(no_factor,
+                                                                    {{k_lower_letters, read_name},
+                                                                     {k_upper_letters, read_function},
+                                                                     {k_digits, read_number},
+                                                                     {k_statement_signs, read_statement},
+                                                                     {"(", read_parenthesis},
+                                                                     {"-", read_minus},
+                                                                     {"|", read_absolute_value},
+                                                                     {"_", read_suspended},
+                                                                     {"<", read_previous},
+                                                                     {"%", read_array_of_arrays}});
 }  // namespace
 
 bool word_primary(WordReader& r, int32_t* value) { return word_readers.of[word_char(r)](r, value); }
