@@ -117,6 +117,13 @@ BENCHMARK(factorial_of)->Arg(20)->Arg(1000)->Arg(20000);
 BENCHMARK(limb_product<limbs_mul>)->Apply(limb_lengths);
 BENCHMARK(limb_product<limbs_mul_school>)->Arg(26)->Arg(36)->Arg(52)->Arg(100);
 BENCHMARK(limb_product<limbs_mul_transform>)
+    ->Arg(100)
+    ->Arg(200)
+    ->Arg(300)
+    ->Arg(400)
+    ->Arg(520)
+    ->Arg(800)
+    ->Arg(1200)
     ->Arg(1600)
     ->Arg(2100)
     ->Arg(2700)

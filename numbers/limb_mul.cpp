@@ -12,7 +12,7 @@ namespace {
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int64_t k_karatsuba = 4, k_toom = 12, k_transform = 40;
 #else
-constexpr int64_t k_karatsuba = 36, k_toom = 120, k_transform = 3000;
+constexpr int64_t k_karatsuba = 36, k_toom = 120, k_transform = 440;
 #endif
 
 /// Scratch limbs for operands of one length n below k_transform: Karatsuba takes 2 (n/2 + 1) a level,

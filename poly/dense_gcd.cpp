@@ -13,7 +13,7 @@ namespace {
 constexpr int32_t k_hgcd_degrees = 12;
 constexpr int32_t k_table_hgcd_degrees = 12;
 #else
-constexpr int32_t k_hgcd_degrees = 4000;
+constexpr int32_t k_hgcd_degrees = 3000;
 constexpr int32_t k_table_hgcd_degrees = 10000;
 #endif
 }  // namespace

@@ -5,6 +5,7 @@
 #include "poly/dense_internal.h"
 #include "poly/dense_kernels.h"
 #include "poly/dense_mult.h"
+#include "poly/dense_ntt.h"
 #include "storage/checked.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
@@ -13,11 +14,14 @@
 #include <utility>
 namespace tolvex {
 namespace {
-// Degree of x up to which parthg is the plain Euclid.
+// Degree of x up to which parthg is the plain Euclid, and of the cofactors from which the transforms of their
+// entries are shared between products.
 #ifdef TOLVEX_SMALL_LIMITS
 constexpr int32_t k_plain_degree = 4;
+constexpr int32_t k_shared_degree = 3;
 #else
 constexpr int32_t k_plain_degree = 180;
+constexpr int32_t k_shared_degree = 120;
 #endif
 }  // namespace
 
@@ -126,49 +130,86 @@ static DensePoly join_parts(const WordField& f, DensePoly low_product, int32_t k
     return {c, top.degree >= 0 ? top.degree + k : wf_degree(c, k - 1)};
 }
 
+static int32_t most_degree(const CofactorMatrix& matrix) {
+    int32_t most = -1;
+    for (const auto& row : matrix.entry)
+        for (const DensePoly& e : row) most = e.degree > most ? e.degree : most;
+    return most;
+}
+
+// sum[i] := matrix (x, y)^T, in arrays of n entries each: plain products.
+static void apply_matrix(const WordField& f, const CofactorMatrix& matrix, const DensePoly& x,
+                         const DensePoly& y, DensePoly (&sum)[2], int32_t n) {
+    ScratchMark mark = scratch_mark();
+    auto* room = scratch_array<uint32_t>(n);
+    for (int i = 0; i < 2; i++) {
+        sum[i] = product(f, matrix.entry[i][0], x, sum[i].c);
+        add_to(f, &sum[i], product(f, matrix.entry[i][1], y, room));
+    }
+    scratch_release(mark);
+}
+
+// The same for the columns of *r too, which becomes matrix *r: all by one round of transforms.
+static void apply_matrix_to_all(const WordField& f, const CofactorMatrix& matrix, const DensePoly& x,
+                                const DensePoly& y, DensePoly (&sum)[2], CofactorMatrix* r, int32_t n) {
+    ScratchMark mark = scratch_mark();
+    NttOperand a[2][2], b[2][k_ntt_columns] = {{{x.c, x.degree + 1}}, {{y.c, y.degree + 1}}};
+    uint32_t* c[2][k_ntt_columns] = {{sum[0].c}, {sum[1].c}};
+    int32_t columns = 1;
+    for (int i = 0; i < 2; i++)
+        for (int k = 0; k < 2; k++) a[i][k] = {matrix.entry[i][k].c, matrix.entry[i][k].degree + 1};
+    if (r != nullptr) {
+        for (; columns < k_ntt_columns; columns++)
+            for (int k = 0; k < 2; k++) {
+                const DensePoly& e = r->entry[k][columns - 1];
+                b[k][columns] = {e.c, e.degree + 1};
+                c[k][columns] = scratch_array<uint32_t>(n);
+            }
+    }
+    ntt_matrix_mult(f, a, b, columns, c, n);
+    for (int i = 0; i < 2; i++) {
+        sum[i].degree = wf_degree(sum[i].c, n - 1);
+        for (int32_t j = 1; j < columns; j++)
+            set_entries(&r->entry[i][j - 1], c[i][j], wf_degree(c[i][j], n - 1) + 1);
+    }
+    scratch_release(mark);
+}
+
+// *r := s *r, for short entries.
+static void multiply_matrices(const WordField& f, const CofactorMatrix& s, CofactorMatrix* r) {
+    ScratchMark mark = scratch_mark();
+    int32_t n = most_degree(s) + most_degree(*r) + 1;
+    DensePoly sum[2];
+    for (DensePoly& e : sum) e.c = scratch_array<uint32_t>(n);
+    for (int j = 0; j < 2; j++) {
+        apply_matrix(f, s, r->entry[0][j], r->entry[1][j], sum, n);
+        for (int i = 0; i < 2; i++) set_entries(&r->entry[i][j], sum[i].c, sum[i].degree + 1);
+    }
+    scratch_release(mark);
+}
+
 // The half-gcd of the tops, x div t^k and y div t^k, in place, and its matrix applied to the whole of x and
-// y. What the parts have in common cancels: the new pair fits into the arrays of the old one.
-static bool reduce_by_tops(const WordField& f, DensePoly* x, DensePoly* y, int32_t k,
-                           CofactorMatrix* matrix) {
+// y. What the parts have in common cancels: the new pair fits into the arrays of the old one. With `before`,
+// the matrix of the steps so far, that becomes the matrix of all steps.
+static bool reduce_by_tops(const WordField& f, DensePoly* x, DensePoly* y, int32_t k, CofactorMatrix* matrix,
+                           CofactorMatrix* before) {
     DensePoly x_top = {x->c + k, x->degree - k}, y_top = {y->c + k, y->degree - k};
     if (!parthg(f, &x_top, &y_top, matrix)) return false;
     DensePoly x_low = {x->c, wf_degree(x->c, k - 1)}, y_low = {y->c, wf_degree(y->c, k - 1)};
-    int32_t most = 0;
-    for (const auto& row : matrix->entry)
-        for (const DensePoly& e : row) most = e.degree > most ? e.degree : most;
+    int32_t most = most_degree(*matrix), other = before != nullptr ? most_degree(*before) : -1;
+    int32_t n = most + (other + 1 > k ? other + 1 : k);
     ScratchMark mark = scratch_mark();
-    DensePoly sum[2];
-    auto* room = scratch_array<uint32_t>(int64_t{most} + k);
-    for (int i = 0; i < 2; i++) {
-        sum[i] = product(f, matrix->entry[i][0], x_low, scratch_array<uint32_t>(int64_t{most} + k));
-        add_to(f, &sum[i], product(f, matrix->entry[i][1], y_low, room));
+    DensePoly sum[2] = {{scratch_array<uint32_t>(n), -1}, {scratch_array<uint32_t>(n), -1}};
+    if (!f.table && most >= k_shared_degree && k > k_shared_degree) {
+        apply_matrix_to_all(f, *matrix, x_low, y_low, sum, before, n);
+    } else {
+        apply_matrix(f, *matrix, x_low, y_low, sum, n);
+        if (before != nullptr) multiply_matrices(f, *matrix, before);
     }
     *x = join_parts(f, sum[0], k, x_top);
     *y = join_parts(f, sum[1], k, y_top);
     scratch_release(mark);
     return true;
-}
-
-// *r := s r.
-static void multiply_matrices(const WordField& f, const CofactorMatrix& s, CofactorMatrix* r) {
-    ScratchMark mark = scratch_mark();
-    int32_t most = 0;
-    for (int i = 0; i < 4; i++)
-        for (int j = 0; j < 4; j++) {
-            int32_t d = s.entry[i / 2][i % 2].degree + r->entry[j / 2][j % 2].degree;
-            most = d > most ? d : most;
-        }
-    auto* room = scratch_array<uint32_t>(most + 1);
-    DensePoly sum[2];
-    for (DensePoly& e : sum) e.c = scratch_array<uint32_t>(most + 1);
-    for (int j = 0; j < 2; j++) {
-        for (int i = 0; i < 2; i++) {
-            sum[i] = product(f, s.entry[i][0], r->entry[0][j], sum[i].c);
-            add_to(f, &sum[i], product(f, s.entry[i][1], r->entry[1][j], room));
-        }
-        for (int i = 0; i < 2; i++) set_entries(&r->entry[i][j], sum[i].c, sum[i].degree + 1);
-    }
-    scratch_release(mark);
 }
 
 bool parthg(const WordField& f, DensePoly* x, DensePoly* y, CofactorMatrix* matrix) {
@@ -179,7 +220,7 @@ bool parthg(const WordField& f, DensePoly* x, DensePoly* y, CofactorMatrix* matr
     }
     if (n <= k_plain_degree) return euclid_onevar(f, x, y, m, matrix);
     poll_interrupt();
-    if (!reduce_by_tops(f, x, y, m, matrix)) return false;
+    if (!reduce_by_tops(f, x, y, m, matrix, nullptr)) return false;
     if (y->degree <= m) return true;
     if (!step(f, x, y, matrix)) return false;
     if (y->degree <= m) return true;
@@ -187,8 +228,7 @@ bool parthg(const WordField& f, DensePoly* x, DensePoly* y, CofactorMatrix* matr
     CHECK(k > 0);
     ScratchMark mark = scratch_mark();
     CofactorMatrix second = new_matrix((x->degree - k + 1) / 2 + 2);
-    bool done = reduce_by_tops(f, x, y, k, &second);
-    if (done) multiply_matrices(f, second, matrix);
+    bool done = reduce_by_tops(f, x, y, k, &second, matrix);
     scratch_release(mark);
     return done;
 }
@@ -198,9 +238,9 @@ bool fullhg(const WordField& f, DensePoly* x, DensePoly* y) {
     if (y->degree <= m) return true;
     ScratchMark mark = scratch_mark();
     CofactorMatrix matrix = new_matrix((x->degree - m + 1) / 2 + 2);
-    bool done = reduce_by_tops(f, x, y, m, &matrix);
+    bool done = reduce_by_tops(f, x, y, m, &matrix, nullptr);
     if (done && y->degree > m) done = divide_y_into_x(f, x, y);
-    if (done && y->degree > m) done = reduce_by_tops(f, x, y, 2 * m - x->degree, &matrix);
+    if (done && y->degree > m) done = reduce_by_tops(f, x, y, 2 * m - x->degree, &matrix, nullptr);
     scratch_release(mark);
     return done;
 }

@@ -6,16 +6,9 @@
 /// Invariant  elements are reduced; no output overlaps an input except where it says "in place".
 /// Modes      any ring of residues below 2^31, composite or not, and the table fields.
 #include "poly/word_field.h"
+#include "storage/wide_vectors.h"
 
 #include <cstdint>
-// One copy of the function for processors with 256-bit vectors and fused products and one for all others,
-// chosen when the program starts. Elsewhere, and in the checked build, the one portable copy.
-#if defined(__x86_64__) && defined(__gnu_linux__) && defined(__GNUC__) && !defined(__clang__) &&             \
-    !defined(TOLVEX_CHECKED)
-#define WIDE_VECTORS __attribute__((target_clones("arch=x86-64-v3", "default")))
-#else
-#define WIDE_VECTORS
-#endif
 namespace tolvex {
 /// A fixed factor with its precomputed quotient floor(w 2^32 / m): products by it need no division (Shoup).
 struct FixedFactor {

@@ -84,9 +84,9 @@ void wf_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* 
     }
     if (bn < (f.table ? k_table_karatsuba_entries : k_karatsuba_entries))
         school_mult(f, a, an, b, bn, c);
-    else if (!f.table && bn >= k_ntt_entries && an / 8 < bn && ntt_fits(an, bn))
+    else if (!f.table && bn >= k_ntt_entries && an / 8 < bn)
         ntt_mult(f, a, an, b, bn, c);
-    else if (!f.table && bn >= k_ntt_entries && an / 8 >= bn && ntt_fits(4 * bn, bn))
+    else if (!f.table && bn >= k_ntt_entries && an / 8 >= bn)
         piecewise(f, a, an, b, bn, c, 4 * bn);
     else if (an / 2 >= bn)
         piecewise(f, a, an, b, bn, c, bn);
