@@ -91,6 +91,49 @@ TEST(Dense, TransformsOfEveryLength) {
     }
 }
 
+// Entries of different lengths, none at all among them.
+TEST(Dense, MatrixProductsByTransforms) {
+    Rng rng{run_seed()};
+    for (int32_t m : {2, 3, 32003, 1048583, 2147483629, 2147483646}) {
+        InRing ring(m);
+        WordField f = word_field_ring();
+        constexpr int32_t n = 120;
+        for (int32_t columns = 1; columns <= k_ntt_columns; columns++) {
+            std::vector<uint32_t> entry[2][2 + k_ntt_columns], out[2][k_ntt_columns];
+            for (auto& row : entry)
+                for (auto& e : row) {
+                    e.resize(static_cast<size_t>(random_int(rng, 0, n / 2)));
+                    for (auto& v : e)
+                        v = static_cast<uint32_t>(random_int(rng, 0, 1) ? m - 1 : random_int(rng, 0, m - 1));
+                }
+            NttOperand a[2][2], b[2][k_ntt_columns];
+            uint32_t* c[2][k_ntt_columns];
+            auto operand = [](const std::vector<uint32_t>& e) {
+                return NttOperand{e.data(), static_cast<int32_t>(e.size())};
+            };
+            for (int i = 0; i < 2; i++) {
+                for (int k = 0; k < 2; k++) a[i][k] = operand(entry[i][k]);
+                for (int j = 0; j < k_ntt_columns; j++) {
+                    b[i][j] = operand(entry[i][2 + j]);
+                    out[i][j].assign(n, 77);
+                    c[i][j] = out[i][j].data();
+                }
+            }
+            ntt_matrix_mult(f, a, b, columns, c, n);
+            for (int i = 0; i < 2; i++)
+                for (int j = 0; j < columns; j++) {
+                    std::vector<uint32_t> expected(n, 0), part(2 * n);
+                    for (int k = 0; k < 2; k++) {
+                        if (a[i][k].n == 0 || b[k][j].n == 0) continue;
+                        school_mult(f, a[i][k].c, a[i][k].n, b[k][j].c, b[k][j].n, part.data());
+                        row_add(f, expected.data(), part.data(), expected.data(), a[i][k].n + b[k][j].n - 1);
+                    }
+                    ASSERT_EQ(out[i][j], expected) << m << " " << i << " " << j;
+                }
+        }
+    }
+}
+
 TEST(Dense, SumsOfPartsThatCancel) {
     InRing ring(32003);
     // (x^512 - 1) g: the low and the high part of the first operand add up to 0
