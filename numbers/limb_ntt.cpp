@@ -39,7 +39,8 @@ static Plan plan_with(int32_t primes, int64_t an, int64_t bn) {
     // A coefficient is a sum of at most digits(shorter) products of 2 `bits` bits, and 4 times that has to
     // fit. 32 bits a digit at the least, so that twice the limbs is a bound for the digits.
     p.bits = (float_bits(primes) - 2 - static_cast<int>(std::bit_width(static_cast<limb>(2 * shorter)))) / 2;
-    CHECK(p.bits >= 32 && p.bits <= 2 * k_half_bits);
+    CHECK(p.bits >= 32);
+    if (p.bits > 2 * k_half_bits) p.bits = 2 * k_half_bits;
     p.an = digits_needed(an, p.bits);
     p.bn = digits_needed(bn, p.bits);
     p.length = float_length(p.an + p.bn - 1);
