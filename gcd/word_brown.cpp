@@ -6,6 +6,10 @@
 #include <cstring>
 namespace tolvex {
 namespace {
+/// An image that changes nothing may do so by chance, once in as many images as the field has elements; in a
+/// field of at most so many it takes two in a row to end the interpolation.
+constexpr uint32_t k_one_image_settles = 65536;
+
 /// A polynomial in the last variable y, index = exponent.
 struct Dense {
     uint32_t* c;
@@ -112,6 +116,28 @@ static Rows divide_rows(const WordField& f, const Rows& r, int64_t radix, const 
     return make_rows(out, radix);
 }
 
+// The sum of the terms first..end-1, of exponents e that are counted from `base`, with power[e]. Products are
+// below 2^62: two fit on top of a reduced sum.
+static uint32_t row_value(const WordField& f, const PackTerms& terms, int64_t first, int64_t end,
+                          int64_t base, const uint32_t* power) {
+    uint32_t value = 0;
+    if (f.table) {
+        for (int64_t t = first; t < end; t++)
+            value = wf_add(f, value, wf_mul(f, terms.residue[t], power[terms.index[t] - base]));
+        return value;
+    }
+    uint64_t even = 0, odd = 0;
+    int64_t t = first;
+    for (; t + 1 < end; t += 2) {
+        even += static_cast<uint64_t>(terms.residue[t]) * power[terms.index[t] - base];
+        odd += static_cast<uint64_t>(terms.residue[t + 1]) * power[terms.index[t + 1] - base];
+        even = even >> 63 ? wf_reduce(f, even) : even;
+        odd = odd >> 63 ? wf_reduce(f, odd) : odd;
+    }
+    if (t < end) even += static_cast<uint64_t>(terms.residue[t]) * power[terms.index[t] - base];
+    return wf_add(f, wf_reduce(f, even), wf_reduce(f, odd));
+}
+
 // The image at the point whose powers are given.
 static PackTerms rows_value(const WordField& f, const Rows& r, int64_t radix, const uint32_t* power) {
     PackTerms out;
@@ -120,9 +146,7 @@ static PackTerms rows_value(const WordField& f, const Rows& r, int64_t radix, co
     out.residue = scratch_array<uint32_t>(r.count);
     for (int64_t i = 0; i < r.count; i++) {
         int64_t base = r.key[i] * radix;
-        uint32_t value = 0;
-        for (int64_t t = r.start[i]; t < r.start[i + 1]; t++)
-            value = wf_add(f, value, wf_mul(f, r.terms.residue[t], power[r.terms.index[t] - base]));
+        uint32_t value = row_value(f, r.terms, r.start[i], r.start[i + 1], base, power);
         if (value == 0) continue;
         out.index[out.count] = r.key[i];
         out.residue[out.count++] = value;
@@ -348,7 +372,7 @@ PackTerms brown_gcd(BrownEnv& env, const PackTerms& a, const PackTerms& b, int32
     uint32_t point = wf_random_unit(f);
     int64_t tries = 4 * (l.bound + l.radix) + 64;
     if (tries > f.p) tries = f.p;
-    bool settles = !env.careful && f.p > 65536;
+    int32_t settled = env.careful ? INT32_MAX : f.p > k_one_image_settles ? 1 : 2, quiet = 0;
     for (; tries > 0; tries--, point = next_point(f, point)) {
         poll_interrupt();
         ScratchMark mark = scratch_mark();
@@ -368,7 +392,8 @@ PackTerms brown_gcd(BrownEnv& env, const PackTerms& a, const PackTerms& b, int32
         if (first) interpolant_restart(&l.h, g, l.bound + 1);
         bool changed = interpolant_add(f, &l.h, g, wf_value(f, l.lead.c, l.lead.degree, point), point);
         if (!kept) scratch_release(mark);
-        if (l.h.points > l.bound || (settles && !changed)) return level_answer(env, l);
+        quiet = changed ? 0 : quiet + 1;
+        if (l.h.points > l.bound || quiet >= settled) return level_answer(env, l);
     }
     env.failed = true;
     return {};
