@@ -10,6 +10,7 @@
 #include "poly/poly_modes.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
+#include "storage/wide_vectors.h"
 
 #include <cstring>
 namespace tolvex {
@@ -91,13 +92,52 @@ static bool index_divides(const PackDivision& d, int64_t at, int64_t lead) {
 
 // ---- the dense array ----
 
-// Residues are summed unreduced below p^2, where one more product cannot overflow.
+namespace {
+/// Terms of the divisor at neighbouring indices, the first term left out: their residues by rising index.
+struct Run {
+    int64_t at, length;
+    const uint32_t* residue;
+};
+struct Runs {
+    Run* run;
+    int64_t count;
+};
+}  // namespace
+
+static Runs divisor_runs(const PackTerms& m) {
+    Runs r = {scratch_array<Run>(m.count), 0};
+    auto* rising = scratch_array<uint32_t>(m.count);
+    for (int64_t j = 0; j < m.count; j++) rising[m.count - 1 - j] = m.residue[j];
+    for (int64_t j = 1; j < m.count; j++) {
+        if (r.count == 0 || m.index[j] != r.run[r.count - 1].at - 1) r.run[r.count++] = {0, 0, nullptr};
+        Run& last = r.run[r.count - 1];
+        last = {m.index[j], last.length + 1, rising + (m.count - 1 - j)};
+    }
+    return r;
+}
+
+// base := base + factor m without the first term. Cells stay below 2^63: beyond it `multiple`, a multiple of
+// the modulus little below 2^63, is taken away.
+WIDE_VECTORS static void add_runs(uint64_t* base, const Runs& runs, uint32_t factor, uint64_t multiple) {
+    for (int64_t i = 0; i < runs.count; i++) {
+        const Run run = runs.run[i];
+        uint64_t* __restrict x = base + run.at;
+        const uint32_t* __restrict y = run.residue;
+        for (int64_t k = 0; k < run.length; k++) {
+            uint64_t s = x[k] + static_cast<uint64_t>(factor) * y[k];
+            x[k] = s - (multiple & -(s >> 63));
+        }
+    }
+}
+
+// Residues are summed unreduced.
 static Outcome dense_residues(const PackDivision& d, const WordField& f, const PackTerms& n,
                               const PackTerms& m, Quotient& q) {
     auto* cell = scratch_array<uint64_t>(d.plan.box);
     scratch_clear(cell, static_cast<size_t>(d.plan.box) * sizeof(uint64_t));
     for (int64_t i = 0; i < n.count; i++) cell[n.index[i]] = n.residue[i];
-    uint64_t square = static_cast<uint64_t>(f.p) * f.p;
+    Runs runs = divisor_runs(m);
+    uint64_t multiple = (uint64_t{1} << 63) / f.p * f.p;
     uint32_t inverse = wf_inverse(f, m.residue[0]);
     int64_t lead = m.index[0];
     for (int64_t at = n.count > 0 ? n.index[0] : -1; at >= 0; at--) {
@@ -109,15 +149,10 @@ static Outcome dense_residues(const PackDivision& d, const WordField& f, const P
         uint32_t c = wf_mul(f, v, inverse);
         quotient_put(q, at - lead, c);
         uint64_t* base = cell + (at - lead);
-        if (f.table) {
+        if (f.table)
             for (int64_t j = 1; j < m.count; j++) base[m.index[j]] ^= wf_mul(f, c, m.residue[j]);
-            continue;
-        }
-        uint64_t minus = f.p - c;
-        for (int64_t j = 1; j < m.count; j++) {
-            uint64_t s = base[m.index[j]] + minus * m.residue[j];
-            base[m.index[j]] = s >= square ? s - square : s;
-        }
+        else
+            add_runs(base, runs, f.p - c, multiple);
     }
     return Outcome::exact;
 }
