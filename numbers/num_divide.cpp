@@ -98,27 +98,53 @@ int32_t quotient_of(const number* n, int32_t m) {
     return static_cast<int32_t>(v / m);
 }
 
-// |n| mod m plus 0 or m. Horner's rule with a 64-bit reciprocal, r < 2 m between steps; for m below 2^31 two
-// digits a step, base^2 being at hand modulo m: the step stays below 2^64.
+// |n| mod m plus 0 or m. Horner's rule with a 64-bit reciprocal.
 static uint64_t chain_horner(const number* n, uint32_t m) {
     bool negative = n->head->value < 0;
     uint64_t recip = UINT64_MAX / m, r = 0;
-    const numnode* p = n->head;
-    auto reduced = [recip, m](uint64_t z) {
-        return z - static_cast<uint64_t>((static_cast<unsigned __int128>(z) * recip) >> 64) * m;
-    };
-    auto digit = [negative](const numnode* d) {
-        return static_cast<uint64_t>(negative ? -d->value : d->value);
-    };
-    bool pairs = m < (uint32_t{1} << 31);
-    if (pairs && n->size % 2 != 0) {
-        r = reduced(digit(p));
-        p = p->next;
+    for (const numnode* p = n->head; p != nullptr; p = p->next) {
+        uint64_t z = (r << k_digit_bits) + static_cast<uint64_t>(negative ? -p->value : p->value);
+        r = z - static_cast<uint64_t>((static_cast<unsigned __int128>(z) * recip) >> 64) * m;
     }
-    uint64_t square = (uint64_t{1} << (2 * k_digit_bits)) % m;
-    for (; pairs && p != nullptr; p = p->next->next)
-        r = reduced(r * square + (digit(p) << k_digit_bits) + digit(p->next));
-    for (; p != nullptr; p = p->next) r = reduced((r << k_digit_bits) + digit(p));
+    return r;
+}
+
+namespace {
+/// base^k modulo m, k = 1, 2, ...: of the modulus that was used last, for images take many numbers modulo one
+/// prime.
+constexpr int32_t k_powers = 31;  // so many products below 2^59 and one word more have a sum below 2^64
+struct DigitPowers {
+    uint32_t m = 0;
+    uint32_t power[k_powers + 1];
+} digit_powers;
+}  // namespace
+
+static const uint32_t* powers_modulo(uint32_t m) {
+    DigitPowers& t = digit_powers;
+    if (t.m == m) return t.power;
+    t.m = m;
+    t.power[0] = 1 % m;
+    for (int32_t k = 1; k <= k_powers; k++)
+        t.power[k] = static_cast<uint32_t>((static_cast<uint64_t>(t.power[k - 1]) << k_digit_bits) % m);
+    return t.power;
+}
+
+// |n| mod m for m below 2^31: blocks of k_powers digits, whose products with the powers do not wait for each
+// other.
+static uint64_t chain_by_powers(const number* n, uint32_t m) {
+    const uint32_t* power = powers_modulo(m);
+    bool negative = n->head->value < 0;
+    uint64_t r = 0;
+    int32_t left = n->size;
+    const numnode* p = n->head;
+    while (left > 0) {
+        int32_t block = (left - 1) % k_powers + 1;
+        uint64_t sum = r * power[block];
+        for (int32_t k = block - 1; k >= 0; k--, p = p->next)
+            sum += static_cast<uint64_t>(negative ? -p->value : p->value) * power[k];
+        r = sum % m;
+        left -= block;
+    }
     return r;
 }
 
@@ -130,7 +156,7 @@ uint32_t chain_mod_word(const number* n, uint32_t m) {
         int64_t v = chain_small_value(n);
         r = static_cast<uint64_t>(v < 0 ? -v : v) % m;
     } else {
-        r = chain_horner(n, m) % m;
+        r = m >> 31 == 0 ? chain_by_powers(n, m) : chain_horner(n, m) % m;
     }
     return static_cast<uint32_t>(negative && r != 0 ? m - r : r);
 }

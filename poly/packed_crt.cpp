@@ -58,6 +58,19 @@ static bool is_negative(const CrtTerms& t, const uint32_t* d, int32_t primes) {
     return false;
 }
 
+// The sum of d[k] weight[k]: products below 2^62.
+static uint32_t mixed_value(const WordField& f, const uint32_t* d, const uint32_t* weight, int32_t n) {
+    uint64_t sum = 0;
+    int32_t k = 0;
+    for (; k + 3 <= n; k += 3) {
+        sum += static_cast<uint64_t>(d[k]) * weight[k] + static_cast<uint64_t>(d[k + 1]) * weight[k + 1] +
+               static_cast<uint64_t>(d[k + 2]) * weight[k + 2];
+        sum = wf_reduce(f, sum);
+    }
+    for (; k < n; k++) sum += static_cast<uint64_t>(d[k]) * weight[k];
+    return wf_reduce(f, sum);
+}
+
 bool crt_add(CrtTerms* t, const PackTerms& image, const WordField& f, bool* grown) {
     int64_t count = union_count(*t, image);
     *grown = false;
@@ -67,22 +80,23 @@ bool crt_add(CrtTerms* t, const PackTerms& image, const WordField& f, bool* grow
         *grown = true;
     }
     int32_t primes = t->primes;
-    uint32_t product = 1;
-    for (int32_t k = 0; k < primes; k++) product = wf_mul(f, product, t->prime[k] % f.p);
-    uint32_t inverse = wf_inverse(f, product);
+    ScratchMark mark = scratch_mark();
+    auto* weight = scratch_array<uint32_t>(primes + 1);  // of digit k: the product of the primes before it
+    weight[0] = 1;
+    for (int32_t k = 0; k < primes; k++) weight[k + 1] = wf_mul(f, weight[k], t->prime[k] % f.p);
+    uint32_t inverse = wf_inverse(f, weight[primes]);
     bool settled = primes > 0;
     int64_t j = 0;
     for (int64_t i = 0; i < count; i++) {
         uint32_t* d = t->digit + i * t->capacity;
         uint32_t residue = 0;
         if (j < image.count && image.index[j] == t->index[i]) residue = image.residue[j++];
-        uint32_t value = 0;
-        for (int32_t k = primes - 1; k >= 0; k--)
-            value = wf_reduce(f, static_cast<uint64_t>(value) * t->prime[k] + d[k]);
+        uint32_t value = mixed_value(f, d, weight, primes);
         uint32_t fresh = wf_mul(f, wf_sub(f, residue, value), inverse);
         d[primes] = fresh;
         settled = settled && fresh == (is_negative(*t, d, primes) ? f.p - 1 : 0);
     }
+    scratch_release(mark);
     t->prime[primes] = f.p;
     t->primes = primes + 1;
     return settled;
