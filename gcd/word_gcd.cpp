@@ -33,6 +33,7 @@ struct ModularEnv {
     number lead_gcd;  // gcd of the leading numbers of the primitive parts: what the images are scaled to
     number content;   // gcd of the integer contents
     bool careful, with_points;
+    PackDigits u, v;  // unless with_points
 };
 }  // namespace
 
@@ -224,8 +225,10 @@ static bool image_modulo(void* source, const WordField& f, PackTerms* g) {
     const WordGcdEnv& env = *m.env;
     if (wf_of_number(f, leading_coef(env.u)->ncoef) == 0 || wf_of_number(f, leading_coef(env.v)->ncoef) == 0)
         return false;
-    PackTerms u = operand_terms(env, m.plan, env.u, env.um, f, m.with_points);
-    PackTerms v = operand_terms(env, m.plan, env.v, env.vm, f, m.with_points);
+    PackTerms u =
+        m.with_points ? operand_terms(env, m.plan, env.u, env.um, f, true) : residues_of_digits(m.u, f);
+    PackTerms v =
+        m.with_points ? operand_terms(env, m.plan, env.v, env.vm, f, true) : residues_of_digits(m.v, f);
     if (u.count == 0 || v.count == 0) return false;
     BrownEnv brown = {f, m.plan.radix, m.careful, false};
     *g = brown_gcd(brown, u, v, m.plan.count);
@@ -247,6 +250,10 @@ bool gcd_over_integers(WordGcdEnv& env, polyptrr g) {
         if (round >= 2)
             for (int32_t i = 0; i < env.levels; i++) env.point[i] = 0;
         if (plan_operands(env, &m.plan)) {
+            if (!m.with_points) {
+                m.u = pack_digits(env.u, m.plan, env.um.least, env.um.terms);
+                m.v = pack_digits(env.v, m.plan, env.vm.least, env.vm.terms);
+            }
             // Points do not enter the bound: beyond it the images are those of a polynomial that is too
             // large.
             PrimeImages images = {

@@ -148,6 +148,19 @@ static uint64_t chain_by_powers(const number* n, uint32_t m) {
     return r;
 }
 
+uint32_t digits_mod_word(const uint32_t* d, int32_t n, uint32_t m) {
+    const uint32_t* power = powers_modulo(m);
+    uint64_t r = 0;
+    for (int32_t left = n; left > 0;) {
+        int32_t block = (left - 1) % k_powers + 1;
+        uint64_t sum = r * power[block];
+        left -= block;
+        for (int32_t k = 0; k < block; k++) sum += static_cast<uint64_t>(d[left + k]) * power[k];
+        r = sum % m;
+    }
+    return static_cast<uint32_t>(r);
+}
+
 uint32_t chain_mod_word(const number* n, uint32_t m) {
     CHECK(m >= 1);
     bool negative = n->head->value < 0;

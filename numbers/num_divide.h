@@ -18,4 +18,7 @@ int32_t modout(const number* n);  ///< the chain n mod modulus, 0..modulus-1; li
 void fast_modout(imptr n, const number* pseudodet);
 /// n mod m for a chain of any sign, 0..m-1; m at least 1. No mode is touched.
 uint32_t chain_mod_word(const number* n, uint32_t m);
+/// d[0..n) modulo m < 2^31, digits without sign, the lowest first: for numbers that are reduced modulo many
+/// words.
+uint32_t digits_mod_word(const uint32_t* d, int32_t n, uint32_t m);
 }  // namespace tolvex

@@ -334,13 +334,14 @@ static Outcome divide_long(const PackDivision& d, const polynode* n, const polyn
     int64_t n_bits = int64_t{n_digits} * k_digit_bits;
     int64_t m_bits =
         int64_t{m_digits} * k_digit_bits + 64 - __builtin_clzll(static_cast<uint64_t>(d.m_terms));
-    int64_t bound = quotient_bits(d, n_bits);
+    int64_t bound = quotient_bits(d, n_bits), q_bits = -1;
     *q = crt_open(static_cast<int32_t>(n_bits / 30 + 4));
+    PackDigits n_read = pack_digits(n, d.plan, nullptr, d.n_terms),
+               m_read = pack_digits(m, d.plan, d.m_low, d.m_terms);
     for (int32_t i = k_lrg_primes - 1; i >= 0; i--) {
         ScratchMark mark = scratch_mark();
         WordField f = word_field_prime(static_cast<uint32_t>(lrgpme[i]));
-        PackTerms n2 = pack_residues(n, d.plan, nullptr, d.n_terms, f);
-        PackTerms m2 = pack_residues(m, d.plan, d.m_low, d.m_terms, f);
+        PackTerms n2 = residues_of_digits(n_read, f), m2 = residues_of_digits(m_read, f);
         if (m2.count != d.m_terms) {  // a coefficient of the divisor vanishes: another prime
             scratch_release(mark);
             continue;
@@ -352,7 +353,8 @@ static Outcome divide_long(const PackDivision& d, const polynode* n, const polyn
         if (!grown) scratch_release(mark);
         int64_t product = crt_product_bits(*q);
         if (!settled && product <= n_bits) continue;
-        int64_t most = maxx64(crt_bits(*q) + m_bits, n_bits) + 2;
+        if (!settled || q_bits < 0) q_bits = crt_bits(*q);  // a prime that settles changes no value
+        int64_t most = maxx64(q_bits + m_bits, n_bits) + 2;
         if (most <= product) return Outcome::exact;
         if (product > bound + m_bits + 2) return Outcome::not_exact;
     }

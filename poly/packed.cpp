@@ -168,6 +168,36 @@ PackTerms pack_leaves(const polynode* p, const PackPlan& plan, const int32_t* lo
     return run_reader(reader, p, plan, low, terms);
 }
 
+PackDigits pack_digits(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms) {
+    PackTerms leaves = pack_leaves(p, plan, low, terms);
+    PackDigits out = {leaves.count, leaves.index, scratch_array<int64_t>(leaves.count + 1), nullptr,
+                      scratch_array<bool>(leaves.count)};
+    out.start[0] = 0;
+    for (int64_t i = 0; i < out.count; i++) out.start[i + 1] = out.start[i] + leaves.leaf[i]->size;
+    out.digit = scratch_array<uint32_t>(out.start[out.count]);
+    for (int64_t i = 0; i < out.count; i++) {
+        poll_every<k_terms_unpolled>(i);
+        const numnode* d = leaves.leaf[i]->head;
+        out.negative[i] = d->value < 0;
+        for (int64_t at = out.start[i + 1]; d != nullptr; d = d->next)
+            out.digit[--at] = static_cast<uint32_t>(out.negative[i] ? -d->value : d->value);
+    }
+    return out;
+}
+
+PackTerms residues_of_digits(const PackDigits& p, const WordField& f) {
+    PackTerms out = {0, scratch_array<int64_t>(p.count), {scratch_array<uint32_t>(p.count)}};
+    for (int64_t i = 0; i < p.count; i++) {
+        poll_every<k_terms_unpolled>(i);
+        auto n = static_cast<int32_t>(p.start[i + 1] - p.start[i]);
+        uint32_t r = digits_mod_word(p.digit + p.start[i], n, f.p);
+        if (r == 0) continue;
+        out.index[out.count] = p.index[i];
+        out.residue[out.count++] = p.negative[i] ? wf_neg(f, r) : r;
+    }
+    return out;
+}
+
 namespace {
 /// A walk that evaluates some of the levels.
 struct ValueReader {

@@ -62,6 +62,19 @@ inline constexpr int32_t k_word_digits = 2;
 /// The leaves of p, which stay where they are while p is not changed.
 PackTerms pack_leaves(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
 
+/// The integers of p as digits in an array, for residues modulo many primes: term i has the digits
+/// digit[start[i]..start[i+1]), lowest first.
+struct PackDigits {
+    int64_t count;
+    int64_t* index;
+    int64_t* start;
+    uint32_t* digit;
+    bool* negative;
+};
+PackDigits pack_digits(const polynode* p, const PackPlan& plan, const int32_t* low, int64_t terms);
+/// What pack_residues gives for the same polynomial.
+PackTerms residues_of_digits(const PackDigits& p, const WordField& f);
+
 /// Makes the leaf number of term i.
 using LeafMaker = void (*)(void* source, int64_t i, imptr leaf);
 /// A fresh tree of the terms index[0..count), falling; low: added to the exponents (of the plan when nil).
