@@ -6,10 +6,6 @@
 #include <cstring>
 namespace tolvex {
 namespace {
-/// An image that changes nothing may do so by chance, once in as many images as the field has elements; in a
-/// field of at most so many it takes two in a row to end the interpolation.
-constexpr uint32_t k_one_image_settles = 65536;
-
 /// A polynomial in the last variable y, index = exponent.
 struct Dense {
     uint32_t* c;
@@ -372,7 +368,7 @@ PackTerms brown_gcd(BrownEnv& env, const PackTerms& a, const PackTerms& b, int32
     uint32_t point = wf_random_unit(f);
     int64_t tries = 4 * (l.bound + l.radix) + 64;
     if (tries > f.p) tries = f.p;
-    int32_t settled = env.careful ? INT32_MAX : f.p > k_one_image_settles ? 1 : 2, quiet = 0;
+    int32_t settled = env.careful ? INT32_MAX : env.one_quiet ? 1 : 2, quiet = 0;
     for (; tries > 0; tries--, point = next_point(f, point)) {
         poll_interrupt();
         ScratchMark mark = scratch_mark();

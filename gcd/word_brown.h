@@ -14,8 +14,9 @@ namespace tolvex {
 struct BrownEnv {
     WordField f;
     const int64_t* radix;  // by place of the plan
-    bool careful;  // as many points as the degree bound asks for, no stop when an image changes nothing
-    bool failed;   // the field has too few points
+    bool careful;    // as many points as the degree bound asks for, no stop when an image changes nothing
+    bool one_quiet;  // one image that changes nothing ends an interpolation; otherwise it takes two in a row
+    bool failed;     // the field has too few points
 };
 /// The monic gcd of a and b in the first `places` variables, neither 0. Nothing when env.failed comes out
 /// true.

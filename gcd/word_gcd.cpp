@@ -137,6 +137,21 @@ static bool restrict_terms(const WordField& f, PackTerms& g) {
     return true;
 }
 
+// An image changes nothing by chance once in as many images as the field has elements. Where few images are
+// wanted, one quiet image is enough: another attempt now and then costs less than another point at each
+// level.
+static bool one_quiet_image(const WordGcdEnv& env, const WordField& f) {
+    constexpr int64_t k_elements_an_image = 8;
+    int64_t images = k_elements_an_image;
+    bool first = true;
+    for (int32_t i = 0; i < env.levels && images < f.p; i++) {
+        if (env.bound[i] == 0) continue;
+        if (!first) images *= int64_t{env.bound[i]} + 2;
+        first = false;
+    }
+    return images < f.p;
+}
+
 // One attempt over the field in force.
 static bool field_attempt(WordGcdEnv& env, const WordField& f, bool with_points, bool careful, polyptrr g) {
     PackPlan plan;
@@ -145,6 +160,7 @@ static bool field_attempt(WordGcdEnv& env, const WordField& f, bool with_points,
     brown.f = plan.count == 1 && !with_points ? word_field_ring() : f;
     brown.radix = plan.radix;
     brown.careful = careful;
+    brown.one_quiet = one_quiet_image(env, brown.f);
     PackTerms u = operand_terms(env, plan, env.u, env.um, brown.f, with_points);
     PackTerms v = operand_terms(env, plan, env.v, env.vm, brown.f, with_points);
     if (u.count == 0 || v.count == 0) return false;
@@ -230,7 +246,7 @@ static bool image_modulo(void* source, const WordField& f, PackTerms* g) {
     PackTerms v =
         m.with_points ? operand_terms(env, m.plan, env.v, env.vm, f, true) : residues_of_digits(m.v, f);
     if (u.count == 0 || v.count == 0) return false;
-    BrownEnv brown = {f, m.plan.radix, m.careful, false};
+    BrownEnv brown = {f, m.plan.radix, m.careful, one_quiet_image(env, f), false};
     *g = brown_gcd(brown, u, v, m.plan.count);
     if (brown.failed) return false;
     uint32_t scale = wf_of_number(f, &m.lead_gcd);
