@@ -114,7 +114,6 @@ static void choose_main_variable(AlgorithmC& c) {
     c.above.next = c.pt;
     c.above.depth = static_cast<int16_t>(depth - 1);
     c.above.polycut = c.pt->polycut;
-    c.above.modls = -1;
     tok_set(c.above.let, "D");
     c.pt = &c.above;
     poly cu = nullptr, cv = nullptr;
@@ -251,7 +250,6 @@ static Step next_member(AlgorithmC& c) {
     free_poly(&c.g);
     c.g = coefficient_copy(c.u);
     next_h(c, delta);
-    if (field_depth > 0 && lintmode) gcd_normal_form(&c.v);  // units do not disturb exactness
     return Step::go_on;
 }
 
@@ -285,7 +283,7 @@ void algorithm_c(polygcd_EnvRec& env) {
         free_poly(&s);
     }
     if (c.swaplev > 1) lower_variable(c, &r);
-    gcd_normal_form(&r);
+    gcd_normal_form(&r, nullptr);
     free_poly(&c.u);
     free_poly(&c.v);
     free_poly(&c.g);

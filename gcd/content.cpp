@@ -115,7 +115,7 @@ static poly gcd_of_coefficients(ContentRun& run, const ContentForm& form, bool s
         return true;
     });
     if (shown) decr_dumpitt(1, 1, verbose);
-    gcd_normal_form(&r);
+    gcd_normal_form(&r, run.below);
     return r;
 }
 

@@ -1,19 +1,16 @@
 #pragma once
-/// gcd/field_hooks.h: what the gcd asks of a field tower. Without one (field_depth 0) none of it is called
-/// but the counts.
+/// gcd/field_hooks.h: what the gcd asks of the layer of field towers. Declared here, defined in field/.
 #include "poly/poly.h"
 namespace tolvex {
-int32_t aux_prime_count();  ///< first auxiliary primes: the tower stays a field modulo each
-/// An image of g and h by a second auxiliary prime, the generators replaced by roots. False: no good prime;
-/// else *coprime: the image gcd has degree 0, which proves it for g and h.
-bool gorwin_modular(poly g, poly h, polypt pt, bool* coprime);
-/// Over Q: r times what makes its leading field element an integer.
-void rat_monic_poly(polyptrr r);
-/// *q := c (u / s) without integer content, c the least number that clears denominators. False: not
-/// divisible.
-bool special_div(poly u, poly s, polyptrr q, polypt pt);
-/// *r := the remainder of n by m, whose leading coefficient is a field element, up to a unit.
-void field_coef_remainder(poly n, poly m, polyptrr r, polypt pt);
-/// Does y divide x over a field over Q? *worked false: undecided.
-bool mod_trial_poly_divide(poly x, poly y, bool fast_yes, bool* worked, polypt pt);
+/// *r := the gcd in normal form of u and v, in the variables from pt on; a field element occurs in one of
+/// them, neither is a number. Proved. Where the tower proves to be no field, the gcd of the integer contents.
+void tower_gcd(poly u, poly v, polyptrr r, polypt pt);
+/// *num / *den := n / m divided by their common factor, which has field elements; fresh. Over Q both are
+/// multiplied by one number, and lose the integers they have in common. False, nothing done: it does not divide
+/// both.
+bool tower_reduce(poly n, poly m, poly common, polyptrr num, polyptrr den, polypt pt);
+/// *r in the normal form of a gcd: leading field element 1, over Q a positive integer, without denominators.
+void tower_gcd_form(polyptrr r, polypt pt);
+/// *a, a field element at the level of pt, becomes its p-th root, p the characteristic. False: it has none.
+bool tower_pth_root(polyptrr a, polypt pt);
 }  // namespace tolvex

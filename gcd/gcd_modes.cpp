@@ -10,7 +10,7 @@ static constexpr int32_t k_g_cutoff = 10;
 GcdCounters gcd_counters_save() {
     return {alg_c_count, original_depth, c_cntcount, c_cntdepth, a_cntcount,   a_cntdepth,
             d_cntcount,  d_cntdepth,     g_cntcount, g_cutoff,   gcd_nesting,  gcd_outer,
-            gcd_attempt, gcd_retry_ring, tripval,    lookupgcd,  gcd_unproved, gcd_sure};
+            gcd_attempt, gcd_retry_ring, tripval,    lookupgcd,  gcd_unproved, gcd_sure, plain_above_field};
 }
 
 void gcd_counters_restore(const GcdCounters& saved) {
@@ -32,6 +32,7 @@ void gcd_counters_restore(const GcdCounters& saved) {
     lookupgcd = saved.lookup;
     gcd_unproved = saved.unproved;
     gcd_sure = saved.sure;
+    plain_above_field = saved.plain;
 }
 
 void gcd_counters_reset() {
@@ -46,6 +47,7 @@ void gcd_counters_reset() {
     gcd_attempt = gcd_retry_ring = 0;
     tripval = k_tripval;
     gcd_unproved = gcd_sure = 0;
+    plain_above_field = 0;
 }
 
 void gcd_counters_clear() {

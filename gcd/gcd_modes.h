@@ -38,7 +38,7 @@ struct GcdCounters {
     int32_t alg_c, original, c, c_depth, a, a_depth, d, d_depth, g, g_limit;
     int32_t nesting, outer, attempt, retry_ring;
     int16_t trip, lookup;
-    boolean unproved, sure;
+    boolean unproved, sure, plain;
 };
 GcdCounters gcd_counters_save();
 void gcd_counters_restore(const GcdCounters& saved);

@@ -3,6 +3,7 @@
 
 #include "gcd/content.h"
 #include "gcd/engines.h"
+#include "gcd/field_hooks.h"
 #include "gcd/polygcd_env.h"
 #include "gcd/word_gcd.h"
 #include "gcd/word_lane.h"
@@ -45,6 +46,14 @@ bool field_units(polygcd_EnvRec& env) {
     if (!is_field_element(env.u, env.pt->depth) && !is_field_element(env.v, env.pt->depth)) return false;
     *env.r = poly_one();
     common_content(env.u, env.v, (*env.r)->ncoef);
+    return true;
+}
+
+/// Elements of a field tower in the operands: the layer of towers has its own engines. What comes after this
+/// step sees plain polynomials, whose gcd is the same over a tower.
+bool tower_operands(polygcd_EnvRec& env) {
+    if (field_depth == 0 || both_above_field_depth(env.u, env.v, env.pt->depth)) return false;
+    tower_gcd(env.u, env.v, env.r, env.pt);
     return true;
 }
 
@@ -98,7 +107,7 @@ bool both_free_of_main(polygcd_EnvRec& env) {
 
 /// The engines on word arrays, which settle most problems; they decline what is too wide for them.
 bool word_lane(polygcd_EnvRec& env) {
-    if (!word_engines || field_depth > 0) return false;
+    if (!word_engines) return false;
     bool raw = !gcd_sure && !env.leave_early;
     return word_gcd(env.u, env.v, env.r, env.pt, raw);
 }
@@ -195,6 +204,7 @@ struct NamedStep {
 static constexpr NamedStep steps[] = {
     {one_is_number, "one_is_number"},
     {field_units, "field_units"},
+    {tower_operands, "tower_operands"},
     {same_operands, "same_operands"},
     {not_a_domain, "not_a_domain"},
     {both_free_of_main, "both_free_of_main"},
@@ -210,7 +220,6 @@ static constexpr NamedStep steps[] = {
     {try_small_divisor, "try_small_divisor"},
     {adjust_allcons, "adjust_allcons"},
     {one_image, "one_image"},
-    {field_with_inverses, "field_with_inverses"},
     {assign_levels, "assign_levels"},
     {first_evaluation_tests, "first_evaluation_tests"},
     {missing_variables, "missing_variables"},
@@ -220,7 +229,6 @@ static constexpr NamedStep steps[] = {
     {sparse_or_dense, "sparse_or_dense"},
     {budget_of_algorithm_c, "budget_of_algorithm_c"},
     {assign_levels, "assign_levels"},
-    {monic_in_field, "monic_in_field"},
     {try_divisor_early, "try_divisor_early"},
     {multi_prime_first, "multi_prime_first"},
     {number_of_tests, "number_of_tests"},

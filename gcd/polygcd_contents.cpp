@@ -1,6 +1,5 @@
 // Steps of polygcd that take contents out: in the main variable, and with respect to several levels.
 #include "gcd/content.h"
-#include "gcd/field_hooks.h"
 #include "gcd/polygcd_env.h"
 #include "gcd/word_gcd.h"
 #include "poly/div_general.h"
@@ -24,7 +23,6 @@ static GcdCounters begin_sure() {
 
 // *q := p / s, for s of p's own level.
 static bool quotient(poly p, poly s, polyptrr q, polypt pt) {
-    if (field_depth > 0 && !lintmode) return special_div(p, s, q, pt);
     boolean failed = 0;
     gen_poly_divide(p, s, q, pt, &failed);
     return !failed;

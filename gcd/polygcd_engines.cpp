@@ -1,7 +1,6 @@
 // Steps of polygcd that commit to an engine, and the tests and the stash in front of each.
 #include "gcd/content.h"
 #include "gcd/engines.h"
-#include "gcd/field_hooks.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd_env.h"
@@ -10,7 +9,6 @@
 #include "poly/div_field.h"
 #include "poly/div_general.h"
 #include "poly/div_trial.h"
-#include "poly/field_shape.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_monic.h"
 #include "poly/poly_shape.h"
@@ -26,10 +24,7 @@ static bool finish_with_v(polygcd_EnvRec& env) {
 
 // Does v divide u, by a real division?
 static bool v_divides(polygcd_EnvRec& env) {
-    if (field_depth == 0) return trial_poly_divide_noq(env.u, env.v, env.pt, 0, 0);
-    bool worked;
-    bool divides = mod_trial_poly_divide(env.u, env.v, false, &worked, env.pt);
-    return worked && divides;
+    return trial_poly_divide_noq(env.u, env.v, env.pt, 0, 0);
 }
 
 // In sure mode what an engine has found must divide both operands.
@@ -95,7 +90,7 @@ static bool look_up(polygcd_EnvRec& env, int32_t least_degree) {
 /// Images modulo many primes, where the gcd promises to be small beside v or the coefficients are heavy.
 bool multi_prime_first(polygcd_EnvRec& env) {
     if (lintmode || env.uvsize <= tripval || !env.balanced) return false;
-    if (!do_mod_method_now(env.u, env.v, env.expo, env.tried_use_modular)) return false;
+    if (!do_mod_method_now(env.u, env.v, env.expo)) return false;
     return look_up(env, 3) || multi_prime(env);
 }
 
@@ -125,62 +120,10 @@ bool early_degree(polygcd_EnvRec& env) {
 
 // ---- the engines ---------------------------------------------------------------------------------------
 
-// Remainders over the field of the coefficients. The gcd up to units; remainders free of the main variable
-// mean 1.
-void field_coef_gcd(poly n, poly m, polyptrr p, polypt pt) {
-    poly a = nullptr, b = nullptr;
-    poly_assign(n, &a);
-    poly_assign(m, &b);
-    while (!is_number(b) && b->exp > 0) {
-        if (b->next == nullptr) {
-            poly g = nullptr;
-            monomial2(b, a, &g);
-            free_poly(&a);
-            a = g;
-            poly_set(0, &b);
-            break;
-        }
-        poly rest = nullptr;
-        field_coef_remainder(a, b, &rest, pt);
-        free_poly(&a);
-        a = b;
-        b = rest;
-    }
-    if (!poly_iszero(b)) poly_set(1, &a);
-    free_poly(&b);
-    free_poly(p);
-    *p = a;
-}
-
-/// A field whose elements are all the coefficients there are: Euclid.
-bool field_with_inverses(polygcd_EnvRec& env) {
-    if (field_depth == 0 || (!lintmode && !no_aux_primes2) ||
-        !all_coefs_invrtble_both(env.u, env.v, env.pt->depth))
-        return false;
-    poly s = nullptr;
-    field_coef_gcd(env.u, env.v, &s, env.pt);
-    poly_set(1, &env.d);
-    common_content(env.u, env.v, env.d->ncoef);
-    if (!lintmode) {
-        poly primitive = primitive_copy(s);
-        free_poly(&s);
-        s = primitive;
-    }
-    env.comm += monomial_factor(env);
-    return alternate_finish(env, s);
-}
-
 bool try_over_integers(polygcd_EnvRec& env) {
     if (lintmode) return false;
     if ((env.v->exp == 1 || env.uvsize > trial_cutoff) && v_divides(env)) return finish_with_v(env);
-    if (env.uvsize > trial_cutoff && do_mod_method_now(env.u, env.v, env.expo, true) && multi_prime(env))
-        return true;
-    if (!all_coefs_invrtble_both(env.u, env.v, env.pt->depth)) return false;
-    poly s = nullptr;
-    field_coef_gcd(env.u, env.v, &s, env.pt);
-    poly g = primitive_copy(s);
-    free_poly(&s);
-    return alternate_finish(env, g);
+    return env.uvsize > trial_cutoff && do_mod_method_now(env.u, env.v, env.expo) && multi_prime(env);
 }
 
 // Evaluation and interpolation. A field with fewer elements than the gcd may have degrees is not tried: its

@@ -54,11 +54,15 @@ static bool proved_by_division(poly u, poly v, poly g, polypt pt, int* which) {
     return !failed;
 }
 
+// Variables above a field that are modded out are plain ones inside a gcd (plain_above_field).
+
 // The outermost call that promises a right result. Operands stay until both divisions have succeeded; the
 // last attempt relies on nothing unproved.
 static void checked_gcd(poly u, poly v, polyptrr r, boolean leave_early, boolean do_fast, boolean allcons,
                         polypt pt, boolean canreset) {
     poly g = nullptr;
+    boolean plain = plain_above_field;
+    plain_above_field = 1;
     gcd_unproved = 0;
     gcd_call(u, v, &g, leave_early, do_fast, allcons, pt, 1, 1, canreset);
     for (int attempt = 1; attempt <= k_sure_attempt; attempt++) {
@@ -73,6 +77,7 @@ static void checked_gcd(poly u, poly v, polyptrr r, boolean leave_early, boolean
         gcd_unproved = unproved;
     }
     gcd_unproved = 0;
+    plain_above_field = plain;
     free_poly(r);
     *r = g;
 }
@@ -102,8 +107,11 @@ static void fresh_computation(poly u, poly v, polyptrr r, polypt pt, Promise pro
         checked_gcd(u, v, r, 0, 1, 1, pt, 1);
         return;
     }
+    boolean plain = plain_above_field;
+    plain_above_field = 1;
     gcd_unproved = 0;
     gcd_call(u, v, r, 0, 1, 1, pt, 1, 1, 1);
+    plain_above_field = plain;
 }
 
 // Monomials are units under laurent: both operands lose their lowest exponents, and the result has none.

@@ -36,36 +36,35 @@ struct polygcd_EnvRec {
     boolean store_new_gcd;
     // levels
     int16_t field_level;   // levels in play, the main variable counted, clipped above the field
-    boolean levels_equal;  // nothing was clipped
     int16_t level;         // number of levels in play
     // strategy
     int16_t height;  // number of evaluation tests; later the step count of Algorithm C
     int32_t delta;   // expected degree of the gcd in the main variable
     int32_t expo;    // degree of the best image gcd, exp of v before there is one
     int64_t uvsize, ssize, tsize, avsize;
-    boolean modular_ok, aux_primes;  // images allowed; by the auxiliary primes of the field
+    boolean modular_ok;  // images allowed
     boolean usparse, balanced, tried_use_modular, found_something;
 };
 
 // ---- the steps, in the order in which polygcd takes them; true: the call has ended ----
 using GcdStep = bool(polygcd_EnvRec& env);
 // polygcd.cpp
-GcdStep one_is_number, field_units, same_operands, not_a_domain, both_free_of_main, word_lane, one_variable,
+GcdStep one_is_number, field_units, tower_operands, same_operands, not_a_domain, both_free_of_main, word_lane, one_variable,
     one_free_of_main, reset_counters, strip_powers, divide_exponents, larger_degree_first;
 // polygcd_images.cpp
-GcdStep allow_images, try_small_divisor, adjust_allcons, one_image, field_with_inverses, assign_levels,
+GcdStep allow_images, try_small_divisor, adjust_allcons, one_image, assign_levels,
     first_evaluation_tests, missing_variables;
 // polygcd_contents.cpp
 GcdStep main_contents, one_term_or_equal, contents_in_levels;
 // polygcd_strategy.cpp
-GcdStep sparse_or_dense, budget_of_algorithm_c, monic_in_field, number_of_tests;
+GcdStep sparse_or_dense, budget_of_algorithm_c, number_of_tests;
 // polygcd_engines.cpp
 GcdStep try_divisor_early, multi_prime_first, second_evaluation_tests, early_degree, stash_lookup,
     try_over_integers, try_modular, remainder_sequence;
 
 /// How often each step, in the order above, has ended a call since the process began: what a choice of bounds
 /// leads to.
-inline constexpr int32_t k_gcd_steps = 36;
+inline constexpr int32_t k_gcd_steps = 35;
 inline int64_t gcd_ended_by[k_gcd_steps] = {};
 const char* gcd_step_name(int32_t step);
 
@@ -79,9 +78,7 @@ inline boolean is_outermost() { return gcd_nesting == gcd_outer + 1; }
 /// 0, which is proved. *valid: the point kept both degrees; then *expo is the degree of the image gcd.
 bool fast_test_2(int16_t i, int32_t* expo, bool* valid, polygcd_EnvRec& env);
 /// Shall basic_mod_method be tried?
-bool do_mod_method_now(poly u, poly v, int32_t expo, bool tried);
-/// Euclid with coefficients in the field tower.
-void field_coef_gcd(poly n, poly m, polyptrr p, polypt pt);
+bool do_mod_method_now(poly u, poly v, int32_t expo);
 // polygcd_finish.cpp
 void own_chain(poly* p, GcdOperand& side);  ///< from here on the top chain of *p may be changed
 void own_tree(poly* p, GcdOperand& side);   ///< ... all of it

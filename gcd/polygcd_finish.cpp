@@ -1,9 +1,11 @@
 // Operands, private forms of them, and the end of a call of polygcd.
+#include "gcd/field_hooks.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd_env.h"
 #include "gcd/word_gcd.h"
 #include "poly/div_general.h"
+#include "poly/field_shape.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_monic.h"
 #include "poly/poly_mult.h"
@@ -104,7 +106,12 @@ void early_form(polyptrr r) {
 
 bool ring_is_composite() { return modularmode && !mod_is_prime && !finf; }
 
-void gcd_normal_form(polyptrr g) { correct_monic_form(g); }
+void gcd_normal_form(polyptrr g, polypt pt) {
+    if (pt != nullptr && exists_field_element(*g, pt->depth))
+        tower_gcd_form(g, pt);
+    else
+        correct_monic_form(g);
+}
 
 void correct_monic_form(polyptrr r) {
     if (modularmode)

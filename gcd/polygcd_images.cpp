@@ -1,7 +1,6 @@
 // Steps of polygcd that look at the problem through images: one prime, one point, a trial division by points.
 #include "gcd/content.h"
 #include "gcd/engines.h"
-#include "gcd/field_hooks.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd.h"
 #include "gcd/polygcd_env.h"
@@ -30,16 +29,8 @@ static constexpr int32_t k_most_counted = 200000;
 
 // ---- one image modulo a prime --------------------------------------------------------------------------
 
-/// Decides if modular images are allowed, and by which primes when there is a field tower.
 bool allow_images(polygcd_EnvRec& env) {
     env.modular_ok = !lintmode;
-    env.aux_primes = 0;
-    if (lintmode || field_depth == 0) return false;
-    int32_t above = number_polys - field_depth, depth = env.pt->depth;
-    bool plain = above < 4 && (above != 0 || number_polys - depth < 2 || aux_prime_count() == 0);
-    if (!plain) env.aux_primes = aux_prime_count() > 0;
-    // A main prime modulo which the tower is no field would give zero divisors.
-    if (!env.aux_primes) env.modular_ok = both_above_field_depth(env.u, env.v, depth);
     return false;
 }
 
@@ -98,7 +89,7 @@ static bool gcd_of_coefficients(polygcd_EnvRec& env) {
 }
 
 bool one_image(polygcd_EnvRec& env) {
-    if (!env.modular_ok || env.aux_primes || env.uvsize <= tripval) return false;
+    if (!env.modular_ok || env.uvsize <= tripval) return false;
     boolean success, isnumb;
     int32_t expo = -1;
     use_modular(env.u, env.v, &success, &isnumb, env.pt, k_image_primes, &expo);
@@ -139,7 +130,7 @@ static bool contents_forbid(poly u, poly v, imptr scale) {
 /// wrong.
 bool try_small_divisor(polygcd_EnvRec& env) {
     env.uvsize = big_node_total(env.u) + big_node_total(env.v);
-    if (field_depth > 0 || node_total(env.v) >= 50 || node_total(env.u) <= 20) return false;
+    if (node_total(env.v) >= 50 || node_total(env.u) <= 20) return false;
     bool yes_check = rat_yes && !gcd_sure, divides;
     if (lintmode) {
         divides = trial_poly_divide_noq(env.u, env.v, env.pt, 1, yes_check);
@@ -195,7 +186,6 @@ bool assign_levels(polygcd_EnvRec& env) {
     assign_operand_levels(env.v, env.vs, env);
     env.field_level = static_cast<int16_t>(maxx(env.us.in_field, env.vs.in_field));
     env.level = env.field_level;
-    env.levels_equal = env.us.in_field == env.us.levels + 1 && env.vs.in_field == env.vs.levels + 1;
     return false;
 }
 
@@ -245,13 +235,8 @@ static bool image_at(poly p, poly values, int32_t levels, poly* g) {
 }
 
 static void gcd_of_test(poly g, poly h, polyptrr t, const polygcd_EnvRec& env) {
-    if (field_depth == 0 && modularmode && mod_is_prime && height_is_1(g) && height_is_1(h)) {
+    if (modularmode && mod_is_prime && height_is_1(g) && height_is_1(h)) {
         basic_poly_gcd(g, h, t, 0, env.pt);
-        return;
-    }
-    bool coprime;
-    if (!modularmode && !env.levels_equal && !no_aux_primes2 && gorwin_modular(g, h, env.pt, &coprime)) {
-        *t = poly_power_of_main(coprime ? 0 : 1);
         return;
     }
     int16_t saved = tripval;
@@ -271,7 +256,7 @@ bool fast_test_2(int16_t i, int32_t* expo, bool* valid, polygcd_EnvRec& env) {
         gcd_of_test(g, h, &t, env);
         *valid = true;
         *expo = t->exp;
-        proved = is_number(t) || (field_depth > 0 && poly_depth(t) - 1 + env.pt->depth >= field_depth);
+        proved = is_number(t);
         free_poly(&t);
     }
     free_poly(&values);

@@ -1,7 +1,6 @@
 // Steps of polygcd that choose the engine: measurements and hand-set bounds, none of which bears on the
 // result.
 #include "gcd/engines.h"
-#include "gcd/field_hooks.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd_env.h"
 #include "poly/div_general.h"
@@ -106,24 +105,6 @@ bool budget_of_algorithm_c(polygcd_EnvRec& env) {
     return false;
 }
 
-// ---- fields over Q -------------------------------------------------------------------------------------
-
-static void monic_operand(poly* p, GcdOperand& side) {
-    own_tree(p, side);
-    rat_monic_poly(p);
-    number c = {};
-    find_gcdcoefs(*p, &c);
-    num_poly_quot(p, &c, 0);
-    special_free(&c);
-}
-
-bool monic_in_field(polygcd_EnvRec& env) {
-    if (field_depth == 0 || lintmode || number_polys - field_depth >= 4) return false;
-    monic_operand(&env.u, env.us);
-    monic_operand(&env.v, env.vs);
-    return false;
-}
-
 // ---- the multi-prime method ----------------------------------------------------------------------------
 
 // Sum of the masses of the terms of p, counted until it exceeds the bound.
@@ -139,9 +120,8 @@ static int64_t mass_up_to(const polynode* p, int64_t bound) {
     return mass;
 }
 
-bool do_mod_method_now(poly u, poly v, int32_t expo, bool tried) {
+bool do_mod_method_now(poly u, poly v, int32_t expo) {
     constexpr int64_t k_heavy = 350, k_heavy_total = 281, k_light = 200;
-    if (field_depth > 0 && !tried) return false;
     int32_t drop = v->exp - expo;
     if (drop > mod_method_diff || 6 * int64_t{drop} > v->exp) return true;
     int64_t mass = mass_up_to(v, k_heavy);

@@ -1,16 +1,17 @@
 #include "gcd/square_free.h"
 
 #include "gcd/content.h"
+#include "gcd/field_hooks.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd.h"
 #include "gcd/word_gcd.h"
 #include "numbers/gf_tables.h"
 #include "poly/div_general.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_deriv.h"
-#include "poly/poly_monic.h"
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 namespace tolvex {
@@ -39,16 +40,44 @@ static void divide_out(polyptrr n, poly m, polypt pt) {
     *n = q;
 }
 
+/// The same for two polynomials whose ratio must stay: over a tower over Q the quotients are multiplied by one
+/// number.
+static void divide_both(polyptrr n, polyptrr m, poly g, polypt pt) {
+    if (lintmode || !exists_field_element(g, pt->depth)) {
+        divide_out(n, g, pt);
+        divide_out(m, g, pt);
+        return;
+    }
+    poly q = nullptr, r = nullptr;
+    if (!tower_reduce(*n, *m, g, &q, &r, pt)) tolvex_error(" failed in square free factor.");
+    free_poly(n);
+    free_poly(m);
+    *n = q;
+    *m = r;
+}
+
+/// *n := n / c for its content c; over a tower over Q up to a number.
+static void divide_content(polyptrr n, poly c, polypt pt) {
+    poly copy = nullptr;
+    if (lintmode || !exists_field_element(c, pt->depth)) {
+        divide_out(n, c, pt);
+        return;
+    }
+    poly_assign(c, &copy);
+    divide_both(n, &copy, c, pt);
+    free_poly(&copy);
+}
+
 /// Appends f, used up, with its multiplicity. Over Z it becomes primitive and positive: divisions may have
 /// left integers.
-static void add_factor(polyptrr sq, int32_t* count, poly f, int32_t multiplicity) {
+static void add_factor(polyptrr sq, int32_t* count, poly f, int32_t multiplicity, polypt pt) {
     if (!lintmode) {
         poly c = nullptr;
         gcd_coefs(f, &c);
         num_poly_quot(&f, c->ncoef, 0);
         free_poly(&c);
     }
-    gcd_normal_form(&f);
+    gcd_normal_form(&f, pt);
     while (*sq != nullptr) sq = &(*sq)->next;
     new_term(sq, multiplicity, f);
     ++*count;
@@ -57,10 +86,21 @@ static void add_factor(polyptrr sq, int32_t* count, poly f, int32_t multiplicity
 // ---- characteristic p
 // --------------------------------------------------------------------------------------
 
+/// The same for a field element below pads.
+static bool take_element_root(polyptrr c, polypt pt) {
+    for (; pt->depth < field_depth; pt = pt->next) c = &(*c)->pcoef;
+    return tower_pth_root(c, pt);
+}
+
 /// *x := its p-th root, term by term. False after an error: some coefficient has none that could be taken.
-static bool take_pth_root(polyptrr x, int32_t p) {
+static bool take_pth_root(polyptrr x, int32_t p, polypt pt) {
     for (poly t = *x; t != nullptr; t = t->next) {
         t->exp /= p;
+        if (!t->numb && !is_number(t->pcoef) && is_field_element(t->pcoef, pt->depth + 1)) {
+            if (take_element_root(&t->pcoef, pt->next)) continue;
+            error(Err::pth_root_needs_field);
+            return false;
+        }
         const polynode* c = t->numb ? t : t->pcoef;
         if (!is_number(c) && !t->numb) {
             error(finf ? Err::no_pth_root : Err::pth_root_needs_field);
@@ -88,7 +128,7 @@ static poly separate(poly x, poly d, polyptrr sq, int32_t* count, int32_t p, int
         poly y = fresh_gcd(w, c, pt), f = w;
         divide_out(&f, y, pt);
         if (has_degree(f))
-            add_factor(sq, count, f, i * mult);
+            add_factor(sq, count, f, i * mult, pt);
         else
             free_poly(&f);
         w = y;
@@ -111,7 +151,7 @@ void square_free_factor(poly x, polyptrr sq, int32_t* count, polypt pt) {
             rest = c;
         }
         free_poly(&d);
-        if (!has_degree(rest) || !take_pth_root(&rest, p)) break;
+        if (!has_degree(rest) || !take_pth_root(&rest, p, pt)) break;
         mult *= p;
     }
     free_poly(&rest);
@@ -137,11 +177,10 @@ void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt) {
     if (is_number(g)) {
         free_poly(&g);
         free_poly(&c);
-        add_factor(sq, count, b, 1);
+        add_factor(sq, count, b, 1, pt);
         return;
     }
-    divide_out(&b, g, pt);
-    divide_out(&c, g, pt);
+    divide_both(&b, &c, g, pt);
     free_poly(&g);
     int32_t i = 0;
     // b: the product of the factors that occur more than i times
@@ -160,11 +199,10 @@ void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt) {
             free_poly(&g);
             continue;
         }
-        divide_out(&b, g, pt);
-        divide_out(&c, g, pt);
-        add_factor(sq, count, g, i);
+        divide_both(&b, &c, g, pt);
+        add_factor(sq, count, g, i, pt);
     }
-    add_factor(sq, count, b, i + 1);
+    add_factor(sq, count, b, i + 1, pt);
 }
 
 // ---- all levels
@@ -173,7 +211,7 @@ void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt) {
 void total_sq_free(polyptrr x, polyptrr sq, int32_t* count, boolean first, polypt pt) {
     if (first) {
         *count = 0;
-        if (modularmode) monic_poly(x);
+        if (modularmode) gcd_normal_form(x, pt);
     }
     if (is_number(*x)) return;
     poly c = nullptr, below = nullptr;
@@ -184,7 +222,7 @@ void total_sq_free(polyptrr x, polyptrr sq, int32_t* count, boolean first, polyp
         poly padded = nullptr;
         poly_assign(c, &padded);
         add_pad(&padded, 1);
-        divide_out(x, padded, pt);
+        divide_content(x, padded, pt);
         free_poly(&padded);
         total_sq_free(&c, &below, count, 0, pt->next);
         for (poly f = below; f != nullptr; f = f->next) add_pad(&f->pcoef, 1);

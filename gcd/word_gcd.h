@@ -24,8 +24,9 @@ void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt);
 poly gcd_fresh(poly u, poly v, polypt pt);
 /// The gcd of the coefficients of the top chain of u, one level down, in normal form.
 poly content_fresh(poly u, polypt pt);
-/// Normal form of a gcd: positive leading number over Z, monic where the leading number is a unit.
-void gcd_normal_form(polyptrr g);
+/// Normal form of a gcd in the variables from pt on: positive leading number over Z, monic where the leading
+/// number is a unit; with field elements as tower_gcd_form says.
+void gcd_normal_form(polyptrr g, polypt pt);
 /// p without its content c (one level down) in its main variable; p is used up. Where zero divisors prevent
 /// the division p comes back.
 poly without_content(poly p, const polynode* c, polypt pt);

@@ -111,7 +111,7 @@ static Division divide_in_arrays(poly n, poly m, bool want_q) {
 
 // One step of the classical loop on *r: the leading term of the quotient is appended at *q_tail, and its
 // product with m subtracted. The leading terms cancel by construction and are not computed.
-static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptrr q_tail) {
+static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptrr q_tail, polypt pt) {
     int32_t e = (*r)->exp - m->exp;
     poly t = coefficient_copy(*r), factor = nullptr, copy = nullptr, product = nullptr;
     times_inverse(&t, inverse);
@@ -120,7 +120,7 @@ static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptr
     q_tail = append_term(q_tail, e, t);
     drop_first_term(r);
     if (m->next != nullptr) {
-        poly_mult(factor, m->next, &product, polynames);
+        poly_mult(factor, m->next, &product, pt);
         best_poly_sub(*r, product, r);
     }
     free_poly(&factor);
@@ -128,7 +128,7 @@ static polyptrr divide_leading_term(polyptrr r, poly m, int32_t inverse, polyptr
 }
 
 // n is used up. The leading number of m is a unit, over Z 1 or -1.
-static Division divide_classically(poly n, poly m) {
+static Division divide_classically(poly n, poly m, polypt pt) {
     int32_t inverse = lead_inverse(m);
     if (inverse == 0) {
         free_poly(&n);
@@ -138,7 +138,7 @@ static Division divide_classically(poly n, poly m) {
     polyptrr q_tail = &q_head;
     while (!is_number(r) && r->exp >= m->exp) {
         poll_interrupt();
-        q_tail = divide_leading_term(&r, m, inverse, q_tail);
+        q_tail = divide_leading_term(&r, m, inverse, q_tail, pt);
     }
     fix_top(&q_head);
     return {q_head, r};
@@ -162,13 +162,13 @@ static void join_at(polyptrr p, int32_t e, poly low) {
     best_poly_add(*p, low, p);
 }
 
-static Division divide_monic(poly n, poly m);
+static Division divide_monic(poly n, poly m, polypt pt);
 
 // deg n <= 9/4 deg m. m = m1 x^k + m0; each round divides the top of n by m1 and corrects by the product of
 // the quotient with m0; at most three rounds.
-static Division karat_mod_and_div(poly n, poly m) {
+static Division karat_mod_and_div(poly n, poly m, polypt pt) {
     int32_t b = m->exp, k = b / 2;
-    if (b < div_poly_cutoff || top_degree(n) - b < 2) return divide_classically(n, m);
+    if (b < div_poly_cutoff || top_degree(n) - b < 2) return divide_classically(n, m, pt);
     poly copy = nullptr, m1 = nullptr, m0 = nullptr;
     poly_assign(m, &copy);
     split_at(copy, k, &m1, &m0);
@@ -179,8 +179,8 @@ static Division karat_mod_and_div(poly n, poly m) {
         int32_t e = top_degree(d.r) - b >= k ? k : 0;
         poly top = nullptr, low = nullptr, product = nullptr;
         split_at(d.r, e + k, &top, &low), d.r = USED_UP;
-        Division part = divide_monic(top, m1);
-        poly_mult(part.q, m0, &product, polynames);
+        Division part = divide_monic(top, m1, pt);
+        poly_mult(part.q, m0, &product, pt);
         if (!poly_iszero(product)) sub_expons(&product, -e);
         join_at(&part.r, e + k, low);
         best_poly_sub(part.r, product, &d.r);
@@ -194,10 +194,10 @@ static Division karat_mod_and_div(poly n, poly m) {
 
 // Divides the part of n from x^s on and leaves x^s times its remainder plus the rest of n; the quotient times
 // x^s is added to d->q.
-static void divide_top(Division* d, int32_t s, poly m) {
+static void divide_top(Division* d, int32_t s, poly m, polypt pt) {
     poly top = nullptr, low = nullptr;
     split_at(d->r, s, &top, &low);
-    Division part = divide_monic(top, m);
+    Division part = divide_monic(top, m, pt);
     join_at(&part.r, s, low);
     d->r = part.r;
     join_at(&part.q, s, d->q);
@@ -205,28 +205,28 @@ static void divide_top(Division* d, int32_t s, poly m) {
 }
 
 // 9/4 deg m < deg n < 10/3 deg m: two halves of the quotient, each within reach of the step above.
-static Division three_case(poly n, poly m) {
+static Division three_case(poly n, poly m, polypt pt) {
     int32_t b = m->exp;
-    if (b < div_poly_cutoff) return divide_classically(n, m);
+    if (b < div_poly_cutoff) return divide_classically(n, m, pt);
     Division d = {nullptr, n};
     poly_set(0, &d.q);
-    divide_top(&d, (n->exp - b) / 2, m);
-    divide_top(&d, 0, m);
+    divide_top(&d, (n->exp - b) / 2, m, pt);
+    divide_top(&d, 0, m, pt);
     return d;
 }
 
 // n is used up; m is monic of degree at least 1. Long n are eaten by blocks of degree 2 deg m.
-static Division divide_monic(poly n, poly m) {
+static Division divide_monic(poly n, poly m, polypt pt) {
     int64_t b = m->exp, a = top_degree(n);
     Division d = {nullptr, n};
     poly_set(0, &d.q);
     if (a < b) return d;
     for (; 3 * a >= 10 * b; a = top_degree(d.r)) {
         poll_interrupt();
-        divide_top(&d, static_cast<int32_t>(a - 2 * b), m);
+        divide_top(&d, static_cast<int32_t>(a - 2 * b), m, pt);
     }
     if (a < b) return d;
-    Division rest = 4 * a <= 9 * b ? karat_mod_and_div(d.r, m) : three_case(d.r, m);
+    Division rest = 4 * a <= 9 * b ? karat_mod_and_div(d.r, m, pt) : three_case(d.r, m, pt);
     best_poly_add(rest.q, d.q, &d.q);
     d.r = rest.r;
     return d;
@@ -244,41 +244,42 @@ void fast_mod_and_div(poly n, poly m, polyptrr r, polyptrr qt, polypt pt, boolea
     } else {
         poly copy = nullptr;
         poly_assign(n, &copy);
-        d = divide_monic(copy, m);
+        d = divide_monic(copy, m, pt);
     }
     store(d, qt, r);
 }
 
 // m is scaled once, outside the recursion.
-static Division divide_by_scaled(poly n, poly m) {
+static Division divide_by_scaled(poly n, poly m, polypt pt) {
     int32_t inverse = lead_inverse(m);
     if (inverse == 0) return undefined();
     Division d = {};
     poly monic = nullptr;
     poly_assign(m, &monic);
     mod_num_poly_mult(&monic, inverse);
-    fast_mod_and_div(n, monic, &d.r, &d.q, polynames, 1);
+    fast_mod_and_div(n, monic, &d.r, &d.q, pt, 1);
     mod_num_poly_mult(&d.q, inverse);
     free_poly(&monic);
     return d;
 }
 
 // Not a number, and deg n >= deg m.
-static Division divide_levels(poly n, poly m, bool cancall) {
+static Division divide_levels(poly n, poly m, bool cancall, polypt pt) {
     int64_t a = n->exp, b = m->exp;
-    if (cancall && mod_is_prime && (b > poly_cutoff || (b > 2 && a > 20 * b))) return divide_by_scaled(n, m);
+    if (cancall && mod_is_prime && (b > poly_cutoff || (b > 2 && a > 20 * b))) return divide_by_scaled(n, m, pt);
     poly copy = nullptr;
     poly_assign(n, &copy);
-    return divide_classically(copy, m);
+    return divide_classically(copy, m, pt);
 }
 
 static Division divide_one_level(poly n, poly m, bool want_q) {
+    const polypt pt = nullptr;  // no coefficient has a variable
     if (is_number(m)) return divide_by_constant(n, m);
     if (top_degree(n) < m->exp) return all_remainder(n);
     if (arrays_fit(n, m)) return divide_in_arrays(n, m, want_q);
     poly copy = nullptr;
     poly_assign(n, &copy);
-    return divide_classically(copy, m);
+    return divide_classically(copy, m, pt);
 }
 
 void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean) {
@@ -289,10 +290,10 @@ static bool one_level_modular(const polynode* n, const polynode* m) {
     return modularmode && only_numbers(n) && only_numbers(m);
 }
 
-void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall) {
+void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall, polypt pt) {
     bool constant = is_number(m);
     if (!modularmode && !poly_eq_pm1(constant ? m : m->pcoef)) {
-        poly_mod_and_div(n, m, r, q, polynames);
+        poly_mod_and_div(n, m, r, q, pt);
         return;
     }
     if (constant)
@@ -302,10 +303,10 @@ void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall) 
     else if (one_level_modular(n, m))
         store(divide_one_level(n, m, true), q, r);
     else
-        store(divide_levels(n, m, cancall != 0), q, r);
+        store(divide_levels(n, m, cancall != 0, pt), q, r);
 }
 
-void poly_div_no_q(poly n, poly m, polyptrr r) {
+void poly_div_no_q(poly n, poly m, polyptrr r, polypt pt) {
     if (one_level_modular(n, m)) {
         Division d = divide_one_level(n, m, false);
         free_poly(&d.q);
@@ -314,7 +315,7 @@ void poly_div_no_q(poly n, poly m, polyptrr r) {
         return;
     }
     poly q = nullptr;
-    basic_poly_divide(n, m, &q, r, 1);
+    basic_poly_divide(n, m, &q, r, 1, pt);
     free_poly(&q);
 }
 }  // namespace tolvex

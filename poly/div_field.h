@@ -8,16 +8,17 @@
 /// Ownership  operands are kept; old results are given back after the new ones are complete, so a result may
 /// be
 ///            an operand.
+/// Modes      pt: the variable of the operands' top level, for coefficients that are modded out.
 /// Raises     error 85 when the leading number of m is no unit.
 #include "poly/poly.h"
 namespace tolvex {
 /// Any ring: over Z, a leading number of m other than 1 and -1 is divided as poly_mod_and_div does. cancall:
 /// large degrees modulo a prime may take the divide and conquer.
-void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall);
+void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall, polypt pt = polynames);
 /// One level, modular. Large degrees always go through arrays; cancall makes no difference to the result.
 void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall);
 /// The divide and conquer; m is monic. from_basic: the caller has seen that there are no negative exponents.
 void fast_mod_and_div(poly n, poly m, polyptrr r, polyptrr qt, polypt pt, boolean from_basic);
 /// Remainder only, modular.
-void poly_div_no_q(poly n, poly m, polyptrr r);
+void poly_div_no_q(poly n, poly m, polyptrr r, polypt pt = polynames);
 }  // namespace tolvex

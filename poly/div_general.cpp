@@ -7,12 +7,14 @@
 #include "numbers/residue.h"
 #include "poly/div_internal.h"
 #include "poly/div_user.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_laurent.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "poly/ports.h"
 #include "storage/interrupt.h"
 namespace tolvex {
 bool number_divides(const number* n, const number* d, imptr q) {
@@ -185,6 +187,12 @@ bool divide_trees(poly n, poly m, polyptrr q, polypt pt) {
 void gen_poly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed) {
     poly fresh = nullptr;
     if (pt == nullptr && !is_number(m) && !is_number(n)) tolvex_error("pt nil in poly_divide");
+    if (pt != nullptr && field_depth > 0 && exists_field_element(m, pt->depth)) {
+        *failed = !tower_divide(n, m, &fresh, pt);
+        free_poly(q);
+        *q = fresh;
+        return;
+    }
     Packed verdict = is_number(m) || is_number(n) ? Packed::declined : divide_packed(n, m, &fresh);
     *failed = verdict == Packed::declined ? !divide_trees(n, m, &fresh, pt) : verdict == Packed::no;
     free_poly(q);

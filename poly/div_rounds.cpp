@@ -87,7 +87,7 @@ static bool keeps_degree(poly p, poly values, polyptrr image) {
 static bool image_divides(poly n, poly m, polypt pt) {
     if (!modularmode) return trial_poly_divide_noq(n, m, pt, 0, 0);
     poly rest = nullptr;
-    poly_div_no_q(n, m, &rest);
+    poly_div_no_q(n, m, &rest, pt);
     bool divides = poly_iszero(rest);
     free_poly(&rest);
     return divides;

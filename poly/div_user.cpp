@@ -9,11 +9,13 @@
 #include "poly/div_field.h"
 #include "poly/div_general.h"
 #include "poly/div_internal.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "poly/ports.h"
 #include "storage/interrupt.h"
 
 #include <initializer_list>
@@ -179,6 +181,12 @@ static bool divide_over_exponents(poly n, poly m, polyptrr q, polyptrr r, polypt
     return true;
 }
 
+// The leading coefficient of m, or m itself, is a field element and no number.
+static bool has_element_as_lead(const polynode* m, polypt pt) {
+    if (is_field_element(m, pt->depth)) return true;
+    return m->exp > 0 && !is_number(m->pcoef) && is_field_element(m->pcoef, pt->depth + 1);
+}
+
 // q and r are fresh. False, with both 0, after an error that came back from a pushed command level.
 static bool divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polypt pt) {
     if (is_number(m)) {
@@ -196,10 +204,14 @@ static bool divide_pass(poly n, poly m, polyptrr q, polyptrr r, Rule rule, polyp
         poly_assign(n, r);
         return true;
     }
+    if (modularmode && field_depth > 0 && has_element_as_lead(m, pt)) {
+        tower_div_rem(n, m, q, r, pt);
+        return true;
+    }
     if (modularmode && m->exp > 0 && is_number(m->pcoef)) {
         bool unit = is_unit(m->pcoef->ncoef);
         both_zero(q, r);
-        if (unit) basic_poly_divide(n, m, q, r, 1);
+        if (unit) basic_poly_divide(n, m, q, r, 1, pt);
         return unit;
     }
     return divide_over_exponents(n, m, q, r, pt);

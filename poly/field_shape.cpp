@@ -2,6 +2,19 @@
 
 #include "poly/poly_shape.h"
 namespace tolvex {
+static bool uses_modded(const polynode* p, const polydata* pt) {
+    const bool modded = is_modded(pt);
+    for (; p != nullptr; p = p->next) {
+        if (p->exp != 0 && modded) return true;
+        if (!p->numb && pt->next != nullptr && uses_modded(p->pcoef, pt->next)) return true;
+    }
+    return false;
+}
+
+bool uses_modded_level(const polynode* p, const polydata* pt) {
+    return pseudo_polynames != nullptr && pt != nullptr && uses_modded(p, pt);
+}
+
 bool exists_field_element(const polynode* p, int32_t depth) {
     if (field_depth == 0 || is_number(p)) return false;
     for (; p != nullptr; p = p->next) {

@@ -7,6 +7,12 @@
 /// Invariant  without a tower (field_depth 0) nothing is a field element and every polynomial lies above it.
 #include "poly/poly.h"
 namespace tolvex {
+/// True if the modding polynomial of the variable is in force.
+inline bool is_modded(const polydata* pt) {
+    return pt->p != nullptr && pseudo_polynames != nullptr && (pt->field || !plain_above_field);
+}
+/// True if p, in the variables from pt on, uses a variable that is modded out.
+bool uses_modded_level(const polynode* p, const polydata* pt);
 /// True if some coefficient that is not a number lies in the tower.
 bool exists_field_element(const polynode* p, int32_t depth);
 /// True if no field variable occurs in u or v.

@@ -2,6 +2,8 @@
 
 #include "numbers/num_compare.h"
 #include "storage/memory.h"
+
+#include <cstdlib>
 namespace tolvex {
 void free_poly(polyptrr p) {
     if (*p == nullptr) return;
@@ -38,17 +40,13 @@ void newpt(polypt* p) {
     **p = polydata{};
     (*p)->let.address = -1;
     (*p)->polycut = poly_cutoff;
-    (*p)->modls = -1;
 }
 
 void free_pt(polypt* p) {
     polypt v = *p;
     free_poly(&v->p);
-    free_poly(&v->alt);
-    free_poly(&v->multdata);
-    free_poly(&v->pwr);
-    free_poly(&v->roots);
-    if (v->gcd_data != nullptr) free_imag(&v->gcd_data);
+    special_free_poly(&v->rational_p);
+    free(v->gcd_data);
     pool_push<&polydata::next>(pt_garb, v);
     *p = nullptr;
 }

@@ -75,18 +75,21 @@ void special_free_poly(polyptrr p);  ///< the same, chains given back whatever t
 
 struct polydata;
 using polypt = polydata*;
-/// One polynomial variable. The fields from modls on belong to field towers.
+/// A prime and a root of a modding polynomial modulo it.
+struct RootPrime {
+    int32_t prime, root;
+};
+/// One polynomial variable. p, expon, field and what follows aux_num belong to modding out (field/modding.h).
 struct polydata {
     tokentipe let;
     int32_t polycut;  // cutoff of Karatsuba at this level; starts as poly_cutoff
-    int32_t expon;    // degree of p when modded out
-    int32_t modls;    // -1: none
-    poly p;           // minimal polynomial of a field generator
-    poly alt, multdata, pwr, roots;
-    boolean field;
-    int16_t depth;  // level: 1 for the first entry of polynames
-    int16_t aux_num;
-    imptr gcd_data;
+    int32_t expon;    // degree of the modding polynomial
+    poly p;           // the modding polynomial, monic, in this variable and deeper ones; t^n + a: the number -a; nil: none
+    boolean field;    // this level belongs to the field tower
+    int16_t depth;    // level: 1 for the first entry of polynames
+    int16_t aux_num;  // number of second auxiliary primes
+    RootPrime* gcd_data;  // these, by falling primes; from checked_malloc
+    poly rational_p;      // in modular mode: p as it was before, chains; nil: declared in modular mode
     polypt next;
 };
 void newpt(polypt* p);  ///< a fresh variable record: polycut := poly_cutoff, all data empty
@@ -95,7 +98,7 @@ void free_pt(polypt* p);
 inline polypt pt_garb = nullptr;
 inline polypt polynames = nullptr;         // list of variables, level 1 first     writers: attach_poly
 inline polypt old_polynames = nullptr;     // the true list while a copy stands in
-inline polypt pseudo_polynames = nullptr;  // the list in use while field arithmetic is suspended
+inline polypt pseudo_polynames = nullptr;  // polynames if a level has a modding polynomial     writers: reset_pseudo_poly
 inline polypt nilpol = nullptr;
 inline int32_t number_polys = 0;  // length of polynames
 inline boolean using_new_polynames = 0;

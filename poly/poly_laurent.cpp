@@ -66,6 +66,7 @@ static void times_monomial(polyptrr p, const polynode* list, int32_t factor) {
 }
 
 poly clear_bads(polyptrr p, int32_t value, int32_t depth) {
+    if (field_depth > 0) depth = minn(depth, field_depth - 1);  // powers of field elements are units already
     if (is_number(*p)) return nullptr;
     LeastExponents e;
     e.levels = minn(minn(tree_depth(*p), depth), k_levels - 1);

@@ -5,7 +5,10 @@
 #include <cstdint>
 namespace tolvex {
 inline boolean laurent = 0;                 // negative exponents            writers: &l
-inline int32_t field_depth = 0;             // variables from the deep end that are modded out into a field
+// 0, or the smallest level from which on every variable belongs to the field tower.  writers: reset_pseudo_poly
+inline int32_t field_depth = 0;
+inline boolean modout_above_field = 0;      // a level above the field has a modding polynomial  writers: the same
+inline boolean plain_above_field = 0;       // these polynomials are not in force                 writers: gcd
 inline int32_t poly_cutoff = 80;            // Karatsuba and dense engine    writers: &#, reset_cutoffs
 inline int32_t div_poly_cutoff = 6;         // 6 rational, 25 modular        writers: change_prec
 inline int32_t simplest_poly_cutoff = 140;  // reported only                 writers: &_k

@@ -1,11 +1,13 @@
 #include "poly/poly_mult.h"
 
+#include "poly/field_shape.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult_internal.h"
 #include "poly/poly_scale.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "poly/ports.h"
 namespace tolvex {
 /// The product when one operand is a number. False: neither is.
 static bool number_product(poly n, poly m, polyptrr p) {
@@ -39,7 +41,8 @@ static bool worth_packing(const polynode* n, const polynode* m) {
     return n_terms >= k_least_terms && m_terms >= k_least_terms && n_terms * m_terms >= k_least_products;
 }
 
-void poly_mult(poly n, poly m, polyptrr p, polypt pol) {
+/// The product in free variables.
+static void free_product(poly n, poly m, polyptrr p, polypt pol) {
     if (number_product(n, m, p)) return;
     boolean one_level_residues = 1;
     int32_t n_last, m_last;
@@ -64,6 +67,11 @@ void poly_mult(poly n, poly m, polyptrr p, polypt pol) {
         simple_standard(n, m, size1 < 0 ? -size1 : size1, size2 < 0 ? -size2 : size2, p);
     else
         karatsuba_poly_mult(n, m, p, pol);
+}
+
+void poly_mult(poly n, poly m, polyptrr p, polypt pol) {
+    free_product(n, m, p, pol);
+    if (pseudo_polynames != nullptr && pol != nullptr) reduce_product(p, pol);
 }
 
 void simplest_poly_mult(poly n, poly m, polyptrr p, int32_t size1, int32_t size2, int32_t expon,
@@ -102,11 +110,13 @@ static bool is_zero_term(const polynode* p) {
     return iszero(p->ncoef);
 }
 
-/// Whether every exponent of p times k is a word.
-static bool exponents_scale(const polynode* p, int64_t k) {
+/// Whether every exponent of p times k is a word. Exponents of variables that are modded out do not count.
+static bool exponents_scale(const polynode* p, int64_t k, polypt pt) {
+    const bool counts = pt == nullptr || !is_modded(pt);
+    polypt below = pt == nullptr ? nullptr : pt->next;
     for (; p != nullptr; p = p->next) {
-        int64_t e = k * p->exp;
-        if (e > INT32_MAX || e < INT32_MIN || (!p->numb && !exponents_scale(p->pcoef, k))) return false;
+        int64_t e = counts ? k * p->exp : 0;
+        if (e > INT32_MAX || e < INT32_MIN || (!p->numb && !exponents_scale(p->pcoef, k, below))) return false;
     }
     return true;
 }
@@ -168,9 +178,15 @@ static poly power_by_digits(const polynode* base, int32_t expont, int32_t q, pol
 
 void compute_power(polyptrr n, int32_t expont, polypt pol) {
     if (expont == 1) return;
-    if (!exponents_scale(*n, expont)) {
+    if (!exponents_scale(*n, expont, pol)) {
         error(Err::exponent_too_long);
         poly_set(0, n);
+        return;
+    }
+    if (uses_modded_level(*n, pol)) {  // reduced after every product
+        poly power = power_by_squaring(*n, expont, pol);
+        free_poly(n);
+        *n = power;
         return;
     }
     if (monomial(*n)) {

@@ -17,6 +17,7 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "quoly/quoly_basic.h"
+#include "quoly/ports.h"
 #include "quoly/quoly_internal.h"
 #include "quoly/reduce.h"
 #include "storage/failure.h"
@@ -235,12 +236,30 @@ static void make_monic(polyptrr numer, polyptrr denom) {
 
 void normalise_parts(polyptrr numer, polyptrr denom, bool laur) {
     if (laur) move_monomial(numer, denom);
-    if (modularmode) {
+    if (field_depth > 0 && (!lintmode || modularmode)) {
+        if (!tower_normal_fraction(numer, denom)) tolvex_error("poly invertibility failure. bad pp2");
+        if (!lintmode && neg_leading_term(*denom)) {
+            poly_inplace(*numer);
+            poly_inplace(*denom);
+        }
+    } else if (modularmode) {
         if (!is_number(*denom)) make_monic(numer, denom);
     } else if (neg_leading_term(*denom)) {
         poly_inplace(*numer);
         poly_inplace(*denom);
     }
+}
+
+void settle_fraction(polyptrr numer, polyptrr denom) {
+    if ((!laurent && pseudo_polynames == nullptr) || *denom == nullptr || poly_iszero(*denom) || poly_iszero(*numer))
+        return;
+    if (modout_above_field) {  // what was reduced may have a factor in common again
+        Factor top = {*numer, true}, bottom = {*denom, true};
+        cancel(&top, &bottom);
+        *numer = top.p;
+        *denom = bottom.p;
+    }
+    normalise_parts(numer, denom, laurent);
 }
 
 /// Gives the parts of q to the caller; q is left without any.

@@ -133,6 +133,7 @@ static void no_denom(quoly n, quoly m, quolyptr p, bool subtract, uint32_t uses)
     poly sum =
         n_is_fraction ? best_combine(numer, product, subtract) : best_combine(product, numer, subtract);
     drop_used(n, m, p, uses);
+    if (modout_above_field) settle_fraction(&sum, &denom);
     receive_fraction(p, sum, denom);
 }
 
@@ -207,7 +208,7 @@ static void general_quoly_add(quoly n, quoly m, quolyptr p, bool subtract, uint3
         numer = factor_taken(&top);
     }
     drop_used(n, m, p, uses);
-    if (laurent && !poly_iszero(numer)) normalise_parts(&numer, &denom, true);
+    settle_fraction(&numer, &denom);
     receive_fraction(p, numer, denom);
 }
 

@@ -12,7 +12,9 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
+#include "poly/ports.h"
 #include "quoly/canonical.h"
+#include "quoly/ports.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_internal.h"
@@ -27,16 +29,34 @@ static bool denominator_is_unit(const polynode* denom) {
     return lead != 0 && mod_inverse_or_0(lead) != 0;
 }
 
+/// Over a field tower the leading element counts; over Q only it can lack an inverse.
+static bool denominator_may_stand(poly denom) {
+    if (poly_iszero(denom)) return false;
+    if (field_depth > 0) return tower_lead_is_unit(denom);
+    return !modularmode || denominator_is_unit(denom);
+}
+
+bool quoly_mod_out(quolyptr q) {
+    quoly v = *q;
+    if (v->numb) return true;
+    if (pseudo_polynames != nullptr) {
+        reduce_product(&v->numer, polynames);
+        if (v->denom != nullptr) reduce_product(&v->denom, polynames);
+    }
+    bool stands = v->denom == nullptr || denominator_may_stand(v->denom);
+    if (stands)
+        check_quoly(q, laurent);
+    else
+        quoly_set(0, q);
+    return stands;
+}
+
 static void fraction_to_mod(quolyptr q) {
     quoly v = *q;
     poly_change_to_mod(&v->numer);
     if (v->denom != nullptr) poly_change_to_mod(&v->denom);
     v->rat = 0;
-    if (v->denom != nullptr && !denominator_is_unit(v->denom)) {
-        quoly_set(0, q);
-        return;
-    }
-    check_quoly(q, laurent);
+    (void)quoly_mod_out(q);
 }
 
 static void number_to_mod(imptr n) {
@@ -74,13 +94,14 @@ Err quoly_reduce_words(quolyptr q) {
     poly_reduce_words(&v->numer);
     if (v->denom != nullptr) {
         poly_reduce_words(&v->denom);
-        if (!denominator_is_unit(v->denom)) {
+        if (pseudo_polynames != nullptr) reduce_product(&v->denom, polynames);
+        if (!denominator_may_stand(v->denom)) {
             Err fault = poly_iszero(v->denom) ? Err::division_by_zero : Err::not_invertible;
             quoly_set(0, q);
             return fault;
         }
     }
-    check_quoly(q, laurent);
+    (void)quoly_mod_out(q);
     return Err{};
 }
 
@@ -100,7 +121,7 @@ static void fraction_from_mod(quolyptr q, bool symmetric) {
     if ((*q)->denom != nullptr) change(&(*q)->denom);
     RingState modular_ring = ring_capture();
     ring_enter_integers();
-    check_quoly(q, laurent);
+    (void)quoly_mod_out(q);
     ring_assign(modular_ring);
 }
 

@@ -19,6 +19,9 @@ void quoly_change_from_mod(quolyptr q);
 /// there; otherwise the error of its denominator, 0 or without an inverse, for the caller to raise or not: q
 /// is 0 then.
 Err quoly_reduce_words(quolyptr q);
+/// *q reduced by the modding polynomials in force, in canonical form. False: its denominator has become 0 or has
+/// no inverse that it needs; then *q is 0.
+bool quoly_mod_out(quolyptr q);
 void quoly_insert_level(quoly q, int32_t level);  ///< a new variable came in at that level
 void quoly_remove_level(quoly q, int32_t level);  ///< taken out; it does not occur
 boolean quoly_contains_level(const quolynode* q, int32_t level);

@@ -75,6 +75,9 @@ poly factor_taken(Factor* f);
 void cancel(Factor* f, Factor* g);
 /// Removes from numer and denom the monomial that divides denom (it moves to numer). laurent.
 void move_monomial(polyptrr numer, polyptrr denom);
+/// What ends an operation on two canonical fractions: after products in reduced variables (or of monomials
+/// under laurent) the parts may be out of form. denom may be nil or 0.
+void settle_fraction(polyptrr numer, polyptrr denom);
 /// numer, denom (not nil, not 0, coprime) with the sign, leading number and monomial of a canonical fraction.
 void normalise_parts(polyptrr numer, polyptrr denom, bool laur);
 }  // namespace tolvex

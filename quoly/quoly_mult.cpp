@@ -53,7 +53,7 @@ static void multiply_fractions(quoly n, quoly m, quolyptr p) {
     } else {
         fraction_product({a.numer, a.denom}, {b.numer, b.denom}, &numer, &denom);
     }
-    if (laurent && denom != nullptr && !poly_iszero(numer)) normalise_parts(&numer, &denom, true);
+    settle_fraction(&numer, &denom);
     receive_fraction(p, numer, denom);
 }
 
@@ -111,7 +111,7 @@ void quoly_compute_power(quolyptr q, int32_t expont) {
     if (v->denom != nullptr) compute_power(&v->denom, expont, polynames);
     poly numer = v->numer, denom = v->denom;
     v->numer = v->denom = nullptr;
-    if (laurent && denom != nullptr && !poly_iszero(numer)) normalise_parts(&numer, &denom, true);
+    settle_fraction(&numer, &denom);
     receive_fraction(q, numer, denom);  // a zero divisor may have vanished
 }
 

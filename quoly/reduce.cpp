@@ -1,8 +1,10 @@
 #include "quoly/reduce.h"
 
+#include "gcd/field_hooks.h"
 #include "gcd/polygcd.h"
 #include "poly/div_general.h"
 #include "poly/div_trial.h"
+#include "poly/field_shape.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
@@ -17,6 +19,7 @@ static bool divide_out(poly n, poly common, polyptrr q, bool odd) {
 
 void reduce(poly n, poly m, polyptrr common, polyptrr num, polyptrr den) {
     constexpr int k_attempts = 4;
+    if (!lintmode && exists_field_element(*common, 1) && tower_reduce(n, m, *common, num, den, polynames)) return;
     bool odd = laurent && (has_negative_exponent(n) || has_negative_exponent(m));
     for (int attempt = 0; attempt < k_attempts; attempt++) {
         poly q = nullptr, r = nullptr;

@@ -19,6 +19,7 @@
 #include "session/load.h"
 #include "session/loop.h"
 #include "session/modulus.h"
+#include "session/mod_out.h"
 #include "session/polyvars.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
@@ -107,6 +108,11 @@ static After ground_ring(Command& c) {
 
 static After polynomial_variables(Command&) {
     ask_polyvars();
+    return After::read_next;
+}
+
+static After modding_out(Command&) {
+    ask_mod_out();
     return After::read_next;
 }
 
@@ -334,6 +340,7 @@ static const CommandRow commands[] = {
     {"F", "as `&f`", list_functions},
     {"G", "reports how many records are free", report_garbage},
     {"J", "polynomial variables; asks for them", polynomial_variables},
+    {"P", "modding out; asks for a polynomial", modding_out},
     {"M", "asks for the prompt: a line of at most 9 characters, a blank for none", ask_prompt},
     {"Q", "leaves the program", quit},
     {"R", "asks for the name of a file of statements and runs it", load_command},

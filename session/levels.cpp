@@ -1,5 +1,7 @@
 #include "session/levels.h"
 
+#include "field/field_modes.h"
+#include "field/modding.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/gcd_modes.h"
 #include "language/functions.h"
@@ -43,11 +45,13 @@ static constexpr int32_t k_unfinished_builtin = -3;
 struct StatementCounters {
     GcdCounters gcd;
     int32_t uninit;
+    bool reads_modding;  // a modding polynomial is being read in free variables
 };
 
 static StatementCounters save_counters() {
-    StatementCounters s = {gcd_counters_save(), uninit};
+    StatementCounters s = {gcd_counters_save(), uninit, modding_held != 0};
     gcd_counters_push();
+    resume_modding();
     return s;
 }
 
@@ -57,6 +61,7 @@ static void restore_counters(const StatementCounters& s) {
     gcd_counters_restore(s.gcd);
     if (s.gcd.lookup >= 0) lookupgcd = lookup;
     uninit = s.uninit;
+    if (s.reads_modding) suspend_modding();
 }
 
 /// Variables and the form of residues that a display had put in force give way to the user's.
@@ -146,6 +151,7 @@ static void drop_line_rests() {
     forget_loads();
     forget_image();
     gcd_counters_clear();
+    resume_modding();
     clear_statement_counters();
     dumpitt_length = dumpitt_level = 0;
     tt_flag = 1;

@@ -1,5 +1,7 @@
 #include "session/modulus.h"
 
+#include "field/field_modes.h"
+#include "field/modding.h"
 #include "gcd/gcd_stash.h"
 #include "language/expre.h"
 #include "language/language_modes.h"
@@ -13,6 +15,7 @@
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
 #include "session/levels.h"
+#include "session/mod_out.h"
 #include "session/loop.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
@@ -68,6 +71,7 @@ bool enter_modular(int32_t m, bool loud) {
     f256 = m == 256;
     f2t16 = m == 65536;
     finf = table_field;
+    modding_to_mod();
     fresh_cutoffs(k_div_cutoff_modular);
     set_disp_size(k_decimals_modular);
     if (loud) announce_modulus();
@@ -81,7 +85,9 @@ bool enter_modular(int32_t m, bool loud) {
     rand_denom_n = 1;
     quoly_set(0, &prevnum);
     gcd_stash_outdated();
+    if (pseudo_polynames != nullptr) tower_ring = modulus;
     interrupts_held--;
+    test_fields();
     return true;
 }
 
@@ -94,6 +100,7 @@ bool leave_modular(bool loud) {
     drop_running_values();
     interrupts_held++;
     modularmode = lintmode = 0;
+    modding_from_mod();
     carry_values(modulus, -1);
     f256 = f2t16 = finf = 0;
     set_modulus(-1);

@@ -1,5 +1,6 @@
 #include "session/polyvars.h"
 
+#include "field/modding.h"
 #include "gcd/gcd_stash.h"
 #include "language/array_values.h"
 #include "language/expre.h"
@@ -93,6 +94,7 @@ static bool declare(PolyItem& item) {
     interrupts_held++;
     gcd_stash_outdated();
     insert_poly_name(item.name, item.at_end);
+    reset_pseudo_poly();
     if (!item.at_end) {
         for_each_value(add_level_in_front, nullptr);
         for_each_away(add_level_in_front, nullptr);
@@ -166,6 +168,19 @@ static void take_level_out_of_away(Removal& r) {
         in_ring_of(r, entry->ring, [&] { take_level_out(&entry->value, &r); });
 }
 
+/// True if a modding polynomial contains the variable of that level: a level above it.
+static bool stands_in_modding(int32_t level) {
+    for (polypt v = polynames; v != nullptr && v->depth < level; v = v->next)
+        if (v->p != nullptr && poly_contains_level(v->p, level - v->depth + 1)) return true;
+    return false;
+}
+
+/// It occurs in none of them.
+static void take_level_out_of_modding(int32_t level) {
+    for (polypt v = polynames; v != nullptr && v->depth < level; v = v->next)
+        if (v->p != nullptr) remove_one(&v->p, level - v->depth + 1);
+}
+
 static bool remove_variable(PolyItem& item) {
     int32_t level = 0;
     polypt variable = nullptr;
@@ -178,7 +193,7 @@ static bool remove_variable(PolyItem& item) {
         return false;
     }
     if (!list_may_change()) return false;
-    Removal r = {level, item.value, false, false, 0};
+    Removal r = {level, item.value, stands_in_modding(level), false, 0};
     if (item.value == nullptr) {
         for_each_value(look_for_level, &r);
         for_each_away(look_for_level, &r);
@@ -192,7 +207,9 @@ static bool remove_variable(PolyItem& item) {
     take_level_out_of_arrays(r);
     take_level_out_of_away(r);
     gcd_stash_outdated();
+    take_level_out_of_modding(level);
     delete_poly_name(level);
+    reset_pseudo_poly();
     interrupts_held--;
     return true;
 }

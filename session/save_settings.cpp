@@ -4,6 +4,7 @@
 #include "numbers/display_modes.h"
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
+#include "session/mod_out.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 
@@ -67,6 +68,7 @@ static void save_place(FILE* file, SavePlace place) {
         return;
     case SavePlace::ring:
         if (modularmode) fprintf(file, "&(p = %d);\n", modulus);
+        save_mod_out(file);
         return;
     default:
         break;

@@ -192,8 +192,7 @@ static void raise_stack_limit() {
 static void walk_session_roots() {
     for (polypt v = polynames; v != nullptr; v = v->next) {
         audit_reach<polydata>();
-        for (poly p : {v->p, v->alt, v->multdata, v->pwr, v->roots}) audit_reach_poly(p);
-        if (v->gcd_data != nullptr) audit_reach_number(v->gcd_data);
+        for (poly p : {v->p, v->rational_p}) audit_reach_poly(p);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
 #include "session/save_file.h"
+#include "session/mod_out.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 
@@ -69,10 +70,6 @@ static void file_lines() {
     if (outpuf != nullptr) printf(" Saving to file %s.\n", output_file_name);
 }
 
-static void prime_lines() {
-    printf(" There are 0 first auxiliary primes: \n There are no second auxiliary primes.\n");
-}
-
 static const SwitchRow* row_of(StatusLine line) {
     size_t count;
     const SwitchRow* rows = switch_rows(&count);
@@ -102,7 +99,7 @@ static void show_line(StatusLine line) {
         polyvar_lines();
         break;
     case StatusLine::primes:
-        prime_lines();
+        mod_out_status();
         break;
     default:
         show_switch(*row_of(line));

@@ -9,6 +9,7 @@
 #include "numbers/shape_num.h"
 #include "quoly/quoly_basic.h"
 #include "session/load.h"
+#include "session/mod_out.h"
 #include "session/loop.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
@@ -250,6 +251,8 @@ void set_switch(FILE* inf, quolyptr n, nameptr* flag) {
     next_token(inf, flag);
     if (strcmp(form.letter, "M") == 0 || strcmp(form.letter, "R") == 0 || strcmp(form.letter, "S") == 0) {
         set_text_form(inf, flag, form.letter);
+    } else if (strcmp(form.letter, "P") == 0) {
+        set_mod_out(inf, flag);
     } else if (strcmp(form.letter, "p") == 0) {
         set_ring_form(form);
     } else {

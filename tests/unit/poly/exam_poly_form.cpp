@@ -455,7 +455,6 @@ TEST_F(PolyForm, variable_table) {
         EXPECT_EQ(depth, i + 1);
         EXPECT_EQ(v->depth, i + 1);
         EXPECT_EQ(v->polycut, poly_cutoff);
-        EXPECT_EQ(v->modls, -1);
         EXPECT_EQ(its_a_polyname(name), i + 1);
     }
     tok_set(name, "bb");
