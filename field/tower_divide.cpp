@@ -55,8 +55,6 @@ bool tower_normalise(polyptrr r, polypt pt, polyptrr factor) {
     return true;
 }
 
-bool tower_monic(polyptrr r, polypt pt) { return tower_normalise(r, pt, nullptr); }
-
 // ---- division by a polynomial whose leading element is a number -------------------------------------------
 
 namespace {

@@ -14,6 +14,8 @@ const polynode* leading_element(const polynode* p, polypt pt, polypt* level);
 /// unless nil, := that element, in the variables from pt on. False, nothing done: the leading element has no
 /// inverse.
 bool tower_normalise(polyptrr r, polypt pt, polyptrr factor);
+/// *r := r divided by its leading element; modular mode. False, nothing done: that has no inverse.
+inline bool tower_monic(polyptrr r, polypt pt) { return tower_normalise(r, pt, nullptr); }
 /// c n = q m with c > 0, least over Q, 1 in modular mode. False: m does not divide n, or its leading element
 /// has no inverse.
 bool tower_quotient(poly n, poly m, polyptrr q, polyptrr c, polypt pt);

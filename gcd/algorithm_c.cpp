@@ -283,7 +283,7 @@ void algorithm_c(polygcd_EnvRec& env) {
         free_poly(&s);
     }
     if (c.swaplev > 1) lower_variable(c, &r);
-    gcd_normal_form(&r, nullptr);
+    gcd_normal_form(&r);
     free_poly(&c.u);
     free_poly(&c.v);
     free_poly(&c.g);

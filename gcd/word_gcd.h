@@ -25,8 +25,8 @@ poly gcd_fresh(poly u, poly v, polypt pt);
 /// The gcd of the coefficients of the top chain of u, one level down, in normal form.
 poly content_fresh(poly u, polypt pt);
 /// Normal form of a gcd in the variables from pt on: positive leading number over Z, monic where the leading
-/// number is a unit; with field elements as tower_gcd_form says.
-void gcd_normal_form(polyptrr g, polypt pt);
+/// number is a unit; with field elements as tower_gcd_form says. pt nil: no field element occurs.
+void gcd_normal_form(polyptrr g, polypt pt = nullptr);
 /// p without its content c (one level down) in its main variable; p is used up. Where zero divisors prevent
 /// the division p comes back.
 poly without_content(poly p, const polynode* c, polypt pt);

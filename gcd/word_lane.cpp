@@ -105,7 +105,7 @@ static bool gcd_by_images(WordGcdEnv& env, int64_t most_images, polyptrr g) {
 }
 
 static void hand_over(poly g, polyptrr r) {
-    gcd_normal_form(&g, nullptr);
+    gcd_normal_form(&g);
     free_poly(r);
     *r = g;
 }

@@ -12,6 +12,7 @@
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
+#include "poly/ports.h"
 #include "storage/failure.h"
 #include "storage/interrupt.h"
 
@@ -265,6 +266,7 @@ void poly_readin(FILE* inf, polyptrr p, nameptr* flag, int32_t* depth) {
     } else if (suspended) {
         poly_reduce_words(&value);
     }
+    if (pseudo_polynames != nullptr) reduce_product(&value, polynames);
     *depth = poly_level(value);
     free_poly(p);
     *p = value;

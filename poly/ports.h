@@ -16,6 +16,4 @@ bool tower_divide(poly n, poly m, polyptrr q, polypt pt);
 /// *q, *r := quotient and remainder of n by m in the main variable of m, whose leading coefficient is a field
 /// element that is no number; modular mode. Fresh. An element without inverse ends the statement.
 void tower_div_rem(poly n, poly m, polyptrr q, polyptrr r, polypt pt);
-/// *r := r divided by its leading field element; modular mode. False, nothing done: it has no inverse.
-bool tower_monic(polyptrr r, polypt pt);
 }  // namespace tolvex

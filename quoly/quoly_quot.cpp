@@ -3,18 +3,24 @@
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_divide.h"
+#include "numbers/num_mult.h"
 #include "numbers/num_sign.h"
 #include "numbers/residue.h"
 #include "poly/div_user.h"
+#include "poly/field_shape.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
+#include "poly/poly_scale.h"
+#include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "poly/size_estimates.h"
 #include "quoly/canonical.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_fraction.h"
 #include "quoly/quoly_internal.h"
 #include "quoly/quoly_mult.h"
+#include "quoly/ports.h"
 #include "quoly/quoly_rats.h"
 #include "storage/failure.h"
 namespace tolvex {
@@ -99,6 +105,43 @@ static poly divided_part(poly part, poly m, char which) {
     return r;
 }
 
+/// True if m, no number, has a leading coefficient in the field tower (a number is in it): *degree in its main
+/// variable, *depth the level of that.
+static bool divides_in_field(const polynode* m, int32_t* degree, int32_t* depth) {
+    if (field_depth == 0 || lintmode || is_number(m)) return false;
+    for (*depth = 1; m->exp == 0 && !m->numb; m = m->pcoef) ++*depth;
+    *degree = m->exp;
+    if (*depth >= field_depth) return true;
+    return is_number(m->pcoef) || is_field_element(m->pcoef, *depth + 1);
+}
+
+/// p := n / m in a field over Q: the divisor gets an integer d as leading number, and n is multiplied by a
+/// power of d beforehand, so that all quotients are integers.
+static void divide_in_field(poly n, poly m, int32_t degree, int32_t depth, quolyptr p, char which) {
+    poly divisor = nullptr, factor = nullptr, r = nullptr;
+    poly_assign(m, &divisor);
+    if (!tower_integer_lead(&divisor, &factor)) tolvex_error("poly invertibility failure. bad pp2");
+    number scale = {};
+    int32_t most = 0;
+    if (depth < field_depth)
+        max_degree(n, depth, &most);
+    else
+        degree = 0;  // m is a field element
+    num_assign(leading_coef(divisor)->ncoef, &scale);
+    number_power(&scale, most < degree ? 0 : most - degree + 1);
+    poly_assign(n, &r);
+    num_poly_mult(&r, &scale);
+    poly_mod_or_div(r, divisor, &r, which, polynames);
+    if (which == '\\') poly_mult(r, factor, &r, polynames);
+    free_poly(&divisor);
+    free_poly(&factor);
+    quoly q = quoly_target(p);
+    q->numer = r;
+    scalar_to_poly(&scale, &q->denom);
+    special_free(&scale);
+    check_quoly(p, laurent);
+}
+
 void quoly_mod_or_div(quoly n, quoly m, quolyptr p, char which) {
     if (m->denom != nullptr) {
         error(Err::negative_exponents);
@@ -118,6 +161,20 @@ void quoly_mod_or_div(quoly n, quoly m, quolyptr p, char which) {
         return;
     }
     QuolyView a(n), b(m);
+    int32_t degree, depth;
+    if (divides_in_field(b.numer, &degree, &depth) && (a.denom == nullptr || is_number(a.denom))) {
+        quoly quotient = nullptr;
+        divide_in_field(a.numer, b.numer, degree, depth, &quotient, which);
+        if (a.denom != nullptr) {
+            quoly divisor = nullptr;
+            scalar_to_quoly(a.denom->ncoef, &divisor);
+            fast_quoly_quot(&quotient, divisor, 0);
+            free_quoly(&divisor);
+        }
+        free_quoly(p);
+        *p = quotient;
+        return;
+    }
     poly numer = divided_part(a.numer, b.numer, which);
     poly denom = a.denom != nullptr ? divided_part(a.denom, b.numer, which) : nullptr;
     if (denom != nullptr && poly_iszero(denom)) {

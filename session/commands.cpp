@@ -379,6 +379,7 @@ static void toggle(const SwitchRow& row, Command& c) {
         error(Err::not_in_word_mode);
         return;
     }
+    if (row.refuses != nullptr && row.refuses(!*row.at)) return;
     *row.at = !*row.at;
     fputs(*row.at ? row.on : row.off, Output);
     if (row.after != nullptr) row.after();

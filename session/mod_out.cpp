@@ -359,6 +359,16 @@ void test_fields() {
         if (!level_is_field(all[count])) tell_no_field();
 }
 
+bool refuse_laurent(int32_t on) {
+    if (!on) return false;
+    for (polypt v = polynames; v != nullptr; v = v->next)
+        if (v->p != nullptr && !v->field) {
+            error(Err::laurent_with_modding, tok_text(v->let));
+            return true;
+        }
+    return false;
+}
+
 // ---- saving and status ---------------------------------------------------------------------------------
 
 /// The text of the modding polynomial, as it can be read back.

@@ -10,6 +10,7 @@
 #include "numbers/number_modes.h"
 #include "poly/poly_modes.h"
 #include "poly/poly_vars.h"
+#include "session/mod_out.h"
 #include "session/session_modes.h"
 #include "storage/checked.h"
 #include "storage/interrupt.h"
@@ -373,6 +374,7 @@ static const SwitchRow rows[] = {
      .off = " Negative exponents disabled.\n",
      .unchanged = "Laurent polynomial status",
      .after = gcd_stash_outdated,
+     .refuses = refuse_laurent,
      .meaning = "polynomials may have negative exponents",
      .line = StatusLine::exponents,
      .shown = " Laurent polynomials allowed.\n",

@@ -100,6 +100,7 @@ struct SwitchRow {
     void (*after)();                // Boolean: follows a change
     bool wide;                      // `&(x = v)` takes values above 1
     bool rational_only;             // 235 in lintmode
+    bool (*refuses)(int32_t value); // raises the error that forbids the value now: true then; nil: none
     bool leaves_value;              // `&x` leaves the new value, not 0
     int32_t (*value)();             // the others: the value in force
     const char* meaning;            // for the manual

@@ -166,6 +166,7 @@ static void set_boolean(const SwitchRow& row, int32_t v) {
         printf(" Already had that value; no change%s%s.\n", *row.unchanged != 0 ? " in " : "", row.unchanged);
         return;
     }
+    if (row.refuses != nullptr && row.refuses(fresh)) return;
     *row.at = fresh;
     const char* on = row.set_on != nullptr ? row.set_on : row.on;
     const char* off = row.set_off != nullptr ? row.set_off : row.off;

@@ -12,7 +12,7 @@ ORDER = ["storage", "language/tokens", "numbers", "poly", "gcd", "quoly", "field
 # Upward calls: the header that declares them and the folder that defines them.
 PORTS = {
     "storage/failure.h": ("session", ["error", "tolvex_error", "mem_error", "take_interrupt"]),
-    "poly/ports.h": ("field", ["reduce_product", "tower_divide", "tower_div_rem", "tower_monic"]),
+    "poly/ports.h": ("field", ["reduce_product", "tower_divide", "tower_div_rem"]),
     "gcd/field_hooks.h": ("field", ["tower_gcd", "tower_gcd_form", "tower_reduce", "tower_pth_root"]),
     "quoly/ports.h": ("field", ["tower_normal_fraction", "tower_lead_is_unit", "tower_integer_lead"]),
     "language/ports.h": ("session", ["run_command", "return_to_top", "open_answer", "warning"]),

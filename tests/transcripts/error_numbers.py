@@ -17,10 +17,8 @@ FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 # Numbers that no transcript meets, and why.
 WAITING = {
     71: "takes a list of more than a million values",
-    308: "square-free parts over a field, which no command takes yet",
+    308: "p-th roots of coefficients in another variable, over a table field",
     314: "subscripts that may not be negative: no transcript",
-    353: "polynomials that are modded out, which no command declares yet",
-    356: "polynomials that are modded out, which no command declares yet",
 }
 
 

@@ -1,7 +1,6 @@
 // The driver in fixed cases: each step with the operands that it is for, and what is promised on every way
 // out.
 #include "gcd/engines.h"
-#include "gcd/field_hooks.h"
 #include "poly/div_trial.h"
 #include "poly/poly_monic.h"
 #include "poly/word_field.h"
@@ -206,7 +205,6 @@ TEST_F(Driver, evaluation_at_one_point) {
     assign_levels(env);
     EXPECT_EQ(env.field_level, 3);
     EXPECT_EQ(env.us.levels, 2);
-    EXPECT_TRUE(env.levels_equal);
     int32_t expo = 0;
     bool valid = false;
     while (!valid) {
@@ -282,14 +280,6 @@ TEST_F(Driver, interpolation_can_be_switched_off) {
         polygcd(u, v, &g, 0, 1, 1, polynames, 1, 1, 1);
         EXPECT_TRUE(poly_equal(g, c)) << text_of(g);
     }
-}
-
-TEST_F(Driver, field_hooks_without_a_tower) {
-    EXPECT_EQ(aux_prime_count(), 0);
-    PolyGuard r;
-    r.p = poly_of("3*x + 6");
-    rat_monic_poly(&r.p);
-    EXPECT_EQ(text_of(r), plain("3*x + 6"));
 }
 
 // ---- ownership, counters, errors -----------------------------------------------------------------------
