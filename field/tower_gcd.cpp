@@ -211,7 +211,7 @@ static int32_t compare_leads(const polynode* u, const polynode* v, polypt pt) {
     return 0;
 }
 
-enum class Image { good, bad_prime, no_inverse };
+enum class Image { good, bad_prime, not_separable, no_inverse };
 
 /// *g := the monic gcd modulo p, as symmetric chains.
 static Image image_gcd(poly u, poly v, int32_t p, polyptrr g, polypt pt) {
@@ -221,7 +221,9 @@ static Image image_gcd(poly u, poly v, int32_t p, polyptrr g, polypt pt) {
     poly_image(u, &a);
     poly_image(v, &b);
     Image outcome = Image::bad_prime;
-    if (tower_words().separable && compare_leads(a, u, pt) == 0 && compare_leads(b, v, pt) == 0) {
+    if (!tower_words().separable) {
+        outcome = Image::not_separable;
+    } else if (compare_leads(a, u, pt) == 0 && compare_leads(b, v, pt) == 0) {
         bool good = tower_monic(&a, pt) && tower_monic(&b, pt) && gcd_in_words(a, b, g, pt);
         outcome = good ? Image::good : Image::no_inverse;
         if (good)
@@ -273,7 +275,7 @@ static int32_t next_prime(int32_t* index, int32_t last) {
 
 /// *g := the gcd of u and v, primitive, with a positive integer as leading element. False: no field.
 static bool gcd_over_rationals(poly u, poly v, polyptrr g, polypt pt) {
-    constexpr int32_t k_most_refusals = 40;  // a unit is none modulo some prime: rare in a field
+    constexpr int32_t k_most_refusals = 40;  // a unit is none, or a discriminant is 0, modulo so many primes: no field
     poly acc = nullptr, image = nullptr, candidate = nullptr;
     number m = {}, denom = {};
     int32_t index = k_lrg_primes, p = 0, refusals = 0, images = 0, next_try = 1;
@@ -282,7 +284,7 @@ static bool gcd_over_rationals(poly u, poly v, polyptrr g, polypt pt) {
         poll_interrupt();
         p = next_prime(&index, p);
         Image outcome = image_gcd(u, v, p, &image, pt);
-        if (outcome == Image::no_inverse) refusals++;
+        if (outcome == Image::no_inverse || outcome == Image::not_separable) refusals++;
         if (outcome != Image::good) continue;
         int32_t order = acc == nullptr ? -1 : compare_leads(image, acc, pt);
         if (order < 0) {  // the first, or all before were too large

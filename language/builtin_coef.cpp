@@ -1,4 +1,5 @@
 // Built-in functions of coefficients, terms and monomials.
+#include "field/tower_divide.h"
 #include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"
@@ -86,7 +87,22 @@ void builtin_Lterm(BuiltinCall& call) {
     return_poly(call, &t);
 }
 
-/// Ncoef and Flcoef: the number of the first term.
+/// Flcoef: the leading element of the coefficient field; without a field the number of the first term.
+void builtin_Flcoef(BuiltinCall& call) {
+    if (!polynomial_argument(call)) return;
+    polypt level = polynames;
+    const polynode* first = field_depth > 0 ? leading_element((*call.n)->numer, polynames, &level)
+                                            : leading_coef((*call.n)->numer);
+    poly element = nullptr;
+    if (first->numb)
+        node_assign(first, &element);
+    else
+        poly_assign(first, &element);
+    add_pad(&element, level->depth - 1);
+    return_poly(call, &element);
+}
+
+/// Ncoef: the number of the first term.
 void builtin_Ncoef(BuiltinCall& call) {
     if (!polynomial_argument(call)) return;
     number_value(call, leading_coef((*call.n)->numer)->ncoef);

@@ -15,6 +15,7 @@
 #include "numbers/num_gcd.h"
 #include "numbers/num_mult.h"
 #include "poly/div_general.h"
+#include "poly/field_shape.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_laurent.h"
@@ -23,6 +24,8 @@
 #include "poly/poly_vars.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
+#include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
 #include "quoly/quoly_scalar.h"
 #include "storage/progress.h"
 namespace tolvex {
@@ -221,9 +224,24 @@ static void constant_factor(poly p, const polynode* list, imptr c) {
     free_num(&power);
 }
 
-/// The square-free factors of p with their multiplicities, their product being p.
-static void square_free_rows(poly p, polyptrr list) {
-    poly x = nullptr, c = nullptr;
+/// The same over a field tower, where the factor is a field element.
+static void constant_element(poly p, const polynode* list, quolyptr c) {
+    poly copy = nullptr;
+    poly_assign(p, &copy);
+    poly_to_quoly(&copy, c);
+    for (; list != nullptr; list = list->next) {
+        quoly power = nullptr;
+        poly_assign(list->pcoef, &copy);
+        poly_to_quoly(&copy, &power);
+        quoly_compute_power(&power, list->exp);
+        fast_quoly_quot(c, power, 0);
+        free_quoly(&power);
+    }
+}
+
+/// The square-free factors of p with their multiplicities, and the constant c with which their product is p.
+static void square_free_rows(poly p, polyptrr list, quolyptr c) {
+    poly x = nullptr;
     int32_t count = 0;
     poly_assign(p, &x);
     alg_c_count = 0;
@@ -231,23 +249,30 @@ static void square_free_rows(poly p, polyptrr list) {
     total_sq_free(&x, list, &count, 1, polynames);
     free_poly(&x);
     sort_by_multiplicity(list);
-    poly_set(1, &c);
-    constant_factor(p, *list, c->ncoef);
-    if (*list != nullptr && poly_eq_1(c)) {
-        free_poly(&c);
-        return;
+    if (exists_field_element(p, 1)) {
+        constant_element(p, *list, c);
+    } else {
+        quoly_set(1, c);
+        constant_factor(p, *list, (*c)->ncoef);
     }
-    poly rest = *list;
-    new_term(list, 1, c);
-    (*list)->next = rest;
 }
 
-/// The array `name` becomes the matrix of the rows factor, multiplicity; the list is used up.
-static void store_rows(tokentipe& name, polyptrr list, int32_t rows) {
+/// The array `name` becomes the matrix of the rows factor, multiplicity: the constant, unless it is 1 and not
+/// alone, and the list, both used up. Returns the number of rows.
+static int32_t store_rows(tokentipe& name, quolyptr constant, polyptrr list) {
+    const bool with_constant = *list == nullptr || !quoly_equal(*constant, quol_num_1);
+    const int32_t rows = (with_constant ? 1 : 0) + (*list == nullptr ? 0 : poly_length(*list));
     ArrOperand matrix;
-    if (!begin_operand(matrix)) return;
+    if (!begin_operand(matrix)) return rows;
     if (make_dense(matrix, rows, 2)) {
-        for (int32_t row = 0; row < rows; row++) {
+        int32_t row = 0;
+        if (with_constant) {
+            elements_of(matrix)[0] = *constant;
+            *constant = nullptr;
+            quoly_set(1, &elements_of(matrix)[rows]);
+            row++;
+        }
+        for (; row < rows; row++) {
             poly f = *list;
             *list = f->next;
             poly_to_quoly(&f->pcoef, &elements_of(matrix)[row]);
@@ -259,6 +284,7 @@ static void store_rows(tokentipe& name, polyptrr list, int32_t rows) {
         assign_whole(name, a, matrix);
     }
     end_operand(matrix);
+    return rows;
 }
 
 /// Sqfree(p, [a]): [a] becomes the square-free factors of p with their multiplicities; the value is their
@@ -277,11 +303,15 @@ void builtin_Sqfree(BuiltinCall& call) {
     }
     polynode leaf;
     poly list = nullptr;
+    quoly constant = nullptr;
     poly p = good ? plain_polynomial(value_of(&v), &leaf) : nullptr;
-    if (p != nullptr) square_free_rows(p, &list);
-    int32_t rows = list == nullptr ? 0 : poly_length(list);
-    if (rows > 0) store_rows(name, &list, rows);
+    int32_t rows = 0;
+    if (p != nullptr) {
+        square_free_rows(p, &list, &constant);
+        rows = store_rows(name, &constant, &list);
+    }
     free_factor_list(&list);
+    free_quoly(&constant);
     drop_data(&v);
     return_word(call, rows);
 }

@@ -1,4 +1,5 @@
 // Built-in functions of polynomials and rational functions: shape, parts, divisibility, derivatives.
+#include "field/tower_divide.h"
 #include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "language/locations.h"
@@ -9,9 +10,11 @@
 #include "numbers/shape_num.h"
 #include "poly/div_trial.h"
 #include "poly/div_user.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_laurent.h"
+#include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/poly_vars.h"
@@ -260,13 +263,23 @@ static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotie
     polynode leaf_a, leaf_b;
     poly divisor = polynomial_of(a, &leaf_a, Err::rational_divisor);
     poly numer = b->numb ? polynomial_of(b, &leaf_b, Err::rational_divisor) : b->numer;
-    poly q = nullptr;
-    if (!trial_poly_divide(numer, divisor, &q, polynames, 0, 0, 0)) {
+    poly q = nullptr, c = nullptr;
+    // Elements of a field are units: the quotient may have a denominator.
+    bool in_field = exists_field_element(divisor, 1);
+    if (in_field ? !tower_quotient(numer, divisor, &q, &c, polynames)
+                 : !trial_poly_divide(numer, divisor, &q, polynames, 0, 0, 0)) {
         free_poly(&q);
+        free_poly(&c);
         return false;
     }
     newquoly(quotient);
     (*quotient)->numer = q;
+    if (in_field) {
+        if (!b->numb && b->denom != nullptr) poly_mult(c, b->denom, &c, polynames);
+        (*quotient)->denom = c;
+        check_quoly(quotient, laurent);
+        return true;
+    }
     if (b->numb || b->denom == nullptr) {
         settle(*quotient);
         return true;
@@ -344,6 +357,12 @@ static void remainder_and_quotient(const quolynode* a, const quolynode* b, quoly
     polynode leaf_a, leaf_b;
     poly n = polynomial_of(a, &leaf_a, Err::rational_function_argument);
     poly m = polynomial_of(b, &leaf_b, Err::rational_function_argument);
+    if (n != nullptr && m != nullptr && field_depth > 0 && !lintmode) {  // with denominators
+        auto *dividend = const_cast<quoly>(a), *divisor = const_cast<quoly>(b);
+        quoly_mod_or_div(dividend, divisor, r, '|');
+        quoly_mod_or_div(dividend, divisor, q, '\\');
+        return;
+    }
     poly rem = nullptr, quot = nullptr;
     if (n == nullptr || m == nullptr) {
         poly_set(0, &rem);

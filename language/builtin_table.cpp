@@ -72,7 +72,8 @@ struct BuiltinRoutines {
         of[49] = builtin_Monless;
         of[50] = builtin_Mons;
         of[51] = builtin_Move;
-        of[23] = of[52] = builtin_Ncoef;
+        of[23] = builtin_Flcoef;
+        of[52] = builtin_Ncoef;
         of[53] = builtin_Nmcoef;
         of[55] = builtin_Ntcoef;
         of[56] = builtin_Numb;

@@ -49,6 +49,7 @@ void builtin_Modulus(BuiltinCall& call);
 void builtin_Monless(BuiltinCall& call);
 void builtin_Mons(BuiltinCall& call);
 void builtin_Move(BuiltinCall& call);
+void builtin_Flcoef(BuiltinCall& call);
 void builtin_Ncoef(BuiltinCall& call);
 void builtin_Nmcoef(BuiltinCall& call);
 void builtin_Ntcoef(BuiltinCall& call);
