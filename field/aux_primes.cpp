@@ -127,7 +127,8 @@ uint32_t value_at_roots(const WordField& f, const polynode* p, int32_t h, const 
     uint32_t v = 0;
     if (is_number(p)) return wf_of_number(f, p->ncoef);
     for (; p != nullptr; p = p->next) {
-        uint32_t c = p->numb ? wf_of_number(f, p->ncoef) : value_at_roots(f, p->pcoef, h - 1, root, root[h - 1]);
+        uint32_t c =
+            p->numb ? wf_of_number(f, p->ncoef) : value_at_roots(f, p->pcoef, h - 1, root, root[h - 1]);
         v = wf_add(f, v, c);
         int32_t gap = p->exp - (p->next != nullptr ? p->next->exp : 0);
         if (gap > 0) v = wf_mul(f, v, wf_power(f, x, static_cast<uint64_t>(gap)));
@@ -163,7 +164,8 @@ static void modder_at_roots(const RootSearch& s, int32_t h, uint32_t* g) {
         g[0] = wf_neg(f, wf_of_number(f, level.p->ncoef));
     } else {
         for (const polynode* c = level.p->next; c != nullptr; c = c->next)
-            g[c->exp] = c->numb ? wf_of_number(f, c->ncoef) : value_at_roots(f, c->pcoef, h - 1, s.root, s.root[h - 1]);
+            g[c->exp] = c->numb ? wf_of_number(f, c->ncoef)
+                                : value_at_roots(f, c->pcoef, h - 1, s.root, s.root[h - 1]);
     }
     lintmode = 1;
 }
@@ -239,7 +241,8 @@ static bool roots_below(RootSearch& s, int32_t p) {
     int32_t k = 0;
     while (k < deepest->aux_num && deepest->gcd_data[k].prime != p) k++;
     if (k == deepest->aux_num) return false;
-    for (int32_t h = 1; h < s.height; h++) s.root[h] = static_cast<uint32_t>(s.level[h].variable->gcd_data[k].root);
+    for (int32_t h = 1; h < s.height; h++)
+        s.root[h] = static_cast<uint32_t>(s.level[h].variable->gcd_data[k].root);
     return true;
 }
 
@@ -300,6 +303,7 @@ void roots_of_prime(int32_t k, int32_t* p, uint32_t* root) {
     LevelSource level[k_levels];
     int32_t height = tower_levels(level);
     *p = level[0].variable->gcd_data[k].prime;
-    for (int32_t h = 1; h <= height; h++) root[h] = static_cast<uint32_t>(level[h - 1].variable->gcd_data[k].root);
+    for (int32_t h = 1; h <= height; h++)
+        root[h] = static_cast<uint32_t>(level[h - 1].variable->gcd_data[k].root);
 }
 }  // namespace tolvex

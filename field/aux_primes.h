@@ -17,8 +17,8 @@ struct PrimeList {
 };
 /// The candidate k of the search for first primes, 0..k_first_aux_primes - 1; ascending within three tables.
 int32_t first_candidate(int32_t k);
-/// A level that is about to be declared: its modding polynomial f stands over the lowest `below` levels of the
-/// tower.
+/// A level that is about to be declared: its modding polynomial f stands over the lowest `below` levels of
+/// the tower.
 struct NewLevel {
     const polynode* f;
     int32_t below;
@@ -44,5 +44,5 @@ SecondLists make_and_reconcile_gcd_lists(NewLevel level);
 /// The same from given pairs of prime and root of the new level; bad ones are dropped.
 SecondLists take_gcd_lists(NewLevel level, const RootPrime* pair, int32_t count);
 void install_second_lists(const SecondLists& lists);  ///< when the new level is there
-void free_gcd_lists();                                 ///< of all levels
+void free_gcd_lists();                                ///< of all levels
 }  // namespace tolvex

@@ -2,7 +2,8 @@
 /// field/fold.h: reduction by modding polynomials, besides what every product asks for (poly/ports.h).
 ///
 /// Ownership  *at is rewritten in place.
-/// Modes      any. Field levels in modular mode go through flat arrays (field/tower_words.h), all else through
+/// Modes      any. Field levels in modular mode go through flat arrays (field/tower_words.h), all else
+/// through
 ///            the records.
 /// Raises     211: a negative exponent that cannot be reduced.
 #include "poly/poly.h"

@@ -9,8 +9,9 @@
 /// Ownership  a level owns its polynomial. Values are the session's to convert.
 #include "poly/poly.h"
 namespace tolvex {
-/// field_depth, pseudo_polynames, modout_above_field and `field` of all levels from the list of variables as it
-/// stands; without a field the auxiliary lists are emptied. To be called whenever a level comes, goes or moves.
+/// field_depth, pseudo_polynames, modout_above_field and `field` of all levels from the list of variables as
+/// it stands; without a field the auxiliary lists are emptied. To be called whenever a level comes, goes or
+/// moves.
 void reset_pseudo_poly();
 /// The modding polynomial of v becomes f, used up, monic, of its own level; what was there is given back. The
 /// auxiliary lists are the caller's.

@@ -22,7 +22,8 @@ struct RootImage {
 };
 }  // namespace
 
-/// The image of p, whose top variable is that of pt, in the ring of the prime, which is in force; p has chains.
+/// The image of p, whose top variable is that of pt, in the ring of the prime, which is in force; p has
+/// chains.
 static poly image_at_roots(const polynode* p, polypt pt, const RootImage& image) {
     if (is_number(p) || pt->depth >= field_depth) {
         const int32_t h = is_number(p) ? 0 : number_polys - pt->depth + 1;

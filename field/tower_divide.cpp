@@ -126,8 +126,8 @@ static bool divide_top(poly m, ScaledDivision& d, polypt pt) {
     return true;
 }
 
-/// The leading element of m is a number. exact: false as soon as m is seen not to divide n. d is empty before;
-/// afterwards it is the caller's in any case.
+/// The leading element of m is a number. exact: false as soon as m is seen not to divide n. d is empty
+/// before; afterwards it is the caller's in any case.
 static bool divide_scaled(poly n, poly m, ScaledDivision& d, bool exact, polypt pt) {
     if (is_number(m)) return divide_by_leaf(n, m->ncoef, d);
     poly_assign(n, &d.rest);

@@ -83,7 +83,8 @@ bool tower_pth_root(polyptrr a, polypt pt) {
     auto *x = scratch_array<uint32_t>(t.at[h].size), *root = scratch_array<uint32_t>(t.at[h].size);
     bool good = tw_from_poly(t, h, *a, x);
     memcpy(root, x, static_cast<size_t>(t.at[h].size) * sizeof(uint32_t));
-    for (int64_t i = 1; i < below * t.at[h].size; i++) {  // the p-th power map, one time less than it takes to come back
+    for (int64_t i = 1; i < below * t.at[h].size;
+         i++) {  // the p-th power map, one time less than it takes to come back
         poll_interrupt();
         tw_power(tower_words(), h, root, p, root);
     }

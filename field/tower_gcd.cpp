@@ -1,9 +1,9 @@
 // Greatest common divisors of polynomials in which elements of a field tower occur.
 //
 // Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else a primitive remainder
-// sequence. Over Q: monic images modulo word primes, Chinese remainders, rational reconstruction; the divisions
-// at the end are the proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that leaves the
-// modding polynomials square-free and the leading elements units an image is never too small.
+// sequence. Over Q: monic images modulo word primes, Chinese remainders, rational reconstruction; the
+// divisions at the end are the proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that
+// leaves the modding polynomials square-free and the leading elements units an image is never too small.
 #include "field/reconstruct.h"
 #include "field/root_images.h"
 #include "field/tower_divide.h"
@@ -32,8 +32,8 @@
 namespace tolvex {
 // ---- modulo a prime, one variable above the field --------------------------------------------------------
 
-/// The coefficients of p, all in the field, as an array of elements; pads: levels between its variable and the
-/// field.
+/// The coefficients of p, all in the field, as an array of elements; pads: levels between its variable and
+/// the field.
 static void fill_elements(const polynode* p, int32_t pads, uint32_t* out) {
     const TowerWords& t = tower_words();
     const int64_t size = t.at[t.height].size;
@@ -74,7 +74,8 @@ static bool gcd_in_arrays(poly u, poly v, polyptrr g, polypt pt) {
     fill_elements(u, pads, a);
     fill_elements(v, pads, b);
     uint32_t* found = nullptr;
-    int32_t degree = u->exp >= v->exp ? tw_gcd(a, u->exp, b, v->exp, &found) : tw_gcd(b, v->exp, a, u->exp, &found);
+    int32_t degree =
+        u->exp >= v->exp ? tw_gcd(a, u->exp, b, v->exp, &found) : tw_gcd(b, v->exp, a, u->exp, &found);
     if (degree >= 0) *g = poly_of_elements(found, degree, pads);
     scratch_release(mark);
     return degree >= 0;
@@ -123,8 +124,8 @@ static bool make_primitive(polyptrr p, polyptrr content, polypt pt) {
     return take_in_coefficients(*p, content, pt) && divide_by_content(p, *content, pt);
 }
 
-/// *a, *b primitive and monic, of positive degree: their gcd is left in *a. Every remainder is made monic: what
-/// vanishes in one of the fields of which the tower may be a product is noticed.
+/// *a, *b primitive and monic, of positive degree: their gcd is left in *a. Every remainder is made monic:
+/// what vanishes in one of the fields of which the tower may be a product is noticed.
 static bool primitive_sequence(polyptrr a, polyptrr b, polypt pt) {
     if ((*a)->exp < (*b)->exp) std::swap(*a, *b);
     for (;;) {
@@ -153,8 +154,8 @@ static bool gcd_by_sequence(poly u, poly v, polyptrr g, polypt pt) {
     poly a = nullptr, b = nullptr, cu = nullptr, cv = nullptr, c = nullptr;
     poly_assign(u, &a);
     poly_assign(v, &b);
-    bool good = make_primitive(&a, &cu, pt) && make_primitive(&b, &cv, pt) && gcd_in_words(cu, cv, &c, pt->next) &&
-                primitive_sequence(&a, &b, pt);
+    bool good = make_primitive(&a, &cu, pt) && make_primitive(&b, &cv, pt) &&
+                gcd_in_words(cu, cv, &c, pt->next) && primitive_sequence(&a, &b, pt);
     if (good) {
         add_pad(&c, 1);
         poly_mult(a, c, g, pt);
@@ -275,7 +276,8 @@ static int32_t next_prime(int32_t* index, int32_t last) {
 
 /// *g := the gcd of u and v, primitive, with a positive integer as leading element. False: no field.
 static bool gcd_over_rationals(poly u, poly v, polyptrr g, polypt pt) {
-    constexpr int32_t k_most_refusals = 40;  // a unit is none, or a discriminant is 0, modulo so many primes: no field
+    constexpr int32_t k_most_refusals =
+        40;  // a unit is none, or a discriminant is 0, modulo so many primes: no field
     poly acc = nullptr, image = nullptr, candidate = nullptr;
     number m = {}, denom = {};
     int32_t index = k_lrg_primes, p = 0, refusals = 0, images = 0, next_try = 1;

@@ -177,7 +177,8 @@ void tw_submul(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t
 
 /// The product of two polynomials of degree below n over residues: sums of 64 bits, one reduction a
 /// coefficient.
-static void word_products(const WordField& f, int32_t n, const uint32_t* a, const uint32_t* b, uint32_t* out) {
+static void word_products(const WordField& f, int32_t n, const uint32_t* a, const uint32_t* b,
+                          uint32_t* out) {
     for (int32_t k = 0; k <= 2 * n - 2; k++) {
         int32_t from = k < n ? 0 : k - n + 1, to = k < n ? k : n - 1;
         if (f.table) {
@@ -197,7 +198,8 @@ static void word_products(const WordField& f, int32_t n, const uint32_t* a, cons
 }
 
 /// The product of two polynomials of degree below n over the height below, unreduced.
-static void element_products(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t* b, uint32_t* out) {
+static void element_products(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t* b,
+                             uint32_t* out) {
     const int32_t n = t.at[h].n;
     const int64_t size = t.at[h - 1].size;
     clear(out, (2 * n - 1) * size);
@@ -280,7 +282,8 @@ int32_t tw_degree(const TowerWords& t, int32_t h, const uint32_t* a, int32_t top
     return top;
 }
 
-int32_t tw_divide(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, const uint32_t* b, int32_t db, uint32_t* q) {
+int32_t tw_divide(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, const uint32_t* b, int32_t db,
+                  uint32_t* q) {
     const int64_t size = t.at[h].size;
     if (q != nullptr && da >= db) clear(q, (da - db + 1) * size);
     for (int32_t e = da; e >= db; e--) {
@@ -305,7 +308,8 @@ bool tw_make_monic(const TowerWords& t, int32_t h, uint32_t* a, int32_t da) {
     return unit;
 }
 
-int32_t tw_poly_gcd(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, uint32_t* b, int32_t db, uint32_t** g) {
+int32_t tw_poly_gcd(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, uint32_t* b, int32_t db,
+                    uint32_t** g) {
     da = tw_degree(t, h, a, da);
     db = tw_degree(t, h, b, db);
     while (db >= 0) {

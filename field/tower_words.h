@@ -15,16 +15,16 @@
 namespace tolvex {
 /// One level of the tower.
 struct TowerLevel {
-    int32_t n;         // degree over the height below
-    int64_t size;      // words of an element
-    const uint32_t* p; // the modding polynomial without its leading term: n coefficients of the height below
-    bool binomial;     // only its constant term is not 0
+    int32_t n;          // degree over the height below
+    int64_t size;       // words of an element
+    const uint32_t* p;  // the modding polynomial without its leading term: n coefficients of the height below
+    bool binomial;      // only its constant term is not 0
 };
 struct TowerWords {
     WordField f;
-    int32_t height;              // levels of the tower
-    bool separable;              // no modding polynomial has a repeated factor: the tower is a product of fields
-    TowerLevel at[k_levels];     // at[1..height]; at[0] is the ring of words: n = size = 1
+    int32_t height;           // levels of the tower
+    bool separable;           // no modding polynomial has a repeated factor: the tower is a product of fields
+    TowerLevel at[k_levels];  // at[1..height]; at[0] is the ring of words: n = size = 1
 };
 const TowerWords& tower_words();
 /// A level as it is declared.
@@ -35,9 +35,9 @@ struct LevelSource {
 };
 /// list[0..] := the levels of the tower, deepest first; returns their number.
 int32_t tower_levels(LevelSource* list);
-/// The lowest `below` levels of the tower in force with one more on top, whose modding polynomial is f, monic,
-/// not a number, its coefficients in that tower and its leaves as those of the tower stand. separable is not
-/// set. One record, which the next call makes anew.
+/// The lowest `below` levels of the tower in force with one more on top, whose modding polynomial is f,
+/// monic, not a number, its coefficients in that tower and its leaves as those of the tower stand. separable
+/// is not set. One record, which the next call makes anew.
 const TowerWords& candidate_words(const polynode* f, int32_t below);
 /// The lowest h levels of the tower in force, in the same record: it stays at safe points.
 const TowerWords& lowest_levels(int32_t h);
@@ -64,17 +64,20 @@ bool tw_inverse(const TowerWords& t, int32_t h, const uint32_t* a, uint32_t* out
 int32_t tw_degree(const TowerWords& t, int32_t h, const uint32_t* a, int32_t top);
 /// a := a mod b, b monic of degree db >= 0; q, unless nil, receives da - db + 1 coefficients. Returns the
 /// degree of the remainder.
-int32_t tw_divide(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, const uint32_t* b, int32_t db, uint32_t* q);
+int32_t tw_divide(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, const uint32_t* b, int32_t db,
+                  uint32_t* q);
 /// a := a divided by its leading element; false if that has no inverse.
 bool tw_make_monic(const TowerWords& t, int32_t h, uint32_t* a, int32_t da);
 /// The monic gcd of a and b, both overwritten, is left in a or b (*g); returns its degree, -1 if both are 0,
 /// -2 if a leading element on the way has no inverse.
-int32_t tw_poly_gcd(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, uint32_t* b, int32_t db, uint32_t** g);
+int32_t tw_poly_gcd(const TowerWords& t, int32_t h, uint32_t* a, int32_t da, uint32_t* b, int32_t db,
+                    uint32_t** g);
 /// The same over the whole tower, with safe points.
 int32_t tw_gcd(uint32_t* a, int32_t da, uint32_t* b, int32_t db, uint32_t** g);
 
-/// out := the polynomial c in the deepest h variables, whatever its exponents; negative ones by the inverse of
-/// their variable: false, if that has none. c stands at the level of height h. Leaves are residues, or chains.
+/// out := the polynomial c in the deepest h variables, whatever its exponents; negative ones by the inverse
+/// of their variable: false, if that has none. c stands at the level of height h. Leaves are residues, or
+/// chains.
 bool tw_from_poly(const TowerWords& t, int32_t h, const polynode* c, uint32_t* out);
 /// A fresh polynomial at the level of height h.
 poly tw_to_poly(const TowerWords& t, int32_t h, const uint32_t* a);

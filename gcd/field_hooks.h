@@ -6,8 +6,8 @@ namespace tolvex {
 /// them, neither is a number. Proved. Where the tower proves to be no field, the gcd of the integer contents.
 void tower_gcd(poly u, poly v, polyptrr r, polypt pt);
 /// *num / *den := n / m divided by their common factor, which has field elements; fresh. Over Q both are
-/// multiplied by one number, and lose the integers they have in common. False, nothing done: it does not divide
-/// both.
+/// multiplied by one number, and lose the integers they have in common. False, nothing done: it does not
+/// divide both.
 bool tower_reduce(poly n, poly m, poly common, polyptrr num, polyptrr den, polypt pt);
 /// *r in the normal form of a gcd: leading field element 1, over Q a positive integer, without denominators.
 void tower_gcd_form(polyptrr r, polypt pt);

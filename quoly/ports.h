@@ -9,7 +9,7 @@ namespace tolvex {
 bool tower_normal_fraction(polyptrr numer, polyptrr denom);
 /// True if the leading field element of p, which is not 0, has an inverse.
 bool tower_lead_is_unit(poly p);
-/// *m := *m times a field element after which its leading element is a positive integer; *factor := the element.
-/// False: there is none.
+/// *m := *m times a field element after which its leading element is a positive integer; *factor := the
+/// element. False: there is none.
 bool tower_integer_lead(polyptrr m, polyptrr factor);
 }  // namespace tolvex

@@ -3,9 +3,9 @@
 #include "field/aux_primes.h"
 #include "field/field_modes.h"
 #include "field/fold.h"
+#include "field/irreducible.h"
 #include "field/modding.h"
 #include "field/tower_words.h"
-#include "field/irreducible.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/gcd_stash.h"
 #include "language/expre.h"
@@ -37,11 +37,11 @@ namespace tolvex {
 namespace {
 /// The text of one command.
 struct ModOutText {
-    poly f;        // nil after an error; at level 1, free of denominators, no number
-    int32_t flag;  // the second value, 0 if there is none; -1: neither 0 nor 1
-    int32_t primes, pairs;      // -1: no list
-    int32_t* prime;             // scratch
-    RootPrime* pair;            // scratch
+    poly f;                 // nil after an error; at level 1, free of denominators, no number
+    int32_t flag;           // the second value, 0 if there is none; -1: neither 0 nor 1
+    int32_t primes, pairs;  // -1: no list
+    int32_t* prime;         // scratch
+    RootPrime* pair;        // scratch
 };
 constexpr int32_t k_most_pairs = 4583;
 }  // namespace
@@ -133,7 +133,9 @@ static polypt find_variable(polyptrr f) {
     return v;
 }
 
-static bool is_bare_variable(const polynode* f) { return f->exp == 1 && f->next == nullptr && poly_eq_1(f->pcoef); }
+static bool is_bare_variable(const polynode* f) {
+    return f->exp == 1 && f->next == nullptr && poly_eq_1(f->pcoef);
+}
 
 /// The error that forbids f as modding polynomial of v; Err{}: none. *field is cleared for what can be none.
 static Err fault_of(const polynode* f, polypt v, bool field) {

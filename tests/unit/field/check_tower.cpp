@@ -88,7 +88,8 @@ PROPERTY(quotients, 160) {
 
 PROPERTY(remainders, 120) {
     Round r(rng, round, 1);
-    Guard n(random_over_tower(rng, 6, coefs_of(round))), m(random_over_tower(rng, 3, Coefs::small)), q, rest, c;
+    Guard n(random_over_tower(rng, 6, coefs_of(round))), m(random_over_tower(rng, 3, Coefs::small)), q, rest,
+        c;
     if (is_number(m) || m.p->exp == 0) return;
     if (!tower_quotient_rest(n, m, &q.p, &rest.p, &c.p, polynames)) return;
     Guard left(product(n, c)), right(product(q, m));

@@ -29,7 +29,8 @@ namespace {
 struct Round {
     TowerSetting setting;
     Round(Rng& rng, int round)
-        : setting(round % 3 + 1, k_primes_tried[round % 8], k_primes_tried[round % 8] == 256 || k_primes_tried[round % 8] == 65536) {
+        : setting(round % 3 + 1, k_primes_tried[round % 8],
+                  k_primes_tried[round % 8] == 256 || k_primes_tried[round % 8] == 65536) {
         random_tower(rng, 1, Coefs::small);
     }
 };
@@ -75,9 +76,12 @@ TEST(Words, zero_divisors_have_no_inverse) {
 /// The number of irreducible monic polynomials of degree n over q elements, by Moebius' formula.
 static int64_t irreducible_count(int64_t q, int32_t n) {
     switch (n) {
-    case 2: return (q * q - q) / 2;
-    case 3: return (q * q * q - q) / 3;
-    default: return (q * q * q * q - q * q) / 4;
+    case 2:
+        return (q * q - q) / 2;
+    case 3:
+        return (q * q * q - q) / 3;
+    default:
+        return (q * q * q * q - q * q) / 4;
     }
 }
 

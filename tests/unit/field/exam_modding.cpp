@@ -121,7 +121,8 @@ TEST(Modding, secondary_primes_have_the_roots_they_say) {
         int32_t p;
         uint32_t root[3];
         roots_of_prime(k, &p, root);
-        auto q = static_cast<uint64_t>(p), s = static_cast<uint64_t>(root[1]), r = static_cast<uint64_t>(root[2]);
+        auto q = static_cast<uint64_t>(p), s = static_cast<uint64_t>(root[1]),
+             r = static_cast<uint64_t>(root[2]);
         EXPECT_EQ(s * s % q, 2u % q);
         EXPECT_EQ((r * r % q * r + 2 * q - r - s) % q, 0u) << p;
         if (k > 0) {
