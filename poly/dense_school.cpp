@@ -6,6 +6,7 @@
 #include "poly/dense_school.h"
 
 #include "poly/dense_kernels.h"
+#include "poly/float_modulus.h"
 #include "storage/scratch.h"
 
 #include <algorithm>
@@ -14,10 +15,8 @@ namespace tolvex {
 namespace {
 typedef double Lanes __attribute__((vector_size(32), aligned(8), may_alias));
 constexpr int32_t k_tile = 16;  // neighbouring coefficients whose sums are kept in registers
-constexpr int64_t k_exact = int64_t{1} << 52;
 constexpr int32_t k_cut_bits = 16;              // of the low half of an entry that is cut in two
 constexpr int32_t k_cut_rows = 1 << 7;          // sums of so many products of at most 2^30 by 2^15 are exact
-constexpr double k_round = 6755399441055744.0;  // 3 * 2^51: adding and subtracting it rounds to an integer
 
 /// The operands in floating point. Pointers into scratch memory.
 struct FloatOperands {
@@ -26,10 +25,6 @@ struct FloatOperands {
     const double* high;  // its high halves likewise, or nil
     int32_t an, bn;      // lengths of the longer and the shorter one
     int32_t most;        // number of rows whose sums are exact
-};
-/// A modulus for the reduction of exact sums.
-struct FloatModulus {
-    double m, inverse;
 };
 }  // namespace
 
@@ -62,32 +57,19 @@ WIDE_VECTORS static void tile_sums(double* __restrict out, const double* __restr
     to[0] = s0 + t0, to[1] = s1 + t1, to[2] = s2 + t2, to[3] = s3 + t3;
 }
 
-// An integer of at most 2^52 in absolute value modulo m, above -m and below m: the rounded quotient is wrong
-// by little more than 1/2.
-static inline double rest(double s, FloatModulus f) {
-    double q = (s * f.inverse + k_round) - k_round;
-    return s - q * f.m;
-}
-
-// The rest as a residue. No branch, so that the loops below are vectorised.
-static inline uint32_t residue(double s, FloatModulus f) {
-    auto r = static_cast<int32_t>(rest(s, f));
-    return static_cast<uint32_t>(r + (r >> 31 & static_cast<int32_t>(f.m)));
-}
-
 WIDE_VECTORS static void reduce_sums(const double* __restrict low, uint32_t* __restrict c, FloatModulus f) {
-    for (int32_t t = 0; t < k_tile; t++) c[t] = residue(low[t], f);
+    for (int32_t t = 0; t < k_tile; t++) c[t] = float_residue(low[t], f);
 }
 
 WIDE_VECTORS static void reduce_cut_sums(const double* __restrict low, const double* __restrict high,
                                          uint32_t* __restrict c, FloatModulus f) {
     for (int32_t t = 0; t < k_tile; t++)
-        c[t] = residue(rest(high[t], f) * (1 << k_cut_bits) + rest(low[t], f), f);
+        c[t] = float_residue(float_rest(high[t], f) * (1 << k_cut_bits) + float_rest(low[t], f), f);
 }
 
 // c[t] := coefficient k + t of the product, 0 <= t < k_tile.
 static void tile_product(const WordField& f, const FloatOperands& o, int32_t k, uint32_t* c) {
-    FloatModulus m = {static_cast<double>(f.p), 1.0 / static_cast<double>(f.p)};
+    FloatModulus m = float_modulus(f.p);
     int32_t first = std::max(0, k - o.an + 1), last = std::min(o.bn, k + k_tile);
     double low[k_tile], high[k_tile];
     uint32_t part[k_tile];
@@ -138,7 +120,7 @@ void school_residues(const WordField& f, const uint32_t* a, int32_t an, const ui
                      uint32_t* c) {
     ScratchMark mark = scratch_mark();
     int64_t square = static_cast<int64_t>(f.p - 1) * (f.p - 1);
-    bool cut = square > k_exact / std::min(bn, k_cut_rows);
+    bool cut = square > k_exact_sum / std::min(bn, k_cut_rows);
     double *rows = scratch_array<double>(bn), *low = padded_array(an), *high = nullptr;
     if (cut) {
         high = padded_array(an);
@@ -148,7 +130,7 @@ void school_residues(const WordField& f, const uint32_t* a, int32_t an, const ui
         to_floats(a, low, an);
         to_floats(b, rows, bn);
     }
-    int32_t most = cut ? k_cut_rows : static_cast<int32_t>(std::min<int64_t>(k_exact / square, bn));
+    int32_t most = cut ? k_cut_rows : static_cast<int32_t>(std::min<int64_t>(k_exact_sum / square, bn));
     FloatOperands o = {rows, low, high, an, bn, most};
     int32_t n = an + bn - 1, k = 0;
     for (; n - k >= k_tile; k += k_tile) tile_product(f, o, k, c + k);
