@@ -111,7 +111,7 @@ void* scratch_bytes(size_t bytes) {
             }
         }
         if (next == nullptr) {
-            size_t size = current->size * 2;
+            size_t size = current->size < k_kept / 2 ? current->size * 2 : k_kept;
             if (size < bytes + k_align) size = bytes + k_align;
             next = new_block(current, size);
             current->above = next;
