@@ -12,9 +12,6 @@
 namespace tolvex {
 /// True if the current token is the single character c.
 inline bool at_char(char c) { return token.name[0] == static_cast<unsigned char>(c) && token.name[1] == 0; }
-inline bool is_lower(unsigned char c) { return c >= 'a' && c <= 'z'; }
-inline bool is_upper(unsigned char c) { return c >= 'A' && c <= 'Z'; }
-inline bool is_digit(unsigned char c) { return c >= '0' && c <= '9'; }
 
 /// eval_state.bar_closes: "|" closes; a line end in front of what could go on ends the expression.
 inline constexpr boolean k_bar_closes = 1, k_line_closes = 2;

@@ -16,6 +16,11 @@
 namespace tolvex {
 /// The link that points to the variable of that name; it points to nil if there is none.
 static inline varptr* link_of(tokentipe& name) {
+    if (is_upper(tok_char(name))) {  // in a stored list it has the address of a function
+        tokentipe own = name;
+        own.address = hash(own.name, k_variable_buckets);
+        return sca_store.link_of(own);
+    }
     if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
     return sca_store.link_of(name);
 }

@@ -16,6 +16,9 @@ namespace tolvex {
 // ---- tables --------------------------------------------------------------------------------------------
 
 int32_t fastestlookup(tokentipe& name, arrptr* p) {
+    // Names with a capital are those of functions, and in stored lists their addresses are of another table.
+    *p = nullptr;
+    if (is_upper(tok_char(name))) return -1;
     if (name.address == -1) name.address = hash(name.name, k_variable_buckets);
     arrptr a = *arr_store.link_of(name);
     *p = a;

@@ -49,7 +49,7 @@ static void line_end(const ListingSink& out) {
 
 static bool is_name(const tokentipe& t) {
     unsigned char c = tok_char(t) == ' ' ? t.name[1] : tok_char(t);  // " to" and " by" of a header
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    return is_lower(c) || is_upper(c);
 }
 
 static bool is_comparison(const tokentipe& t) {

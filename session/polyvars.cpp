@@ -44,7 +44,7 @@ static bool is_reserved(const tokentipe& name) {
 
 static bool is_lower_case_name(const tokentipe& name) {
     unsigned char c = tok_char(name);
-    return c >= 'a' && c <= 'z' && !is_reserved(name);
+    return is_lower(c) && !is_reserved(name);
 }
 
 /// Rewriting all values is not for a level above 1, nor while a value is half computed.

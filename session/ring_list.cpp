@@ -68,7 +68,7 @@ static bool read_item(FILE* inf, nameptr* flag) {
     bool array = tok_is(token, "[");
     if (array) next_token(inf, flag);
     unsigned char c = tok_char(token);
-    bool is_name = c >= 'a' && c <= 'z';
+    bool is_name = is_lower(c);
     if (is_name && array) return read_array_item(inf, flag);
     varptr p = is_name ? find_var(token) : nullptr;
     if (!is_name) {

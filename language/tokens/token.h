@@ -75,6 +75,9 @@ inline bool same_name(const tokentipe& a, const tokentipe& b) {
 }
 /// The first character of a token, 0 if it is empty.
 inline unsigned char tok_char(const tokentipe& t) { return t.name[0]; }
+inline bool is_lower(unsigned char c) { return c >= 'a' && c <= 'z'; }
+inline bool is_upper(unsigned char c) { return c >= 'A' && c <= 'Z'; }
+inline bool is_digit(unsigned char c) { return c >= '0' && c <= '9'; }
 /// t := the text (cut at 10 characters), its hash unknown.
 void tok_set(tokentipe& t, const char* text);
 /// The same for one character.
