@@ -25,7 +25,7 @@ TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|Tolvex 
 # The blanks are for a long prompt, whose length is taken off each line.
 PROBE = b"\n" * 17 + b"".join(b" " * 10 + line for line in (b";\n", b"&@\n", b"&(p=_i)\n", b";\n", b"&(p=_i)\n", b"!(123456789*1000)\n", b"&q\n"))
 ANSWER = b"123456789000"
-LIMIT = 60
+LIMIT = 20
 GRACE = 240  # for the checked build on a busy machine; how fast a level opens is measured elsewhere
 
 
