@@ -17,11 +17,15 @@ void init_builtins() {
     qsort(sorted_rows, k_builtin_rows, sizeof sorted_rows[0], compare_rows);
 }
 
+/// "_" belongs to names, so that Det_[m] reads as a name of its own: it is Detmin.
+static const char* name_in_table(const tokentipe& name) { return tok_is(name, "Det_") ? "Detmin" : tok_text(name); }
+
 int32_t builtin_id(const tokentipe& name) {
+    const char* text = name_in_table(name);
     int32_t low = 0, high = k_builtin_rows - 1;
     while (low <= high) {
         int32_t middle = (low + high) / 2;
-        int order = strcmp(tok_text(name), builtin[sorted_rows[middle]][0]);
+        int order = strcmp(text, builtin[sorted_rows[middle]][0]);
         if (order == 0) return sorted_rows[middle];
         if (order < 0)
             high = middle - 1;
@@ -49,6 +53,8 @@ struct BuiltinRoutines {
         of[8] = builtin_Content;
         of[10] = builtin_Denom;
         of[11] = builtin_Deriv;
+        of[12] = builtin_Det;
+        of[13] = builtin_Detmin;
         of[15] = of[60] = of[80] = builtin_Divides;
         of[16] = builtin_Egcd;
         of[17] = of[18] = builtin_Equal;

@@ -24,6 +24,8 @@ void builtin_Cols(BuiltinCall& call);
 void builtin_Content(BuiltinCall& call);
 void builtin_Deg(BuiltinCall& call);
 void builtin_Denom(BuiltinCall& call);
+void builtin_Det(BuiltinCall& call);
+void builtin_Detmin(BuiltinCall& call);
 void builtin_Deriv(BuiltinCall& call);
 void builtin_Divides(BuiltinCall& call);
 void builtin_Egcd(BuiltinCall& call);

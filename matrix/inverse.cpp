@@ -1,5 +1,6 @@
 #include "matrix/inverse.h"
 
+#include "matrix/pivots.h"
 #include "numbers/residue.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
@@ -7,18 +8,12 @@
 #include "storage/interrupt.h"
 
 #include <numeric>
-#include <utility>
 namespace tolvex {
 /// How good a pivot is: 0 none, 1 usable, 2 a number.
 static int32_t pivot_rank(const quolynode* q) {
     if (quoly_iszero(q)) return 0;
     if (!q->numb) return 1;
     return !modularmode || finf || mod_is_prime || std::gcd(q->ncoef->lint, modulus) == 1 ? 2 : 0;
-}
-
-/// Rows r and s of a matrix of n rows change places.
-static void exchange_rows(workptr a, int32_t n, int32_t r, int32_t s) {
-    for (int64_t c = 0; c < n; c++) std::swap(a[r + c * n], a[s + c * n]);
 }
 
 /// A pivot of column k among the rows from k on goes to row k. False if there is none.

@@ -14,9 +14,9 @@
 namespace tolvex {
 namespace {
 typedef double Lanes __attribute__((vector_size(32), aligned(8), may_alias));
-constexpr int32_t k_tile = 16;  // neighbouring coefficients whose sums are kept in registers
-constexpr int32_t k_cut_bits = 16;              // of the low half of an entry that is cut in two
-constexpr int32_t k_cut_rows = 1 << 7;          // sums of so many products of at most 2^30 by 2^15 are exact
+constexpr int32_t k_tile = 16;          // neighbouring coefficients whose sums are kept in registers
+constexpr int32_t k_cut_bits = 16;      // of the low half of an entry that is cut in two
+constexpr int32_t k_cut_rows = 1 << 7;  // sums of so many products of at most 2^30 by 2^15 are exact
 
 /// The operands in floating point. Pointers into scratch memory.
 struct FloatOperands {

@@ -4,14 +4,18 @@
 /// Modes      none is read; the processor rounds to nearest.
 #include <cstdint>
 namespace tolvex {
-inline constexpr int64_t k_exact_sum = int64_t{1} << 52;  // integers up to here are exact, in any order of additions
-inline constexpr double k_round_to_integer = 6755399441055744.0;  // 3 * 2^51: adding and subtracting it rounds
+inline constexpr int64_t k_exact_sum = int64_t{1}
+                                       << 52;  // integers up to here are exact, in any order of additions
+inline constexpr double k_round_to_integer =
+    6755399441055744.0;  // 3 * 2^51: adding and subtracting it rounds
 
 /// A modulus below 2^31.
 struct FloatModulus {
     double m, inverse;
 };
-inline FloatModulus float_modulus(uint32_t m) { return {static_cast<double>(m), 1.0 / static_cast<double>(m)}; }
+inline FloatModulus float_modulus(uint32_t m) {
+    return {static_cast<double>(m), 1.0 / static_cast<double>(m)};
+}
 /// An integer of at most 2^52 in absolute value modulo m, above -m and below m: the rounded quotient is wrong
 /// by little more than 1/2.
 inline double float_rest(double s, FloatModulus f) {

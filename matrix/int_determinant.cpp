@@ -1,0 +1,222 @@
+#include "matrix/int_determinant.h"
+
+#include "matrix/word_determinant.h"
+#include "numbers/limbs.h"
+#include "numbers/primes.h"
+#include "poly/leaf_number.h"
+#include "quoly/quoly_basic.h"
+#include "quoly/quoly_quot.h"
+#include "storage/interrupt.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+namespace tolvex {
+namespace {
+constexpr uint32_t k_first_prime = (1u << 23) - 15;  // the largest below 2^23, up to which images are fastest
+
+/// An entry in scratch memory: sign and magnitude.
+struct Entry {
+    const limb* at;
+    int64_t n;  // 0: the number 0
+    bool negative;
+};
+struct IntMatrix {
+    Entry* entries;  // n times n of them
+    int32_t n;
+};
+/// A value x modulo the product of the primes so far, 0 <= x < product.
+struct Crt {
+    limb *x, *product;
+    int64_t xn, productn;
+};
+}  // namespace
+
+// ---- entries -------------------------------------------------------------------------------------------
+
+static Entry entry_of(const number* v) {
+    if (v == nullptr || v->head->value == 0) return {nullptr, 0, false};
+    limb* at = scratch_array<limb>(limbs_for(v->size));
+    int64_t n = limbs_from_chain(at, v->head, v->size);
+    return {at, n, v->head->value < 0};
+}
+
+static Entry times(Entry a, Entry b) {
+    if (a.n == 0 || b.n == 0) return {nullptr, 0, false};
+    limb* r = scratch_array<limb>(a.n + b.n);
+    limbs_mul(r, a.at, a.n, b.at, b.n);
+    return {r, limbs_trim(r, a.n + b.n), a.negative != b.negative};
+}
+
+static limb* copy_of(Entry a) {
+    limb* r = scratch_array<limb>(a.n + 1);
+    memcpy(r, a.at, static_cast<size_t>(a.n) * sizeof(limb));
+    r[a.n] = 0;
+    return r;
+}
+
+/// a / b, which is exact; positive numbers.
+static Entry exact_quotient(Entry a, Entry b) {
+    limb* q = scratch_array<limb>(a.n - b.n + 1);
+    limb* rest = copy_of(a);
+    limbs_divrem(q, rest, a.n, b.at, b.n);
+    return {q, limbs_trim(q, a.n - b.n + 1), false};
+}
+
+static Entry common_multiple(Entry a, Entry b) {
+    limb *x = copy_of(a), *y = copy_of(b), *g = scratch_array<limb>(std::min(a.n, b.n));
+    int64_t n = limbs_gcd(g, x, a.n, y, b.n);
+    return times(a, exact_quotient(b, {g, n, false}));
+}
+
+// ---- the bound -----------------------------------------------------------------------------------------
+
+static int64_t bits_of(const Entry& a) {
+    return a.n == 0 ? 0 : 64 * (a.n - 1) + std::bit_width(a.at[a.n - 1]);
+}
+
+/// Over lines of entries `step` apart: the bits of the largest one and half those of the number of entries
+/// that are not 0, one line with the next; -1: a line is 0.
+static int64_t bits_over_lines(const IntMatrix& m, int64_t line_step, int64_t step) {
+    int64_t largest = 0, counts = 0;
+    for (int64_t line = 0; line < m.n; line++) {
+        int64_t most = 0;
+        uint64_t count = 0;
+        for (int64_t k = 0; k < m.n; k++) {
+            int64_t bits = bits_of(m.entries[line * line_step + k * step]);
+            most = std::max(most, bits);
+            count += bits > 0;
+        }
+        if (count == 0) return -1;
+        largest += most;
+        counts += std::bit_width(count);
+    }
+    return largest + counts / 2 + 2;
+}
+
+/// Twice the determinant stays below 2 to this power (Hadamard: the product of the lengths of the rows, or of
+/// the columns); -1: it is 0.
+static int64_t determinant_bits(const IntMatrix& m) {
+    int64_t rows = bits_over_lines(m, m.n, 1), columns = bits_over_lines(m, 1, m.n);
+    return rows < 0 || columns < 0 ? -1 : std::min(rows, columns);
+}
+
+// ---- images --------------------------------------------------------------------------------------------
+
+static uint32_t residue_of(const WordField& f, const Entry& a) {
+    if (a.n == 0) return 0;
+    uint32_t r = a.n == 1 ? wf_reduce(f, a.at[0]) : static_cast<uint32_t>(limbs_mod_1(a.at, a.n, f.p));
+    return a.negative ? wf_neg(f, r) : r;
+}
+
+static uint32_t image_of(const WordField& f, const IntMatrix& m, uint32_t* residues) {
+    int64_t count = int64_t{m.n} * m.n;
+    for (int64_t k = 0; k < count; k++) residues[k] = residue_of(f, m.entries[k]);
+    return word_determinant(f, residues, m.n);
+}
+
+/// x becomes the value that is x modulo the product and r modulo the new prime (Newton's form).
+static void take_image(Crt& crt, const WordField& f, uint32_t r) {
+    auto x = static_cast<uint32_t>(limbs_mod_1(crt.x, crt.xn, f.p));
+    auto product = static_cast<uint32_t>(limbs_mod_1(crt.product, crt.productn, f.p));
+    uint32_t t = wf_mul(f, wf_sub(f, r, x), wf_inverse(f, product));
+    std::fill(crt.x + crt.xn, crt.x + crt.productn, 0);
+    crt.x[crt.productn] = limbs_addmul_1(crt.x, crt.product, crt.productn, t);
+    crt.xn = limbs_trim(crt.x, crt.productn + 1);
+    crt.product[crt.productn] = limbs_mul_1(crt.product, crt.product, crt.productn, f.p);
+    crt.productn = limbs_trim(crt.product, crt.productn + 1);
+}
+
+/// *det := x, or x - product where that is nearer to 0.
+static void symmetric_value(Crt& crt, imptr det) {
+    limb* rest = scratch_array<limb>(crt.productn);
+    std::fill(crt.x + crt.xn, crt.x + crt.productn, 0);
+    memcpy(rest, crt.product, static_cast<size_t>(crt.productn) * sizeof(limb));
+    limbs_sub(rest, rest, crt.productn, crt.x, crt.productn);
+    int64_t n = limbs_trim(rest, crt.productn);
+    bool negative = limbs_compare(rest, n, crt.x, crt.xn) < 0;
+    if (negative)
+        chain_from_limbs(det, rest, n, true);
+    else
+        chain_from_limbs(det, crt.x, crt.xn, false);
+}
+
+static uint32_t prime_below(uint32_t p) {
+    do p -= 2;
+    while (!is_prime(static_cast<int32_t>(p)));
+    return p;
+}
+
+/// The determinant of at least one row.
+static void determinant_of(const IntMatrix& m, imptr det) {
+    int64_t bits = determinant_bits(m);
+    if (bits < 0) {
+        chain_set_int64(det, 0);
+        return;
+    }
+    auto* residues = scratch_array<uint32_t>(int64_t{m.n} * m.n);
+    int64_t room = bits / 64 + 3;
+    Crt crt = {scratch_array<limb>(room), scratch_array<limb>(room), 0, 1};
+    crt.product[0] = 1;
+    uint32_t p = k_first_prime;
+    for (; bits_of({crt.product, crt.productn, false}) <= bits; p = prime_below(p)) {
+        WordField f = word_field_prime(p);
+        take_image(crt, f, image_of(f, m, residues));
+        poll_interrupt();
+    }
+    symmetric_value(crt, det);
+}
+
+void int_determinant(const number* const* entries, int32_t n, imptr det) {
+    ScratchMark mark = scratch_mark();
+    int64_t count = int64_t{n} * n;
+    IntMatrix m = {scratch_array<Entry>(count), n};
+    for (int64_t k = 0; k < count; k++) m.entries[k] = entry_of(entries[k]);
+    determinant_of(m, det);
+    scratch_release(mark);
+}
+
+// ---- rational entries ----------------------------------------------------------------------------------
+
+static Entry numerator(const quolynode* q) { return entry_of(q->numb ? q->ncoef : q->numer->ncoef); }
+static Entry denominator(const quolynode* q) {
+    static const limb k_one = 1;
+    return q->numb ? Entry{&k_one, 1, false} : entry_of(q->denom->ncoef);
+}
+
+/// The n entries of a line times the least common multiple of their denominators, which is returned.
+static Entry clear_line(const quoly* line, int32_t n, Entry* out) {
+    Entry multiple = denominator(quol_num_1);
+    for (int32_t k = 0; k < n; k++)
+        if (line[k] != nullptr && !line[k]->numb) multiple = common_multiple(multiple, denominator(line[k]));
+    for (int32_t k = 0; k < n; k++) {
+        if (line[k] == nullptr) {
+            out[k] = {nullptr, 0, false};
+            continue;
+        }
+        out[k] = times(numerator(line[k]), exact_quotient(multiple, denominator(line[k])));
+    }
+    return multiple;
+}
+
+void rational_determinant(const quoly* entries, int32_t n, quolyptr det) {
+    ScratchMark mark = scratch_mark();
+    IntMatrix m = {scratch_array<Entry>(int64_t{n} * n), n};
+    Entry divisor = denominator(quol_num_1);
+    for (int64_t line = 0; line < n; line++) {
+        divisor = times(divisor, clear_line(entries + line * n, n, m.entries + line * n));
+        poll_interrupt();
+    }
+    number value = {}, below = {};
+    determinant_of(m, &value);
+    chain_from_limbs(&below, divisor.at, divisor.n, false);
+    scratch_release(mark);
+    quoly divided_by = nullptr;
+    scalar_to_quoly(&value, det);
+    scalar_to_quoly(&below, &divided_by);
+    free_num(&value);
+    free_num(&below);
+    quoly_quot(*det, divided_by, det, false);
+    free_quoly(&divided_by);
+}
+}  // namespace tolvex

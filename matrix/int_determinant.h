@@ -1,0 +1,20 @@
+#pragma once
+/// matrix/int_determinant.h: determinants of matrices of integers and of rational numbers.
+///
+/// Purpose    images modulo word primes, put together by the Chinese remainder theorem until their product
+///            exceeds twice a proved bound.
+/// Modes      rational mode; the ring in force is neither read nor changed.
+/// Ownership  entries are only read.
+/// Cost       the bound has about n log2(n max) / 2 + n log2(max) bits; each 23 of them take one determinant
+///            of words.
+/// Source     J. von zur Gathen, J. Gerhard, "Modern Computer Algebra", 3rd ed., algorithm 5.10.
+#include "quoly/quoly.h"
+
+#include <cstdint>
+namespace tolvex {
+/// *det, which holds no chain, := the determinant of the n by n matrix; entries[k], k = 0..n*n-1 by rows or
+/// by columns, are chains, nil for 0.
+void int_determinant(const number* const* entries, int32_t n, imptr det);
+/// *det := the determinant of a matrix of integers and rational numbers; what it held is given back.
+void rational_determinant(const quoly* entries, int32_t n, quolyptr det);
+}  // namespace tolvex
