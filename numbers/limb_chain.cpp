@@ -46,12 +46,16 @@ int64_t digits_of(const limb* a, int64_t n) {
 }  // namespace
 
 int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
+    if (size == 1) {
+        r[0] = magnitude_of(p->value);
+        return r[0] != 0;
+    }
     int64_t word = limbs_for(size) - 1;
     int64_t length = word + 1;
     int shift =
         static_cast<int>((static_cast<int64_t>(size) * k_digit_bits - 1 - (word << 6)) + 1) - k_digit_bits;
     uint64_t acc = 0;
-    for (int32_t i = 0; i < size; i++, p = p->next) {
+    for_polled<k_digits_unpolled>(size, [&](int64_t) {
         uint64_t d = magnitude_of(p->value);
         if (shift >= 0) {
             acc |= d << shift;
@@ -61,8 +65,8 @@ int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
             acc = d << shift;
         }
         shift -= k_digit_bits;
-        poll_every<k_digits_unpolled>(i);
-    }
+        p = p->next;
+    });
     r[0] = acc;
     return limbs_trim(r, length);
 }

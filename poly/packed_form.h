@@ -18,6 +18,9 @@ namespace tolvex {
 /// Terms from one safe point of a walk to the next, where a number is a word.
 inline constexpr int64_t k_terms_unpolled = int64_t{1} << 16;
 
+/// The same where each term gets a new leaf.
+inline constexpr int64_t k_slots_unpolled = int64_t{1} << 10;
+
 /// What one walk over a tree finds out. Levels count from 1; beyond `depth` all exponents are 0.
 struct TreeSurvey {
     int32_t least[k_levels], most[k_levels];  // exponents by level
@@ -56,27 +59,39 @@ void walk_terms(const polynode* p, const Key* weight, Key start, int32_t level, 
     }
 }
 
+/// The chain of the last level of a box, slots from `base` on; nil if nothing is there.
+template <int64_t rhythm, class Box> poly box_leaves(const PackedLevel& l, const Box& box, int64_t base) {
+    const int64_t span = static_cast<int64_t>(l.span_n) + l.span_m;
+    const int32_t most = static_cast<int32_t>(span) + l.least_n + l.least_m;
+    poly head = nullptr;
+    polyptrr at = &head;
+    for_polled<rhythm>(span + 1, [&](int64_t k) {
+        if (box.zero(base + span - k)) return;
+        poly c = box.leaf(base + span - k);
+        if (c == nullptr) return;
+        *at = chain_node(most - static_cast<int32_t>(k), c);
+        at = &(*at)->next;
+    });
+    *at = nullptr;
+    return head;
+}
+
 /// The chain of plan level i of a box, slots from `base`, without pads above it; nil if nothing is there.
 template <class Box>
 poly box_chain(const PackedPlan& plan, const int64_t* weight, const Box& box, int32_t i, int64_t base) {
     const PackedLevel& l = plan.level[i];
+    if (i == plan.count - 1)
+        return static_cast<int64_t>(l.span_n) + l.span_m < k_slots_unpolled
+                   ? box_leaves<k_no_safe_point>(l, box, base)
+                   : box_leaves<k_slots_unpolled>(l, box, base);
     const int64_t step = weight[i];
     const int32_t least = l.least_n + l.least_m;
-    const bool last = i == plan.count - 1;
-    const int32_t pads = last ? 0 : plan.level[i + 1].real - l.real - 1;
+    const int32_t pads = plan.level[i + 1].real - l.real - 1;
     poly head = nullptr;
     polyptrr at = &head;
     for (int64_t e = static_cast<int64_t>(l.span_n) + l.span_m; e >= 0; e--) {
-        int64_t slot = base + e * step;
-        poly c;
-        if (last) {
-            if (box.zero(slot)) continue;
-            poll_interrupt();
-            c = box.leaf(slot);
-        } else {
-            poll_interrupt();
-            c = box_chain(plan, weight, box, i + 1, slot);
-        }
+        poll_interrupt();
+        poly c = box_chain(plan, weight, box, i + 1, base + e * step);
         if (c == nullptr) continue;
         if (pads > 0) add_pad(&c, pads);
         *at = chain_node(static_cast<int32_t>(e + least), c);

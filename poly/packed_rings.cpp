@@ -1,4 +1,6 @@
 #include "poly/packed_rings.h"
+
+#include "storage/interrupt.h"
 namespace tolvex {
 /// From this many limbs of the shorter factor a product is formed apart, by the fast methods.
 static constexpr int32_t k_apart = 20;
@@ -24,6 +26,7 @@ static void combine(limb* acc, int64_t width, const limb* x, int64_t n, bool min
 }
 
 void LimbRing::add(int64_t slot, const Left& a, int64_t j) {
+    poll_interrupt();
     limb* r = acc + slot * width;
     const limb* b = m.limbs + m.start[j];
     int32_t b_length = m.length[j];
@@ -63,6 +66,7 @@ bool LimbRing::zero(int64_t slot) const {
 }
 
 poly LimbRing::leaf(int64_t slot) const {
+    poll_interrupt();
     const limb* r = acc + slot * width;
     bool negative = static_cast<int64_t>(r[width - 1]) < 0;
     limb carry = negative;

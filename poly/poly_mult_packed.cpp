@@ -21,6 +21,7 @@ constexpr int64_t k_products_a_term = 4;              // of n in a bucket: each 
 constexpr int64_t k_bucket_bytes = int64_t{1} << 26;  // for the slots of a bucket
 constexpr int64_t k_tile_n = 32, k_tile_m = 512;      // terms of a tile: its slots stay close together
 #endif
+constexpr int64_t k_rows_unpolled = 64;  // terms of n that meet their partners in a bucket, between safe points
 
 /// One product: the shapes of both operands and the terms in order, without their keys.
 struct Product {
@@ -43,9 +44,10 @@ struct Product {
     int64_t meeting() const { return n.terms < m.terms ? n.terms : m.terms; }  // products in one slot at most
 };
 
-/// The keys of an operand's terms under the given weights, counted from its least exponents.
-template <class Key, bool of_n>
-void fill_terms(const Product& e, const polynode* p, const Key* weight_of_plan, Key* keys,
+/// The keys of an operand's terms under the given weights, counted from its least exponents. Few terms need no
+/// safe points.
+template <class Key, bool of_n, bool polled>
+void walk_operand(const Product& e, const polynode* p, const Key* weight_of_plan, Key* keys,
                 const number** numbers) {
     Key weight[k_levels + 1] = {};
     Key start = 0;
@@ -56,11 +58,20 @@ void fill_terms(const Product& e, const polynode* p, const Key* weight_of_plan, 
     }
     int64_t at = 0;
     auto sink = [&](Key key, const number* c) {
-        poll_every<k_terms_unpolled>(at);
+        if constexpr (polled) poll_every<k_terms_unpolled>(at);
         keys[at] = key;
         numbers[at++] = c;
     };
     walk_terms(p, weight, start, 1, sink);
+}
+
+template <class Key, bool of_n>
+void fill_terms(const Product& e, const polynode* p, const Key* weight_of_plan, Key* keys,
+                const number** numbers) {
+    if ((of_n ? e.n : e.m).terms < k_terms_unpolled)
+        walk_operand<Key, of_n, false>(e, p, weight_of_plan, keys, numbers);
+    else
+        walk_operand<Key, of_n, true>(e, p, weight_of_plan, keys, numbers);
 }
 
 /// The operands' terms with keys of one kind.
@@ -87,10 +98,7 @@ Keys<Key> fill_keys(Product& e, const polynode* n, const polynode* m, const Key*
 
 uint32_t* residues_of(const number* const* numbers, int64_t count) {
     auto* r = scratch_array<uint32_t>(count);
-    for (int64_t i = 0; i < count; i++) {
-        r[i] = static_cast<uint32_t>(numbers[i]->lint);
-        poll_every<k_terms_unpolled>(i);
-    }
+    for_polled<k_terms_unpolled>(count, [=](int64_t i) { r[i] = static_cast<uint32_t>(numbers[i]->lint); });
     return r;
 }
 
@@ -103,19 +111,22 @@ struct WordNumbers {
 /// False if some number is too long.
 bool words_of(const number* const* numbers, int64_t count, WordNumbers* w) {
     constexpr int32_t k_head_of_three = 64;  // 28 + 28 + 6 bits
-    w->value = scratch_array<int64_t>(count);
-    w->largest = w->sum = 0;
-    for (int64_t i = 0; i < count; i++) {
-        const number* x = numbers[i];
-        int32_t head = x->head->value;
-        if (x->size > 3 || (x->size == 3 && (head >= k_head_of_three || head <= -k_head_of_three)))
-            return false;
-        int64_t v = w->value[i] = chain_word(x);
-        double magnitude = static_cast<double>(v < 0 ? -v : v);
-        if (magnitude > w->largest) w->largest = magnitude;
-        w->sum += magnitude;
-        poll_every<k_terms_unpolled>(i);
+    auto* value = scratch_array<int64_t>(count);
+    double largest = 0, sum = 0;
+    for (int64_t i = 0; i < count;) {
+        for (const int64_t stop = std::min(count, i + k_terms_unpolled); i < stop; i++) {
+            const number* x = numbers[i];
+            int32_t head = x->head->value;
+            if (x->size > 3 || (x->size == 3 && (head >= k_head_of_three || head <= -k_head_of_three)))
+                return false;
+            int64_t v = value[i] = chain_word(x);
+            double magnitude = static_cast<double>(v < 0 ? -v : v);
+            if (magnitude > largest) largest = magnitude;
+            sum += magnitude;
+        }
+        if (i < count) poll_interrupt();
     }
+    *w = {value, largest, sum};
     return true;
 }
 
@@ -206,7 +217,6 @@ void multiply_tile(const Product& e, const Keys<uint64_t>& keys, Ring& ring, int
     int64_t i1 = std::min(i0 + k_tile_n, e.n.terms), j1 = std::min(j0 + k_tile_m, e.m.terms);
     for (int64_t i = i0; i < i1; i++) {
         const auto key = static_cast<int64_t>(keys.n[i]);
-        poll_interrupt();
         if (!e.square) {
             auto a = ring.left(i);
             for (int64_t j = j0; j < j1; j++) ring.add(key + static_cast<int64_t>(keys.m[j]), a, j);
@@ -225,8 +235,10 @@ poly multiply_in_box(const Product& e, const Keys<uint64_t>& keys, const int64_t
     ring.reserve(0, slots);
     ring.open_all(slots);
     for (int64_t i = 0; i < e.n.terms; i += k_tile_n) {
-        for (int64_t j = e.square ? i / k_tile_m * k_tile_m : 0; j < e.m.terms; j += k_tile_m)
+        for (int64_t j = e.square ? i / k_tile_m * k_tile_m : 0; j < e.m.terms; j += k_tile_m) {
             multiply_tile(e, keys, ring, i, j);
+            poll_interrupt();
+        }
     }
     return box_tree(e.plan, weight, ring);
 }
@@ -341,7 +353,7 @@ template <class Key, class Ring> struct BucketProduct {
         for (int64_t i = first; i < e.n.terms; i++) {
             const Key key = keys.n[i];
             int64_t j = next[i];
-            poll_interrupt();
+            poll_every<k_rows_unpolled>(i);
             if (e.square && j == i) {  // the diagonal comes first: partners are terms i, i + 1, ...
                 if (key + key < low) break;
                 ring.add(slot_of(key + key), ring.left(i), i);
@@ -364,11 +376,10 @@ template <class Key, class Ring> struct BucketProduct {
         }
         std::sort(entries, entries + used,
                   [](const Entry<Key>& a, const Entry<Key>& b) { return a.key > b.key; });
-        for (int64_t i = 0; i < used; i++) {
-            poll_interrupt();
+        for_polled<k_slots_unpolled>(used, [this](int64_t i) {
             poly c = ring.leaf(entries[i].slot);
             if (c != nullptr) builder.put(entries[i].key, c);
-        }
+        });
         used = 0;
     }
 };
