@@ -16,10 +16,10 @@
 #include "poly/poly_test.h"
 #include "poly/size_estimates.h"
 #include "storage/interrupt.h"
+#include "storage/polled_sort.h"
 #include "storage/progress.h"
 #include "storage/scratch.h"
 
-#include <algorithm>
 #include <cstdio>
 namespace tolvex {
 namespace {
@@ -73,7 +73,10 @@ void swap_levels_1_2(polyptrr p) {
     ScratchMark mark = scratch_mark();
     auto* term = scratch_array<Term>(count);
     int64_t n = 0;
-    for (poly t = *p, next; t != nullptr; t = next) {
+    poly from = *p;
+    *p = nullptr;
+    for (poly t = from, next; t != nullptr; t = next) {
+        poll_interrupt();
         next = t->next;
         if (t->numb) {
             t->next = nullptr;
@@ -88,16 +91,17 @@ void swap_levels_1_2(polyptrr p) {
         }
         free_node(t);
     }
-    std::sort(term, term + n, [](const Term& a, const Term& b) {
+    polled_sort(term, n, [](const Term& a, const Term& b) {
         return a.second != b.second ? a.second > b.second : a.first > b.first;
     });
-    *p = nullptr;
-    polyptrr tail = p;
+    poly swapped = nullptr;
+    polyptrr tail = &swapped;
     for (int64_t i = 0; i < n;) {
         poly c = nullptr;
         polyptrr end = &c;
         int32_t e = term[i].second;
         for (; i < n && term[i].second == e; i++) {
+            poll_every<1024>(i);
             *end = chain_node(term[i].first, term[i].c);
             end = &(*end)->next;
         }
@@ -106,6 +110,7 @@ void swap_levels_1_2(polyptrr p) {
         tail = &(*tail)->next;
     }
     *tail = nullptr;
+    *p = swapped;
     scratch_release(mark);
 }
 

@@ -11,9 +11,9 @@
 #include "poly/poly_scale.h"
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
+#include "storage/polled_sort.h"
 #include "storage/scratch.h"
 
-#include <algorithm>
 #include <cstring>
 namespace tolvex {
 namespace {
@@ -225,7 +225,7 @@ static bool order_terms(SparseEnv& s) {
         for (int32_t i = 0; i < n; i++) at[j] += s.plan.weight[i] * (s.exponent[j * n + i] - low[i]);
         s.order[j] = j;
     }
-    std::sort(s.order, s.order + s.terms, [at](int64_t a, int64_t b) { return at[a] > at[b]; });
+    polled_sort(s.order, s.terms, [at](int64_t a, int64_t b) { return at[a] > at[b]; });
     for (int64_t j = 0; j < s.terms; j++) s.index[j] = at[s.order[j]];
     return true;
 }

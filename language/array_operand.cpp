@@ -21,7 +21,8 @@ static void release_contents(ArrOperand& v) {
         free_sparse(&v.spar, v.facts.rows, v.arr_free);
     } else if (v.arr_free) {
         workptr arr = elements_of(v);
-        for (int64_t k = 0; k < v.facts.arrsize; k++) free_quoly(&arr[k]);
+        ValueRelease release;
+        for (int64_t k = 0; k < v.facts.arrsize; k++) release(&arr[k]);
     }
     free_quoly(&v.n);
 }
@@ -110,7 +111,7 @@ void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& n
 void copy_operand(const ArrOperand& v, ArrOperand& copy) {
     if (is_sparse(v)) {
         sparseptr chain = nullptr;
-        copy_sparse(v.spar, &chain, v.facts.rows, 0);
+        copy_sparse_polled(v.spar, &chain, v.facts.rows);
         make_sparse_operand(copy, v.facts.rows, columns_of(v), chain);
         return;
     }
@@ -121,11 +122,25 @@ void copy_operand(const ArrOperand& v, ArrOperand& copy) {
     }
 }
 
+void spread_scalar(ArrOperand& v, arr_descr shape) {
+    workptr arr = elements_of(v);
+    memset(static_cast<void*>(arr), 0, static_cast<size_t>(shape.arrsize) * sizeof(quoly));
+    quoly value = v.n;
+    v.n = nullptr;
+    v.facts = shape;
+    v.arr_free = 1;
+    arr[0] = value;
+    for (int64_t k = 1; k < shape.arrsize; k++) {
+        poll_every<1024>(k);
+        quoly_assign(value, &arr[k]);
+    }
+}
+
 void make_private(ArrOperand& v) {
     if (is_scalar(v) || v.arr_free) return;
     if (is_sparse(v)) {
         sparseptr copy = nullptr;
-        copy_sparse(v.spar, &copy, v.facts.rows, 0);
+        copy_sparse_polled(v.spar, &copy, v.facts.rows);
         v.spar = copy;
     } else {
         workptr arr = elements_of(v);
@@ -151,13 +166,16 @@ bool expand_to_dense(ArrOperand& v) {
     SparseWalk w = walk_sparse(v.spar, v.facts.rows);
     while (colm_ptrptr t = next_row(w)) {
         for (colm_ptr p = *t; p != nullptr; p = p->next) {
+            poll_interrupt();
             arr[w.row + int64_t{p->coord - 1} * v.facts.rows] = p->val;
             p->val = nullptr;
         }
     }
     free_sparse(&v.spar, v.facts.rows, 1);
-    for (int64_t k = 0; k < v.facts.arrsize; k++)
+    for (int64_t k = 0; k < v.facts.arrsize; k++) {
+        poll_every<1024>(k);
         if (arr[k] == nullptr) quoly_set(0, &arr[k]);
+    }
     return true;
 }
 
@@ -165,19 +183,14 @@ void contract_to_sparse(ArrOperand& v) {
     sparseptr chain = nullptr;
     sparse_init(&chain, v.facts.rows);
     workptr arr = elements_of(v);
-    SparseWalk w = walk_sparse(chain, v.facts.rows);
-    while (colm_ptrptr link = next_row(w)) {
-        int32_t col = 1;
-        for (int64_t k = w.row; k < v.facts.arrsize; k += v.facts.rows, col++) {
-            if (arr[k] == nullptr) continue;
-            if (quoly_iszero(arr[k])) {
-                free_quoly(&arr[k]);
-                continue;
-            }
-            *link = newcolm(col, arr[k], nullptr);
-            arr[k] = nullptr;
-            link = &(*link)->next;
+    for (int32_t c = static_cast<int32_t>(columns_of(v)); c >= 1; c--) {
+        quolyptr column = arr + int64_t{c - 1} * v.facts.rows;
+        SparseWalk w = walk_sparse(chain, v.facts.rows);
+        while (colm_ptrptr head = next_row(w)) {
+            poll_every<1024>(w.row);
+            put_in_front(head, c, &column[w.row]);
         }
+        poll_interrupt();
     }
     v.spar = chain;
 }

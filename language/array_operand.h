@@ -55,6 +55,8 @@ void make_sparse_operand(ArrOperand& v, int64_t rows, int64_t cols, sparseptr ch
 void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& name);
 /// copy, which is empty, becomes a private copy of a matrix.
 void copy_operand(const ArrOperand& v, ArrOperand& copy);
+/// The scalar v becomes a private dense matrix of copies of its value.
+void spread_scalar(ArrOperand& v, arr_descr shape);
 /// A borrowed matrix is copied.
 void make_private(ArrOperand& v);
 /// A sparse matrix becomes dense: error 250 (false) if it is too large.

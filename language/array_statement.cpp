@@ -14,10 +14,12 @@ static bool statement_error(Err code, const char* symbol = nullptr) {
     return false;
 }
 
-static void store_in_slot(quolyptr slot, quolyptr value) {
-    if (*slot != nullptr) free_value(slot);
-    *slot = *value;
-    *value = nullptr;
+static void store_in_slot(quolyptr slot, quoly value, ValueRelease& release) {
+    if (*slot != nullptr) {
+        quoly old = displace_value(slot);
+        release(&old);
+    }
+    *slot = value;
 }
 
 /// Element k of v for the target: moved, or a copy of the scalar.
@@ -35,10 +37,8 @@ static quoly next_value(ArrOperand& v, int64_t k) {
 /// The elements of a dense array of the shape of v, or all of them if v is a scalar.
 static void fill_dense(arrptr a, ArrOperand& v) {
     make_private(v);
-    for (int32_t k = 0; k < a->sizearr; k++) {
-        quoly value = next_value(v, k);
-        store_in_slot(dense_slot(a, k), &value);
-    }
+    ValueRelease release;
+    for (int32_t k = 0; k < a->sizearr; k++) store_in_slot(dense_slot(a, k), next_value(v, k), release);
 }
 
 /// The sparse array itself gets that chain, which is used up, instead of its own.
@@ -154,11 +154,12 @@ static bool assign_block(arrptr a, const Block& b, ArrOperand& v) {
                                  (v.facts.rows == shape.rows || (is_vector(v.facts) && is_vector(shape))));
     if (!fits) return statement_error(Err::block_size, tok_text(a->name));
     make_private(v);
+    ValueRelease release;
     int64_t k = 0;
     for (int64_t c = b.first_col; c < b.first_col + b.cols; c++) {
         for (int64_t row = b.first_row; row < b.first_row + b.rows; row++) {
-            quoly value = next_value(v, k++);
-            store_in_slot(dense_slot(a, static_cast<int32_t>(row + c * a->rows)), &value);
+            quolyptr slot = dense_slot(a, static_cast<int32_t>(row + c * a->rows));
+            store_in_slot(slot, next_value(v, k++), release);
         }
     }
     return true;
@@ -179,10 +180,9 @@ static bool assign_diagonal(tokentipe& name, arrptr named, ArrOperand& v) {
         for (int32_t k = 0; k < a->sizearr; k++) quoly_set(0, dense_slot(a, k));
     }
     make_private(v);
-    for (int64_t i = 0; i < n; i++) {
-        quoly value = next_value(v, i);
-        store_in_slot(dense_slot(a, static_cast<int32_t>(i + i * a->rows)), &value);
-    }
+    ValueRelease release;
+    for (int64_t i = 0; i < n; i++)
+        store_in_slot(dense_slot(a, static_cast<int32_t>(i + i * a->rows)), next_value(v, i), release);
     return true;
 }
 
@@ -224,6 +224,28 @@ static arr_descr shape_of_target(const ArrTarget& t, arrptr named) {
     return {n, static_cast<int32_t>(n)};
 }
 
+/// Whatever of an assignment takes long is done on the right side alone, with safe points: statements of a
+/// command level may cancel the target or change its shape meanwhile. True if something has been done, so that
+/// the target must be looked up again.
+static bool prepare_right_side(const ArrTarget& t, arrptr named, ArrOperand& v) {
+    constexpr int64_t k_many = 1000;
+    const arrnode* a = named == nullptr ? nullptr : array_itself(named);
+    if (is_scalar(v)) {
+        if (a == nullptr || a->spar != nullptr || a->ring != modulus) return false;
+        arr_descr shape = shape_of_target(t, named);
+        if (shape.arrsize <= k_many) return false;
+        spread_scalar(v, shape);
+        return true;
+    }
+    if (!v.arr_free) {
+        make_private(v);
+        return true;
+    }
+    if (a == nullptr || a->spar == nullptr || is_sparse(v) || t.diagonal || t.has_block) return false;
+    contract_to_sparse(v);
+    return true;
+}
+
 /// The right side, ":=" having been read over, and the assignment.
 static void arr_asstat(ArrReader& r, ArrTarget& t, ArrOperand& v) {
     arrptr named = nullptr;
@@ -231,7 +253,9 @@ static void arr_asstat(ArrReader& r, ArrTarget& t, ArrOperand& v) {
     r.known = shape_of_target(t, named);
     r.want_sparse = named != nullptr && array_itself(named)->spar != nullptr;
     arr_expre(r, v);
-    if (!record_of(t, &named)) return;
+    do {
+        if (!record_of(t, &named)) return;
+    } while (prepare_right_side(t, named, v));
     if (t.diagonal)
         assign_diagonal(t.name, named, v);
     else if (!t.has_block)

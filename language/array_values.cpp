@@ -41,10 +41,11 @@ static void free_chain_of_holders(sparseptr* spar, int32_t rows) {
 }
 
 static void empty_graveyard() {
+    ValueRelease release;
     while (buried != nullptr) {
         quoly gone = buried;
         buried = gone->next;
-        free_quoly(&gone);
+        release(&gone);
     }
     while (left_chains != nullptr) {
         left_chain* gone = left_chains;

@@ -5,6 +5,7 @@
 #include "language/statements.h"
 #include "language/tokens/token_list.h"
 #include "numbers/number.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 /// The number that begins at p, if it fits one digit of a long number.
 static void bind_literal(nameptr p) {
@@ -193,7 +194,8 @@ bool attach(BodyReader& r, nameptr* q, Closer end, bool loop_header) {
         token = here;
     }
     nameptr marked = g.last;
-    while (!g.cut_off && gather_one(g)) {
+    for (int64_t k = 0; !g.cut_off && gather_one(g); k++) {
+        poll_every<1024>(k);
         if (*r.flag == nullptr && g.definitions > 0 && at_char(';') && at_end(r.inf) && !line_end_given)
             g.cut_off = true;
     }

@@ -100,13 +100,18 @@ static void leave_to_borrowers(quolyptr loc) {
     *loc = copy;
 }
 
-void free_value(quolyptr loc) {
+quoly displace_value(quolyptr loc) {
     if (away_list != nullptr) drop_away(loc);
     if (borrowed_operands > 0 && *loc != nullptr) leave_to_borrowers(loc);
-    if (eval_state.held != nullptr && *loc != nullptr && bequeath(loc))
-        *loc = nullptr;
-    else
-        free_quoly(loc);
+    quoly old = *loc;
+    if (eval_state.held != nullptr && old != nullptr && bequeath(loc)) old = nullptr;
+    *loc = nullptr;
+    return old;
+}
+
+void free_value(quolyptr loc) {
+    quoly old = displace_value(loc);
+    free_quoly(&old);
 }
 
 void own_value(quolyptr loc) {

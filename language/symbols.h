@@ -34,6 +34,8 @@ void insert_var(tokentipe& name, quoly value, varptr* p);
 /// by the innermost evaluator that holds it. Every replacement or deletion of a value that has a name goes
 /// through here.
 void free_value(quolyptr loc);
+/// The same, but an old value that nobody inherits is returned; else nil.
+quoly displace_value(quolyptr loc);
 /// To be called before *loc is changed in place: if an evaluator holds it, it inherits the old value and *loc
 /// becomes a copy.
 void own_value(quolyptr loc);

@@ -219,6 +219,11 @@ static void close_hole(int32_t first, int32_t n, int32_t stamp) {
     }
 }
 
+static void free_slots(const arrnode* a) {
+    ValueRelease release;
+    for (int32_t k = 0; k < a->sizearr; k++) release(dense_slot(a, k));
+}
+
 /// Values are given back in the shape that numbers have in their own ring.
 void free_elements(arrptr a) {
     boolean shape = lintmode;
@@ -226,7 +231,7 @@ void free_elements(arrptr a) {
     if (a->spar != nullptr)
         free_sparse(&a->spar, a->rows, 1);
     else
-        for (int32_t k = 0; k < a->sizearr; k++) free_quoly(dense_slot(a, k));
+        free_slots(a);
     lintmode = shape;
 }
 
@@ -308,20 +313,10 @@ void fill_sparse(arrptr a) {
     int32_t first = a->start, n = static_cast<int32_t>(a->sizearr);
     sparseptr chain = nullptr;
     sparse_init(&chain, a->rows);
-    SparseWalk w = walk_sparse(chain, a->rows);
-    while (colm_ptrptr link = next_row(w)) {
-        int32_t col = 1;
-        for (int32_t k = w.row; k < n; k += a->rows, col++) {
-            quolyptr slot = arp_slot(first + k);
-            if (*slot == nullptr) continue;
-            if (quoly_iszero(*slot)) {
-                free_quoly(slot);
-                continue;
-            }
-            *link = newcolm(col, *slot, nullptr);
-            *slot = nullptr;
-            link = &(*link)->next;
-        }
+    for (int32_t start_of_column = n - a->rows; start_of_column >= 0; start_of_column -= a->rows) {
+        SparseWalk w = walk_sparse(chain, a->rows);
+        while (colm_ptrptr head = next_row(w))
+            put_in_front(head, start_of_column / a->rows + 1, arp_slot(first + start_of_column + w.row));
     }
     a->spar = chain;
     a->start = 0;

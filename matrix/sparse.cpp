@@ -5,6 +5,7 @@
 #include "quoly/quoly_audit.h"
 #include "quoly/quoly_basic.h"
 #include "storage/audit.h"
+#include "storage/interrupt.h"
 
 #include <cstring>
 namespace tolvex {
@@ -61,12 +62,22 @@ void sparse_insert(sparseptr spar, int32_t r, int32_t c, quoly value) {
 
 // ---- whole matrices ------------------------------------------------------------------------------------
 
-/// Frees the values of a row, if asked, and splices its entries to the free list.
-static void free_row(colm_ptrptr t, bool values) {
+void put_in_front(colm_ptrptr head, int32_t c, quolyptr slot) {
+    if (*slot == nullptr) return;
+    if (quoly_iszero(*slot)) {
+        free_quoly(slot);
+        return;
+    }
+    *head = newcolm(c, *slot, *head);
+    *slot = nullptr;
+}
+
+/// Splices the entries of a row to the free list, their values having been given back if a release is given.
+static void free_row(colm_ptrptr t, ValueRelease* release) {
     if (*t == nullptr) return;
     colm_ptr last = *t;
     for (colm_ptr p = *t; p != nullptr; p = p->next) {
-        if (values) free_quoly(&p->val);
+        if (release != nullptr) (*release)(&p->val);
         last = p;
     }
     pool_splice<&colnode::next>(colm_garb, *t, last);
@@ -82,8 +93,9 @@ static void free_blocks(sparseptr* spar) {
 }
 
 static void free_rows(sparseptr spar, int32_t rows, bool values) {
+    ValueRelease release;
     SparseWalk w = walk_sparse(spar, rows);
-    while (colm_ptrptr t = next_row(w)) free_row(t, values);
+    while (colm_ptrptr t = next_row(w)) free_row(t, values ? &release : nullptr);
 }
 
 void free_sparse(sparseptr* spar, int32_t rows, boolean arr_free) {
@@ -101,12 +113,13 @@ void free_sparse_frame(sparseptr* spar, int32_t rows) {
 
 void free_sparse_data(sparseptr spar, int32_t rows) { free_rows(spar, rows, true); }
 
-void copy_sparse(sparseptr s, sparseptr* t, int32_t rows, boolean neg) {
+template <bool polled> static void copy_rows(sparseptr s, sparseptr* t, int32_t rows, bool neg) {
     sparse_init(t, rows);
     SparseWalk from = walk_sparse(s, rows), to = walk_sparse(*t, rows);
     while (colm_ptrptr row = next_row(from)) {
         colm_ptrptr link = next_row(to);
         for (colm_ptr p = *row; p != nullptr; p = p->next) {
+            if constexpr (polled) poll_interrupt();
             quoly value = nullptr;
             neg ? quoly_makeneg(p->val, &value) : quoly_assign(p->val, &value);
             *link = newcolm(p->coord, value, nullptr);
@@ -115,11 +128,18 @@ void copy_sparse(sparseptr s, sparseptr* t, int32_t rows, boolean neg) {
     }
 }
 
+void copy_sparse(sparseptr s, sparseptr* t, int32_t rows, boolean neg) {
+    copy_rows<false>(s, t, rows, neg != 0);
+}
+
+void copy_sparse_polled(sparseptr s, sparseptr* t, int32_t rows) { copy_rows<true>(s, t, rows, false); }
+
 void put_back_sparse(sparseptr* dup, sparseptr spar, int32_t rows) {
+    ValueRelease release;
     SparseWalk from = walk_sparse(*dup, rows), to = walk_sparse(spar, rows);
     while (colm_ptrptr row = next_row(from)) {
         colm_ptrptr target = next_row(to);
-        free_row(target, true);
+        free_row(target, &release);
         *target = *row;
     }
     free_blocks(dup);

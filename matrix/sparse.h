@@ -67,6 +67,8 @@ void sparse_insert(sparseptr spar, int32_t r, int32_t c, quoly value);
 void free_colm(colm_ptrptr t);
 /// The same, only if its value is the number 0.
 void purge_sparse(colm_ptrptr t);
+/// The value at the slot, if it is there and not 0, becomes the first entry of a row; *slot := nil.
+void put_in_front(colm_ptrptr head, int32_t c, quolyptr slot);
 /// The walk of a loop over all rows in order, first to last: *t is the head of the next row, *block its
 /// table. Returns nil after the last of `rows` rows.
 struct SparseWalk {
@@ -92,6 +94,8 @@ void free_sparse_frame(sparseptr* spar, int32_t rows);
 void free_sparse_data(sparseptr spar, int32_t rows);
 /// *t := a deep copy of s, negated if `neg`.
 void copy_sparse(sparseptr s, sparseptr* t, int32_t rows, boolean neg);
+/// The same with safe points: s must stay as it is while statements run.
+void copy_sparse_polled(sparseptr s, sparseptr* t, int32_t rows);
 /// The rows of *dup move to spar, whose own entries are freed; *dup is used up.
 void put_back_sparse(sparseptr* dup, sparseptr spar, int32_t rows);
 /// In place: nodes move, in one pass over the rows from the last to the first, so that each new row is sorted

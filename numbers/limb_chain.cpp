@@ -55,7 +55,7 @@ int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
     int shift =
         static_cast<int>((static_cast<int64_t>(size) * k_digit_bits - 1 - (word << 6)) + 1) - k_digit_bits;
     uint64_t acc = 0;
-    for_polled<k_digits_unpolled>(size, [&](int64_t) {
+    for_long_polled<k_digits_unpolled>(size, [&](int64_t) {
         uint64_t d = magnitude_of(p->value);
         if (shift >= 0) {
             acc |= d << shift;

@@ -84,10 +84,11 @@ void add_chains(numptr p, int32_t nsize, numptr q, int32_t msize, int32_t sign, 
     int32_t i = 0;
     for (; i < n - msize; i++, p = p->next) s[i] = p->value;
     for (; i < n - nsize; i++, q = q->next) s[i] = sign * q->value;
-    for (; i < n; i++, p = p->next, q = q->next) {
-        s[i] = p->value + sign * q->value;
-        poll_every<k_digits_unpolled>(i);
-    }
+    for_long_polled<k_digits_unpolled>(n - i, [&](int64_t k) {
+        s[i + k] = p->value + sign * q->value;
+        p = p->next;
+        q = q->next;
+    });
     carry_and_store(ans, s, n, base);
     if (!small) scratch_release(mark);
 }

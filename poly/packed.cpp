@@ -3,9 +3,8 @@
 #include "numbers/num_assign.h"
 #include "poly/poly_basic.h"
 #include "storage/interrupt.h"
+#include "storage/polled_sort.h"
 #include "storage/scratch.h"
-
-#include <algorithm>
 namespace tolvex {
 static constexpr int64_t k_terms_unpolled = int64_t{1} << 14;  // of one walk, from one safe point to the next
 
@@ -243,8 +242,8 @@ static void collect(PackTerms* terms, const WordField& f) {
         pair[i] = {terms->index[i], terms->residue[i]};
         poll_every<k_terms_unpolled>(i);
     }
-    std::sort(pair, pair + terms->count,
-              [](const IndexedResidue& a, const IndexedResidue& b) { return a.index > b.index; });
+    polled_sort(pair, terms->count,
+                [](const IndexedResidue& a, const IndexedResidue& b) { return a.index > b.index; });
     int64_t n = 0;
     for (int64_t i = 0; i < terms->count;) {
         int64_t index = pair[i].index;

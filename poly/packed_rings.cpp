@@ -2,7 +2,8 @@
 
 #include "storage/interrupt.h"
 namespace tolvex {
-/// From this many limbs of the shorter factor a product is formed apart, by the fast methods.
+/// From this many limbs of the shorter factor a product is formed apart, by the fast methods; from this many
+/// of the longer one it has a safe point of its own.
 static constexpr int32_t k_apart = 20;
 
 /// r[0..n) += c at place 0, the carry running up.
@@ -26,7 +27,6 @@ static void combine(limb* acc, int64_t width, const limb* x, int64_t n, bool min
 }
 
 void LimbRing::add(int64_t slot, const Left& a, int64_t j) {
-    poll_interrupt();
     limb* r = acc + slot * width;
     const limb* b = m.limbs + m.start[j];
     int32_t b_length = m.length[j];
@@ -42,6 +42,7 @@ void LimbRing::add(int64_t slot, const Left& a, int64_t j) {
         x_length = b_length;
         b_length = l;
     }
+    if (x_length >= k_apart) poll_interrupt();
     if (b_length >= k_apart) {
         limbs_mul(product, x, x_length, b, b_length);
         int64_t length = limbs_trim(product, x_length + b_length);
@@ -66,7 +67,7 @@ bool LimbRing::zero(int64_t slot) const {
 }
 
 poly LimbRing::leaf(int64_t slot) const {
-    poll_interrupt();
+    if (width >= k_apart) poll_interrupt();
     const limb* r = acc + slot * width;
     bool negative = static_cast<int64_t>(r[width - 1]) < 0;
     limb carry = negative;

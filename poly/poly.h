@@ -45,9 +45,15 @@ static_assert(sizeof(polynode) == 24 && std::is_trivially_destructible_v<polynod
 inline constexpr int32_t polynodesize = 24;
 
 inline poly polygarb = nullptr;
+inline poly polywait = nullptr;  // nodes over long polynomials that are given back later   writers: free_poly
 
+/// Called when no free node is left: gives back some of what waits (free_poly).
+[[gnu::cold]] void refill_nodes();
 /// *p := a node, contents undefined.
-inline void newpoly(polyptrr p) { *p = pool_pop<&polynode::next>(polygarb, polystash); }
+inline void newpoly(polyptrr p) {
+    if (__builtin_expect(polygarb == nullptr, 0)) refill_nodes();
+    *p = pool_pop<&polynode::next>(polygarb, polystash);
+}
 /// Gives back one node alone.
 inline void free_node(poly p) { pool_push<&polynode::next>(polygarb, p); }
 /// Gives p->ncoef a new number of size 0 and makes p a leaf without next.
@@ -69,9 +75,12 @@ inline void new_term(polyptrr p, int32_t exp, poly c) {
 /// True if p is a number: a leaf with no next.
 inline bool is_number(const polynode* p) { return p->numb && p->next == nullptr; }
 
-/// Gives back a whole polynomial; nil is allowed; *p := nil. Recursion only over levels.
+/// Gives back a whole polynomial; nil is allowed; *p := nil. Recursion only over levels. Of a very long one a
+/// part waits until nodes are wanted, so that a call takes a few milliseconds at most.
 void free_poly(polyptrr p);
 void special_free_poly(polyptrr p);  ///< the same, chains given back whatever the mode
+/// Gives back at most so many terms of what waits. True if some still do.
+bool free_waiting(int64_t terms);
 
 struct polydata;
 using polypt = polydata*;

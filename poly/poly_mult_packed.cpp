@@ -4,6 +4,7 @@
 #include "poly/poly_mult_internal.h"
 #include "poly/poly_shape.h"
 #include "storage/interrupt.h"
+#include "storage/polled_sort.h"
 
 #include <algorithm>
 namespace tolvex {
@@ -138,16 +139,18 @@ LimbNumbers limbs_of(const number* const* numbers, int64_t count, int64_t* longe
     auto* start = scratch_array<int64_t>(count);
     auto* length = scratch_array<int32_t>(count);
     int64_t at = 0;
-    *longest = 0;
-    for (int64_t i = 0; i < count; i++) {
+    constexpr int64_t k_long_number = 64;  // limbs
+    int64_t most = 0;
+    for_polled<k_slots_unpolled>(count, [&](int64_t i) {
         const number* x = numbers[i];
         int64_t l = limbs_from_chain(limbs + at, x->head, x->size);
         start[i] = at;
         length[i] = static_cast<int32_t>(x->head->value < 0 ? -l : l);
         at += l;
-        if (l > *longest) *longest = l;
-        poll_interrupt();
-    }
+        if (l > most) most = l;
+        if (l >= k_long_number) poll_interrupt();
+    });
+    *longest = most;
     return {limbs, start, length};
 }
 
@@ -374,8 +377,7 @@ template <class Key, class Ring> struct BucketProduct {
         } else {
             table.clear();
         }
-        std::sort(entries, entries + used,
-                  [](const Entry<Key>& a, const Entry<Key>& b) { return a.key > b.key; });
+        polled_sort(entries, used, [](const Entry<Key>& a, const Entry<Key>& b) { return a.key > b.key; });
         for_polled<k_slots_unpolled>(used, [this](int64_t i) {
             poly c = ring.leaf(entries[i].slot);
             if (c != nullptr) builder.put(entries[i].key, c);
@@ -400,7 +402,7 @@ template <class Key> Key* bucket_bounds(const Product& e, const Keys<Key>& keys,
                                     64);
     };
     for (int64_t i = 0; i < samples; i++) sums[i] = keys.n[draw(e.n.terms)] + keys.m[draw(e.m.terms)];
-    std::sort(sums, sums + samples);
+    polled_sort(sums, samples, [](Key a, Key b) { return a < b; });
     for (int64_t i = 0; i < buckets - 1; i++) bounds[i] = sums[samples - (i + 1) * k_samples_a_bucket];
     bounds[buckets - 1] = 0;
     scratch_release(mark);

@@ -23,6 +23,32 @@ void free_quoly(quolyptr q) {
     free_quoly_record(q);
 }
 
+// `rat` of a value that waits tells the shape of its numbers.
+void free_quoly_later(quolyptr q) {
+    if (*q == nullptr) return;
+    (*q)->rat = lintmode;
+    (*q)->next = quolywait;
+    quolywait = *q;
+    *q = nullptr;
+}
+
+bool free_waiting_quolys(int64_t count) {
+    boolean shape = lintmode;
+    for (; quolywait != nullptr && count > 0; count--) {
+        quoly q = quolywait;
+        quolywait = q->next;
+        lintmode = q->rat;
+        free_quoly(&q);
+    }
+    lintmode = shape;
+    return quolywait != nullptr;
+}
+
+void refill_quolys() {
+    constexpr int64_t k_refill = 1024;
+    free_waiting_quolys(k_refill);
+}
+
 quoly quoly_target(quolyptr p) {
     if (*p == nullptr) {
         newquoly(p);

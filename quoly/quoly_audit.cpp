@@ -7,6 +7,14 @@ static void reach_gcd_stash() {
     walk_gcd_stash([] { audit_reach<GcdEntry>(); }, audit_reach_poly);
 }
 
+static void reach_waiting() {
+    for (const polynode* p = polywait; p != nullptr; p = p->next) {
+        audit_reach<polynode>();
+        audit_reach_poly(p->pcoef);
+    }
+    for (const quolynode* q = quolywait; q != nullptr; q = q->next) audit_reach_quoly(q);
+}
+
 void audit_value_pools() {
     audit_pool<numnode>("numnode");
     audit_pool<number>("number");
@@ -14,6 +22,7 @@ void audit_value_pools() {
     audit_pool<quolynode>("quolynode");
     audit_pool<GcdEntry>("gcd entry");
     audit_roots(reach_gcd_stash);
+    audit_roots(reach_waiting);
 }
 
 void audit_reach_number(const number* x) {

@@ -244,8 +244,16 @@ static After memory_left(Command& c) {
     return After::read_next;
 }
 
+static constexpr int64_t k_records_unpolled = int64_t{1} << 14;
+
+static void free_all_waiting() {
+    while (free_waiting_quolys(k_records_unpolled)) poll_interrupt();
+    while (free_waiting(k_records_unpolled)) poll_interrupt();
+}
+
 /// The counts of minors expansion stay 0 as long as no determinant has been expanded.
 static After show_statistics(Command&) {
+    free_all_waiting();
     printf(
         " memavail, minor memory, garbsize, minor prime, total branches, leaf count, stash nodes, hits: \n");
     printf("%llu  %llu  %lli  %d  %d  %d  %d  %d\n", static_cast<unsigned long long>(memavail()),
@@ -262,7 +270,8 @@ static After show_settings(Command&) {
 /// Gives the records of a free list back to the stash that they came from. Those that the start-up stock
 /// added are more than the stash has handed out: so many stay on the list.
 template <auto link, class R> static void empty_free_list(R*& head, stash_rec* stash) {
-    while (head != nullptr && stash->slugs_used > 0) {
+    for (int64_t k = 0; head != nullptr && stash->slugs_used > 0; k++) {
+        poll_every<k_records_unpolled>(k);
         free_slug(stash, pool_pop<link>(head, stash));
 #ifdef TOLVEX_CHECKED
         pool_counters<R>.live--;
@@ -272,6 +281,7 @@ template <auto link, class R> static void empty_free_list(R*& head, stash_rec* s
 
 static After empty_free_lists(Command& c) {
     next_token(c.inf, c.flag);
+    free_all_waiting();
     empty_free_list<&quolynode::next>(quolygarb, quolystash);
     empty_free_list<&polynode::next>(polygarb, polystash);
     if (!lintmode) {
@@ -282,6 +292,7 @@ static After empty_free_lists(Command& c) {
 }
 
 static After report_garbage(Command&) {
+    free_all_waiting();
     garbage('g');
     return After::read_next;
 }

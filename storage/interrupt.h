@@ -45,4 +45,13 @@ template <int64_t rhythm, class Turn> inline void for_polled(int64_t n, Turn tur
         }
     }
 }
+
+/// The same, where short loops are the rule: one of at most `rhythm` turns has nothing more to test.
+template <int64_t rhythm, class Turn> inline void for_long_polled(int64_t n, Turn turn) {
+    if (__builtin_expect(n <= rhythm, 1)) {
+        for (int64_t k = 0; k < n; k++) turn(k);
+    } else {
+        for_polled<rhythm>(n, turn);
+    }
+}
 }  // namespace tolvex

@@ -13,6 +13,7 @@
 ///            -DTOLVEX_POOLS=direct every record comes from the general allocator.
 /// Raises     nothing: a source that has run dry reports for itself (storage/stash.h).
 #include "storage/checked.h"
+#include "storage/interrupt.h"
 #include "storage/memory.h"
 #include "storage/stash.h"
 
@@ -118,10 +119,16 @@ template <auto link, class R> inline void pool_splice(R*& head, R* first, R* las
 }
 #endif
 
-/// Number of records on a free list, at most `cap`.
-template <auto link, class R> inline int64_t pool_length(const R* head, int64_t cap) {
+/// Number of records on a free list, at most `cap`. A safe point now and then; a command level may change the
+/// list, so that the count starts anew.
+template <auto link, class R> inline int64_t pool_length(R* const& head, int64_t cap) {
+    constexpr int64_t k_unpolled = int64_t{1} << 14;
     int64_t n = 0;
-    for (const R* p = head; p != nullptr && n < cap; p = pool_link<link>(p)) n++;
+    for (const R* p = head; p != nullptr && n < cap; p = pool_link<link>(p)) {
+        if ((++n & (k_unpolled - 1)) != 0 || interrupt_pending == 0) continue;
+        poll_interrupt();
+        if (interrupt_pending == 0) return pool_length<link>(head, cap);
+    }
     return n;
 }
 }  // namespace tolvex
