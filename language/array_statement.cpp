@@ -225,8 +225,8 @@ static arr_descr shape_of_target(const ArrTarget& t, arrptr named) {
 }
 
 /// Whatever of an assignment takes long is done on the right side alone, with safe points: statements of a
-/// command level may cancel the target or change its shape meanwhile. True if something has been done, so that
-/// the target must be looked up again.
+/// command level may cancel the target or change its shape meanwhile. True if something has been done, so
+/// that the target must be looked up again.
 static bool prepare_right_side(const ArrTarget& t, arrptr named, ArrOperand& v) {
     constexpr int64_t k_many = 1000;
     const arrnode* a = named == nullptr ? nullptr : array_itself(named);

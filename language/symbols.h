@@ -43,8 +43,8 @@ void own_value(quolyptr loc);
 varptr find_var(tokentipe& name);
 /// Unlinks the variable and gives it back with its value; false if there is none.
 bool delete_var(tokentipe& name);
-/// Calls f for the location of every stored value of the ring in force (variables, elements of arrays, previous
-/// value): for changes of variables. The second: not for arrays.
+/// Calls f for the location of every stored value of the ring in force (variables, elements of arrays,
+/// previous value): for changes of variables. The second: not for arrays.
 void for_each_value(void (*f)(quolyptr value, void* context), void* context);
 void for_each_scalar(void (*f)(quolyptr value, void* context), void* context);
 /// The table is emptied, the bound of the process stack is found; pools and roots are made known to the

@@ -130,6 +130,7 @@ static void merge_row(colm_ptrptr t, colm_ptr b, bool minus) {
 void add_sparses(sparseptr a, sparseptr* b, int32_t rows, bool minus) {
     SparseWalk to = walk_sparse(a, rows), from = walk_sparse(*b, rows);
     while (colm_ptrptr t = next_row(to)) {
+        poll_interrupt();
         colm_ptrptr row = next_row(from);
         colm_ptr nodes = *row;
         *row = nullptr;

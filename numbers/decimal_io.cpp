@@ -2,6 +2,7 @@
 
 #include "language/tokens/scanner.h"
 #include "numbers/decimal.h"
+#include "numbers/digit_source.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_divide.h"
@@ -195,7 +196,10 @@ void append(Digits* digits, char c) {
 void append_run(FILE* inf, Digits* digits) {
     int64_t start_of_run = digits->count;
     int c = read_char(inf);
-    for (; is_digit(c); c = read_char(inf)) append(digits, static_cast<char>(c));
+    for (; is_digit(c); c = read_char(inf)) {
+        append(digits, static_cast<char>(c));
+        poll_every<k_digits_unpolled>(digits->count);
+    }
     if (c != EOF) unread_char(c, inf);
     int64_t first = digits->count - start_of_run > k_ring_size ? digits->count - k_ring_size : start_of_run;
     tokentipe digit = {};

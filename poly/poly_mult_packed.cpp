@@ -22,7 +22,8 @@ constexpr int64_t k_products_a_term = 4;              // of n in a bucket: each 
 constexpr int64_t k_bucket_bytes = int64_t{1} << 26;  // for the slots of a bucket
 constexpr int64_t k_tile_n = 32, k_tile_m = 512;      // terms of a tile: its slots stay close together
 #endif
-constexpr int64_t k_rows_unpolled = 64;  // terms of n that meet their partners in a bucket, between safe points
+constexpr int64_t k_rows_unpolled =
+    64;  // terms of n that meet their partners in a bucket, between safe points
 
 /// One product: the shapes of both operands and the terms in order, without their keys.
 struct Product {
@@ -45,11 +46,11 @@ struct Product {
     int64_t meeting() const { return n.terms < m.terms ? n.terms : m.terms; }  // products in one slot at most
 };
 
-/// The keys of an operand's terms under the given weights, counted from its least exponents. Few terms need no
-/// safe points.
+/// The keys of an operand's terms under the given weights, counted from its least exponents. Few terms need
+/// no safe points.
 template <class Key, bool of_n, bool polled>
 void walk_operand(const Product& e, const polynode* p, const Key* weight_of_plan, Key* keys,
-                const number** numbers) {
+                  const number** numbers) {
     Key weight[k_levels + 1] = {};
     Key start = 0;
     for (int32_t i = 0; i < e.plan.count; i++) {

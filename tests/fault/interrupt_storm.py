@@ -96,6 +96,9 @@ JOBS = [
     Job("matrices of polynomials", ["&(J = x, y)", "[m] := [<i=1,12><j=1,12> (x + i)^3*(y - j)^2]:"],
         "Terms(Sumall([m]^3))"),
     Job("display of a matrix", ["[m] := [<i=1,300><j=1,300> i^7*j]:"], "!([m])"),
+    Job("assignments of matrices", ["[m] := [<i=1,300><j=1,300> i*j]:", "Array s[300,300] Sparse:", "[t] := [m]:",
+         "Func A = [t] := [m]; [t] := 7; [s] := [m]; [t] := [s] - [m]; [t] := 5^200; [s] := [t]; Sumall[s]."], "A|1000003"),
+    Job("a long definition", [], "Func F(x) = " + "; ".join(f"x := x*{i} + 1" for i in range(30000)) + "."),
     Job("computed matrices", [], "Sumall[<i=1,300><j=1,300> i^5*j - i]"),
     Job("Laurent polynomials", ["&(l = 1)"] + POLYNOMIALS + ["p := f/x^3 + 1/y:"], "Terms(p*g) + Terms((p*g)/g)", "pg"),
 ]

@@ -295,6 +295,7 @@ std::string text_of(const polynode* p) {
 
 int64_t live_records() {
 #ifdef TOLVEX_CHECKED
+    free_waiting(INT64_MAX);
     return pool_counters<polynode>.live + pool_counters<number>.live + pool_counters<numnode>.live;
 #else
     return 0;

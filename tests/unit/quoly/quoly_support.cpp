@@ -297,6 +297,8 @@ bool canonical(const quolynode* q) {
 
 Live value_records() {
 #ifdef TOLVEX_CHECKED
+    free_waiting_quolys(INT64_MAX);
+    free_waiting(INT64_MAX);
     return {{pool_counters<quolynode>.live, pool_counters<polynode>.live, pool_counters<number>.live,
              pool_counters<numnode>.live}};
 #else
