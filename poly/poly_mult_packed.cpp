@@ -219,7 +219,18 @@ template <class Work> void with_ring(const Product& e, const Work& work) {
 template <class Ring>
 void multiply_tile(const Product& e, const Keys<uint64_t>& keys, Ring& ring, int64_t i0, int64_t j0) {
     int64_t i1 = std::min(i0 + k_tile_n, e.n.terms), j1 = std::min(j0 + k_tile_m, e.m.terms);
-    for (int64_t i = i0; i < i1; i++) {
+    int64_t i = i0;
+    for (; !e.square && i + 1 < i1; i += 2) {  // two terms at a time: each term of m is read once for both
+        const auto key = static_cast<int64_t>(keys.n[i]), next_key = static_cast<int64_t>(keys.n[i + 1]);
+        poll_interrupt();
+        auto a = ring.left(i), b = ring.left(i + 1);
+        for (int64_t j = j0; j < j1; j++) {
+            const auto at = static_cast<int64_t>(keys.m[j]);
+            ring.add(key + at, a, j);
+            ring.add(next_key + at, b, j);
+        }
+    }
+    for (; i < i1; i++) {
         const auto key = static_cast<int64_t>(keys.n[i]);
         if (!e.square) {
             auto a = ring.left(i);
