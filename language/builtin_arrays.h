@@ -8,17 +8,22 @@
 namespace tolvex {
 /// The array of an argument [a], ([a], ...) or [a[..]].
 struct ArrayArgument {
-    arrptr a;        // the array itself
-    arrptr named;    // the record of the name: an alias, perhaps
-    tokentipe name;  // as it was written
-    bool open;       // "(" stands in front of it
-    bool block;      // a part of it
-    Block b;         // that part, else all of it
+    arrptr a;             // the array itself
+    ElementTarget first;  // its first element: name and stamp when it was read
+    arrptr named;         // the record of the name: an alias, perhaps
+    tokentipe name;       // as it was written
+    bool open;            // "(" stands in front of it
+    bool block;           // a part of it
+    Block b;              // that part, else all of it
 };
 /// Reads over the name of the function and the array, up to and over its "]". False after an error.
 bool read_command(BuiltinCall& call, ArrayArgument* x);
 /// The same for further arguments: from the "[".
 bool read_command_1(BuiltinCall& call, ArrayArgument* x);
+/// To be called before the array is used when statements may have run since it was read: in a later argument,
+/// or at a level that an interrupt has opened. False after error 28: it has gone or has another shape; 244: a
+/// part of an array that has become sparse.
+bool is_still_there(const ArrayArgument& x);
 /// Reads over the ")" if there was a "(".
 void end_command(BuiltinCall& call, const ArrayArgument& x);
 /// To be called before elements change places: who holds one gets its value.

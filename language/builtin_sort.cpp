@@ -1,4 +1,5 @@
 // Sort and Synth: rows of arrays in order, and as sets.
+#include "language/array_operand.h"
 #include "language/builtin_arrays.h"
 #include "language/builtin_table.h"
 #include "matrix/matrix_modes.h"
@@ -93,11 +94,13 @@ int32_t compare_values(const quolynode* x, const quolynode* y) {
 // ---- merging -------------------------------------------------------------------------------------------
 
 namespace {
-/// What is sorted: rows of a dense part, or rows of entries.
+/// What is sorted: rows of a dense part, or rows of entries. Both are borrowed: at a level that an interrupt
+/// opens meanwhile the array may change.
 struct RowOrder {
     int32_t (*compare)(const RowOrder& order, int32_t i, int32_t j);
-    const ArrayArgument* dense;
-    colm_ptr* heads;
+    const quoly* first;  // dense: the first element of the part, with the rows of the whole array
+    int64_t rows, cols;
+    colm_ptr* heads;  // of entries
 };
 }  // namespace
 
@@ -124,9 +127,9 @@ static quolyptr part_slot(const ArrayArgument& x, int64_t r, int64_t c) {
 }
 
 static int32_t compare_dense_rows(const RowOrder& order, int32_t i, int32_t j) {
-    const ArrayArgument& x = *order.dense;
-    for (int64_t c = 0; c < x.b.cols; c++) {
-        int32_t by = compare_values(*part_slot(x, i, c), *part_slot(x, j, c));
+    for (int64_t c = 0; c < order.cols; c++) {
+        const quoly* column = order.first + c * order.rows;
+        int32_t by = compare_values(column[i], column[j]);
         if (by != 0) return by;
     }
     return 0;
@@ -156,29 +159,36 @@ static bool all_have_values(const ArrayArgument& x) {
 }
 
 static void sort_dense(const ArrayArgument& x) {
+    ArrOperand v;
     if (!all_have_values(x)) {
         error(Err::sort_empty_element);
         return;
     }
+    if (!begin_operand(v)) return;
+    borrow_array(v, x.a, nullptr, x.name);
     auto n = static_cast<int32_t>(x.b.rows);
     ScratchMark mark = scratch_mark();
     auto* rows = scratch_array<int32_t>(n);
     auto* spare = scratch_array<int32_t>(n);
     auto* column = scratch_array<quoly>(n);
-    merge_sort({compare_dense_rows, &x, nullptr}, rows, spare, n);
-    about_to_move(x.a);
-    for (int64_t c = 0; c < x.b.cols; c++) {
-        for (int32_t r = 0; r < n; r++) column[r] = *part_slot(x, rows[r], c);
-        for (int32_t r = 0; r < n; r++) *part_slot(x, r, c) = column[r];
+    const quoly* first = elements_of(v) + x.b.first_row + x.b.first_col * v.facts.rows;
+    merge_sort({compare_dense_rows, first, v.facts.rows, x.b.cols, nullptr}, rows, spare, n);
+    end_operand(v);
+    if (is_still_there(x) && x.a->spar == nullptr) {
+        about_to_move(x.a);
+        for (int64_t c = 0; c < x.b.cols; c++) {
+            for (int32_t r = 0; r < n; r++) column[r] = *part_slot(x, rows[r], c);
+            for (int32_t r = 0; r < n; r++) *part_slot(x, r, c) = column[r];
+        }
     }
     scratch_release(mark);
 }
 
-/// heads := the rows of the array. False after error 370.
-static bool collect_rows(const arrnode* a, colm_ptr* heads) {
-    SparseWalk w = walk_sparse(a->spar, a->rows);
+/// heads := the rows of the chain. False after error 370, unless empty rows are allowed.
+static bool collect_rows(sparseptr chain, int32_t rows, colm_ptr* heads, bool empty_too) {
+    SparseWalk w = walk_sparse(chain, rows);
     while (colm_ptrptr row = next_row(w)) {
-        if (*row == nullptr) {
+        if (*row == nullptr && !empty_too) {
             error(Err::empty_row);
             return false;
         }
@@ -187,16 +197,54 @@ static bool collect_rows(const arrnode* a, colm_ptr* heads) {
     return true;
 }
 
-static void sort_sparse(arrptr a) {
+namespace {
+/// Sparse rows in order. One sort at a time: what an interrupted one has begun is finished first.
+struct SortedRows {
+    colm_ptr* heads;
+    int32_t* rows;
+    int32_t count;
+};
+boolean using_spsort = 0;
+}  // namespace
+
+/// The rows of a borrowed sparse matrix, in scratch memory. False after error 370, 371 or 372.
+static bool sort_rows_of(const ArrOperand& v, SortedRows* s) {
+    constexpr int32_t k_most_rows = 10239999;
+    Err fault = using_spsort                 ? Err::sort_running
+                : v.facts.rows > k_most_rows ? Err::sort_too_many_rows
+                                             : Err{};
+    if (fault != Err{}) {
+        error(fault);
+        return false;
+    }
+    s->count = v.facts.rows;
+    s->heads = scratch_array<colm_ptr>(s->count);
+    s->rows = scratch_array<int32_t>(s->count);
+    auto* spare = scratch_array<int32_t>(s->count);
+    if (!collect_rows(v.spar, s->count, s->heads, false)) return false;
+    Unfinished u;
+    begin_unfinished(
+        u, [](void* running) { *static_cast<boolean*>(running) = 0; }, &using_spsort);
+    using_spsort = 1;
+    merge_sort({compare_sparse_rows, nullptr, 0, 0, s->heads}, s->rows, spare, s->count);
+    using_spsort = 0;
+    end_unfinished(u);
+    return true;
+}
+
+static void sort_sparse(const ArrayArgument& x) {
+    ArrOperand v;
+    if (!begin_operand(v)) return;
+    borrow_array(v, x.a, nullptr, x.name);
     ScratchMark mark = scratch_mark();
-    about_to_move(a);
-    auto* heads = scratch_array<colm_ptr>(a->rows);
-    auto* rows = scratch_array<int32_t>(a->rows);
-    auto* spare = scratch_array<int32_t>(a->rows);
-    if (collect_rows(a, heads)) {
-        merge_sort({compare_sparse_rows, nullptr, heads}, rows, spare, a->rows);
-        SparseWalk w = walk_sparse(a->spar, a->rows);
-        while (colm_ptrptr row = next_row(w)) *row = heads[rows[w.row]];
+    SortedRows s;
+    bool sorted = sort_rows_of(v, &s);
+    end_operand(v);
+    if (sorted && is_still_there(x)) {
+        about_to_move(x.a);
+        collect_rows(x.a->spar, s.count, s.heads, true);
+        SparseWalk w = walk_sparse(x.a->spar, s.count);
+        while (colm_ptrptr row = next_row(w)) *row = s.heads[s.rows[w.row]];
     }
     scratch_release(mark);
 }
@@ -207,30 +255,14 @@ void builtin_Sort(BuiltinCall& call) {
     quoly_set(0, call.n);
     if (!read_command(call, &x)) return;
     end_command(call, x);
-    x.a->spar != nullptr ? sort_sparse(x.a) : sort_dense(x);
+    x.a->spar != nullptr ? sort_sparse(x) : sort_dense(x);
 }
 
 // ---- Synth ---------------------------------------------------------------------------------------------
 
 namespace {
-/// The rows of one operand in order.
-struct SortedRows {
-    colm_ptr* heads;
-    int32_t* rows;
-    int32_t count;
-};
 enum SetKind : int32_t { k_both, k_either, k_all };
 }  // namespace
-
-static bool sort_rows_of(const arrnode* a, SortedRows* s) {
-    s->count = a->rows;
-    s->heads = scratch_array<colm_ptr>(a->rows);
-    s->rows = scratch_array<int32_t>(a->rows);
-    auto* spare = scratch_array<int32_t>(a->rows);
-    if (!collect_rows(a, s->heads)) return false;
-    merge_sort({compare_sparse_rows, nullptr, s->heads}, s->rows, spare, a->rows);
-    return true;
-}
 
 /// out := the rows of the combination, in order; their number.
 static int32_t combine_rows(const SortedRows& x, const SortedRows& y, SetKind kind, colm_ptr* out) {
@@ -261,16 +293,58 @@ static colm_ptr copy_row(const colnode* p) {
     return head;
 }
 
-static void become_rows(arrptr a, colm_ptr* out, int32_t n) {
-    int64_t cols = columns_of(a);
-    int32_t rows = n > 0 ? n : 1;
+/// A chain of copies of the rows; of one empty row if there is none.
+static sparseptr chain_of_rows(colm_ptr* out, int32_t n) {
     sparseptr chain = nullptr;
-    sparse_init(&chain, rows);
-    SparseWalk w = walk_sparse(chain, rows);
-    while (colm_ptrptr row = next_row(w))
-        if (w.row < n) *row = copy_row(out[w.row]);
-    release_elements(a);
-    reshape_array(a, rows, cols, cols == 1 && a->linear, chain);
+    sparse_init(&chain, n > 0 ? n : 1);
+    SparseWalk w = walk_sparse(chain, n);
+    while (colm_ptrptr row = next_row(w)) *row = copy_row(out[w.row]);
+    return chain;
+}
+
+/// *chain := the rows of the combination of two borrowed matrices; their number, -1 after an error.
+static int32_t combine(const ArrOperand& a, const ArrOperand& b, SetKind kind, sparseptr* chain) {
+    ScratchMark mark = scratch_mark();
+    SortedRows s, t;
+    int32_t n = -1;
+    if (sort_rows_of(a, &s) && sort_rows_of(b, &t)) {
+        auto* out = scratch_array<colm_ptr>(int64_t{s.count} + t.count);
+        n = combine_rows(s, t, kind, out);
+        *chain = chain_of_rows(out, n);
+    }
+    scratch_release(mark);
+    return n;
+}
+
+/// What Synth refuses.
+static Err fault_of(const ArrayArgument& x, const ArrayArgument& y, int64_t k) {
+    if (x.a->spar == nullptr || y.a->spar == nullptr) return Err::sparse_needed;
+    if (k < 0 || k > 2) return Err::synth_kind;
+    return columns_of(x.a) != columns_of(y.a) ? Err::shapes_differ : Err{};
+}
+
+static void synthesize(BuiltinCall& call, const ArrayArgument& x, const ArrayArgument& y, SetKind kind) {
+    ArrOperand a, b;
+    sparseptr chain = nullptr;
+    int32_t n = -1;
+    if (!begin_operand(a)) return;
+    if (begin_operand(b)) {
+        borrow_array(a, x.a, nullptr, x.name);
+        borrow_array(b, y.a, nullptr, y.name);
+        n = combine(a, b, kind, &chain);
+        end_operand(b);
+    }
+    end_operand(a);
+    if (n < 0) return;
+    if (!is_still_there(x)) {
+        free_sparse(&chain, n > 0 ? n : 1, 1);
+        return;
+    }
+    int64_t cols = columns_of(x.a);
+    about_to_move(x.a);
+    release_elements(x.a);
+    reshape_array(x.a, n > 0 ? n : 1, cols, cols == 1 && x.a->linear, chain);
+    return_word(call, n);
 }
 
 /// Synth([a], [b], k): [a] becomes the rows of both (k = 0), of either (1), or all rows of both (2).
@@ -285,23 +359,10 @@ void builtin_Synth(BuiltinCall& call) {
                 read_plain_integer(call.inf, call.flag, Err::number_expected, &k);
     if (!read) return;
     close_call(call);
-    Err fault = x.a->spar == nullptr || y.a->spar == nullptr ? Err::sparse_needed
-                : k < 0 || k > 2                             ? Err::synth_kind
-                : columns_of(x.a) != columns_of(y.a)         ? Err::shapes_differ
-                                                             : Err{};
-    if (fault != Err{}) {
+    if (!is_still_there(x) || !is_still_there(y)) return;
+    if (Err fault = fault_of(x, y, k); fault != Err{})
         error(fault);
-        return;
-    }
-    ScratchMark mark = scratch_mark();
-    SortedRows s, t;
-    if (sort_rows_of(x.a, &s) && sort_rows_of(y.a, &t)) {
-        auto* out = scratch_array<colm_ptr>(int64_t{s.count} + t.count);
-        int32_t n = combine_rows(s, t, static_cast<SetKind>(k), out);
-        about_to_move(x.a);
-        become_rows(x.a, out, n);
-        return_word(call, n);
-    }
-    scratch_release(mark);
+    else
+        synthesize(call, x, y, static_cast<SetKind>(k));
 }
 }  // namespace tolvex

@@ -28,6 +28,7 @@ bool read_command_1(BuiltinCall& call, ArrayArgument* x) {
         next_token(call.inf, call.flag);
     }
     x->a = array_itself(x->named);
+    x->first = {x->a->name, x->a->time, 0};
     if (refuse_array_of_other_ring(x->a, x->name)) return false;
     x->block = at_char('[');
     arr_descr shape = {x->a->sizearr, x->a->rows};
@@ -46,6 +47,16 @@ bool read_command(BuiltinCall& call, ArrayArgument* x) {
     x->open = at_char('(');
     if (x->open) next_token(call.inf, call.flag);
     return read_command_1(call, x);
+}
+
+bool is_still_there(const ArrayArgument& x) {
+    if (array_of(x.first) != x.a)
+        error(Err::undefined_array, tok_text(x.name));
+    else if (x.block && x.a->spar != nullptr)
+        error(Err::sparse_block);
+    else
+        return true;
+    return false;
 }
 
 void end_command(BuiltinCall& call, const ArrayArgument& x) {
@@ -188,6 +199,7 @@ void builtin_Switch(BuiltinCall& call) {
                 read_plain_integer(call.inf, call.flag, Err::number_expected, &j);
     if (!read) return;
     close_call(call);
+    if (!is_still_there(x)) return;
     if (rows && x.a->linear) {
         error(Err::switch_rows_shape);
         return;
@@ -299,19 +311,39 @@ void kill_denominators(BuiltinCall& call) {
     });
 }
 
-/// *l := the least common multiple of *l and the denominator of q.
-static void multiply_in(quolyptr l, const quolynode* q) {
-    if (q->numb || q->denom == nullptr) return;
-    poll_interrupt();
-    poly p = nullptr;
-    quoly d = nullptr, g = nullptr;
-    poly_assign(q->denom, &p);
-    poly_to_quoly(&p, &d);
+/// *l := the least common multiple of *l and d, which is used up.
+static void multiply_in(quolyptr l, quoly d) {
+    quoly g = nullptr;
     gcd_of_values(*l, d, &g);
     fast_quoly_quot(&d, g, 0);
     fast_quoly_mult(l, d);
     free_quoly(&d);
     free_quoly(&g);
+}
+
+static void push_denominator(quolyptr chain, const quolynode* q) {
+    if (q->numb || q->denom == nullptr) return;
+    poly p = nullptr;
+    quoly d = nullptr;
+    poly_assign(q->denom, &p);
+    poly_to_quoly(&p, &d);
+    d->next = *chain;
+    *chain = d;
+}
+
+static quoly pop_value(quolyptr chain) {
+    quoly first = *chain;
+    *chain = first->next;
+    first->next = nullptr;
+    return first;
+}
+
+static void drop_values(void* chain) {
+    auto* values = static_cast<quolyptr>(chain);
+    while (*values != nullptr) {
+        quoly first = pop_value(values);
+        free_quoly(&first);
+    }
 }
 
 /// LCM[a]: the least common multiple of all denominators.
@@ -324,7 +356,15 @@ void builtin_LCM(BuiltinCall& call) {
         if (*call.flag == nullptr) fputs(" Warning.  LCM called in longint/modular mode.\n", stdout);
         return;
     }
-    for_part(x, [&](quolyptr slot) { multiply_in(call.n, *slot); });
+    quoly denominators = nullptr;  // copies: at a level that an interrupt opens the array may change
+    for_part(x, [&](quolyptr slot) { push_denominator(&denominators, *slot); });
+    Unfinished u;
+    begin_unfinished(u, drop_values, &denominators);
+    while (denominators != nullptr) {
+        poll_interrupt();
+        multiply_in(call.n, pop_value(&denominators));
+    }
+    end_unfinished(u);
 }
 
 static bool is_zero_operand(const ArrOperand& v) {

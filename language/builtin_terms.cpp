@@ -12,6 +12,9 @@
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_mult.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
+
+#include <cstdlib>
 namespace tolvex {
 // ---- Mons ----------------------------------------------------------------------------------------------
 
@@ -149,7 +152,7 @@ void builtin_Totdeg(BuiltinCall& call) {
                 read_plain_integer(call.inf, call.flag, Err::number_expected, &k);
     if (good) {
         close_call(call);
-        good = read_weights(x.a, &w);
+        good = is_still_there(x) && read_weights(x.a, &w);
     }
     const quolynode* q = value_of(&v);
     if (good && !q->numb && q->denom != nullptr)
@@ -180,8 +183,8 @@ static poly coefficient_of(const quolynode* q) {
     return c;
 }
 
-/// *sum += q x^k, x the first variable.
-static void add_product(quolyptr sum, const quolynode* q, int32_t k) {
+/// *sum += q x^k, x the first variable. q is used up.
+static void add_product(quolyptr sum, quoly q, int32_t k) {
     quoly product = nullptr;
     poly power = nullptr;
     base_poly(&power, 1);
@@ -190,8 +193,93 @@ static void add_product(quolyptr sum, const quolynode* q, int32_t k) {
         quoly_compute_power(&product, k);
     else
         quoly_set(1, &product);
-    fast_quoly_mult(&product, const_cast<quoly>(q));
+    fast_quoly_mult(&product, q);
+    free_quoly(&q);
     best_quoly_add(sum, product);
+}
+
+namespace {
+/// An element and its position in the array.
+struct Coefficient {
+    int64_t k;
+    quoly value;
+};
+/// Copies of the elements that are not 0, by rising k: sums and products have safe points, and at a level the
+/// array may change.
+struct Coefficients {
+    Coefficient* of;
+    int64_t count;
+    poly chain;  // the sum of those that are free of the first variable
+};
+}  // namespace
+
+static void drop_coefficients(void* what) {
+    auto* c = static_cast<Coefficients*>(what);
+    for (int64_t i = 0; i < c->count; i++) free_quoly(&c->of[i].value);
+    free_poly(&c->chain);
+}
+
+/// Error 196 for a denominator, 32 for a position that is no exponent.
+static Err take_coefficient(Coefficients& c, int64_t k, const quolynode* q) {
+    constexpr int64_t k_exponent_limit = 1 << 28;
+    if (q == nullptr || quoly_iszero(q)) return Err{};
+    if (!q->numb && q->denom != nullptr) return Err::rational_not_allowed;
+    if (k >= k_exponent_limit) return Err::exponent_too_long;
+    c.of[c.count] = {k, nullptr};
+    quoly_assign(q, &c.of[c.count++].value);
+    return Err{};
+}
+
+static int by_position(const void* a, const void* b) {
+    int64_t x = static_cast<const Coefficient*>(a)->k, y = static_cast<const Coefficient*>(b)->k;
+    return (x > y) - (x < y);
+}
+
+/// Gathers them in scratch memory.
+static Err gather_coefficients(const ArrayArgument& x, Coefficients& c) {
+    Err fault = Err{};
+    if (x.a->spar == nullptr) {
+        c.of = scratch_array<Coefficient>(x.b.rows * x.b.cols);
+        for (int64_t k = 0; fault == Err{} && k < x.b.rows * x.b.cols; k++) {
+            int64_t place = x.b.first_row + k % x.b.rows + (x.b.first_col + k / x.b.rows) * x.a->rows;
+            fault = take_coefficient(c, k, *dense_slot(x.a, static_cast<int32_t>(place)));
+        }
+        return fault;
+    }
+    c.of = scratch_array<Coefficient>(sparse_entries(x.a->spar, x.a->rows));
+    SparseWalk w = walk_sparse(x.a->spar, x.a->rows);
+    while (colm_ptrptr row = next_row(w))
+        for (const colnode* p = *row; fault == Err{} && p != nullptr; p = p->next)
+            fault = take_coefficient(c, w.row + int64_t{p->coord - 1} * x.a->rows, p->val);
+    qsort(c.of, static_cast<size_t>(c.count), sizeof *c.of, by_position);
+    return fault;
+}
+
+/// *sum := the sum of the coefficients times the powers; they are used up.
+static void add_up(Coefficients& c, quolyptr sum) {
+    for (int64_t i = 0; i < c.count; i++) {
+        poll_interrupt();
+        quoly value = c.of[i].value;
+        auto k = static_cast<int32_t>(c.of[i].k);
+        c.of[i].value = nullptr;
+        poly p = coefficient_of(value), term = nullptr;
+        if (p == nullptr) {
+            add_product(sum, value, k);
+            continue;
+        }
+        free_quoly(&value);
+        if (k == 0 && is_number(p))
+            term = p;
+        else
+            new_term(&term, k, p);
+        term->next = c.chain;
+        c.chain = term;
+    }
+    if (c.chain == nullptr) return;
+    fix_top(&c.chain);
+    quoly part = nullptr;
+    poly_to_quoly(&c.chain, &part);
+    best_quoly_add(sum, part);
 }
 
 /// Poly[a]: the sum of a_k x^k, x the variable of level 1, k from 0. What is free of x becomes one chain.
@@ -204,31 +292,15 @@ void builtin_Poly(BuiltinCall& call) {
         error(Err::no_polyvars);
         return;
     }
-    poly chain = nullptr;
-    for (int64_t k = 0; k < x.b.rows * x.b.cols; k++) {
-        int64_t place = x.b.first_row + k % x.b.rows + (x.b.first_col + k / x.b.rows) * x.a->rows;
-        const quoly* slot = place_slot(x.a, place);
-        if (slot == nullptr || *slot == nullptr || quoly_iszero(*slot)) continue;
-        if (!(*slot)->numb && (*slot)->denom != nullptr) {
-            error(Err::rational_not_allowed);
-            break;
-        }
-        poly c = coefficient_of(*slot), term = nullptr;
-        if (c == nullptr) {
-            add_product(call.n, *slot, static_cast<int32_t>(k));
-            continue;
-        }
-        if (k == 0 && is_number(c))
-            term = c;
-        else
-            new_term(&term, static_cast<int32_t>(k), c);
-        term->next = chain;
-        chain = term;
-    }
-    if (chain == nullptr) return;
-    fix_top(&chain);
-    quoly part = nullptr;
-    poly_to_quoly(&chain, &part);
-    best_quoly_add(call.n, part);
+    ScratchMark mark = scratch_mark();
+    Coefficients c = {nullptr, 0, nullptr};
+    Unfinished u;
+    begin_unfinished(u, drop_coefficients, &c);
+    Err fault = gather_coefficients(x, c);
+    if (fault == Err{}) add_up(c, call.n);
+    end_unfinished(u);
+    drop_coefficients(&c);
+    scratch_release(mark);
+    if (fault != Err{}) error(fault);
 }
 }  // namespace tolvex

@@ -272,6 +272,8 @@ enum class Err : int32_t {
     splice_power = 367,
     sort_empty_element = 369,
     empty_row = 370,
+    sort_running = 371,
+    sort_too_many_rows = 372,
     synth_kind = 373,
     file_not_opened = 374,
 };

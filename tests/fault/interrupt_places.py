@@ -6,8 +6,8 @@ usage: interrupt_places.py --tolvex PATH [--only REGEX] [--verbose]
 Scripts of several lines (definitions, control statements, comments, texts, continued lines, questions) are typed with an
 interrupt in front of each line in turn, over a pipe and a pseudo-terminal. At the level other definitions are typed. What
 the program writes without the level must be the same byte for byte as without the interrupt. Then: the time line of
-an interrupted statement, statements with modular arithmetic suspended, an output into a field that is given up, and
-computations that work modulo a prime inside.
+an interrupted statement, statements with modular arithmetic suspended, an output into a field that is given up, functions whose
+arrays change meanwhile, and computations that work modulo a prime inside.
 """
 import argparse
 import os
@@ -169,6 +169,43 @@ class Places:
             raise Broken(f"after outputs that were given up: {text!r}")
         self.end(session)
 
+    def arrays_in_use(self):
+        """What happens at a level to the arrays that a function is working on does no harm."""
+        setup = ["&(J = x, y)", "Func Q(k) = (k*7919|2003)/(3^400 + k).", "[e] := [<i=1,2000><j=1,2> Q(i + j)]:",
+                 "Array s[2000,3] Sparse:", "[s] := [<i=1,2000><j=1,3> Q(i*j)]:", "[u] := [<i=1,24><j=1,8> 1/(x^i - j*y)]:",
+                 "[v] := [<i=1,60><j=1,1> (x + i*y)^20]:"]
+        changes = {"e": ["e[1,1] := 5:", "[e] := [[7,8]]:", "[e[1~2,]] := 3:", "Sparse[e]:", "Rname[e] := '[ee]':", "Reverse[e]:",
+                         "@[e]"],
+                   "s": ["s[1,1] := 5:", "[s] := [[1, [1, 7]], [2, [2, 8]]]:", "STrans[s]:", "s[3,1] := 0:", "Reverse[s]:", "Sort[s]",
+                         "@[s]"],
+                   "u": ["u[1,1] := 5:", "[u] := [[7,8]]:", "Sparse[u]:", "Killden[u]:", "@[u]:"],
+                   "v": ["v[1] := 5:", "[v] := [[7,8]]:", "Sparse[v]:", "@[v]:"]}
+        for statement in ("Sort[e]", "Sort[s]", "Synth([s], [s], 1)", "Terms(LCM[u])", "Terms(Poly[v])"):
+            array = re.search(r"[esuv]", statement[statement.index("["):]).group()
+            for change in changes[array]:
+                session = self.start(False, setup)
+                session.send(statement)
+                time.sleep(0.03)
+                session.interrupt()
+                start = len(session.out)
+                session.send(change)
+                session.wait(lambda: re.search(rb"\n2?>$", bytes(session.out[start:])))
+                text = bytes(session.out[start:])
+                refused = not text.endswith(b"2>")  # an error goes back to level 1
+                if change.startswith(("@", "Sort")) and statement.startswith(("Sort", "Synth")) and not refused:
+                    raise Broken(f"{statement}, interrupted, lets {change} pass: {text!r}")
+                start = len(session.out)
+                if refused:
+                    session.level = 1
+                else:
+                    session.resume()
+                    session.wait(lambda: session.at_prompt(start))
+                for line in ("!([e]):", "!([s]):", "[w] := [[3,1][1,2]]:", "Sort[w]:"):
+                    session.say(line)
+                if b"\n 1\n" not in session.say("w[1,1]"):
+                    raise Broken(f"after {statement} with {change}: {bytes(session.out[-500:])!r}")
+                self.end(session)
+
     def other_ring(self):
         """Where a gcd works modulo a prime the level says so, and has the ring of the user."""
         setup = ["&(J = x, y, z)", "f := (x + 2*y - z + 3)^9:", "p := f*(x - y + 5*z)^9:", "q := f*(x + y + z - 1)^9:"]
@@ -203,7 +240,8 @@ def main():
     args.tolvex = os.path.abspath(args.tolvex)
     places = Places(args)
     try:
-        for step in (places.lines, places.time_line, places.suspended, places.worked_example, places.given_up_field, places.other_ring):
+        for step in (places.lines, places.time_line, places.suspended, places.worked_example, places.given_up_field, places.arrays_in_use,
+                     places.other_ring):
             if not re.search(args.only, step.__name__):
                 continue
             step()
