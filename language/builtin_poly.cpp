@@ -493,6 +493,14 @@ void builtin_Split(BuiltinCall& call) {
     quoly_set(0, call.n);
 }
 
+/// True if *high x^k has exponents that fit.
+static bool power_fits(const quolynode* high, int32_t k) {
+    if (high->numb) return true;
+    const polynode* p = high->numer;
+    while (p->exp == 0 && !p->numb && p->next == nullptr) p = p->pcoef;
+    return int64_t{p->exp} + k <= INT32_MAX;
+}
+
 /// *high := *high x^k + low, x the main variable of *high, or of low if *high is a number. low is used up.
 static void splice_poly(polyptrr high, poly low, int32_t k) {
     int32_t pads = is_number(*high) ? pads_of(low) : pads_of(*high);
@@ -521,6 +529,10 @@ void builtin_Splice(BuiltinCall& call) {
     if (k < 1) error(Err::splice_power);
     close_call(call);
     quolyptr p = polynomial_place(&a), q = polynomial_place(&b);
+    if (p != nullptr && !power_fits(*p, k)) {
+        error(Err::exponent_too_long);
+        p = nullptr;
+    }
     if (k >= 1 && p != nullptr && q != nullptr && number_polys > 0) {
         poly high = copy_of_value(*p), low = copy_of_value(*q);
         splice_poly(&high, low, k);

@@ -84,7 +84,7 @@ inline void word_value(int32_t word, quolyptr n) {
 /// Words of n that were computed with modular arithmetic suspended become residues.
 void reduce_words(quolyptr n);
 /// A factor read with modular arithmetic suspended; it must be a number (else `code`, then 0). Its word is
-/// returned, k_no_word if it has none.
+/// returned, INT32_MAX or k_no_word by its sign if it has none.
 int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expression);
 
 /// A factor that leaves the postfix signs behind it to what stands in front: 2^3^2 has no meaning, Sqrt(9)^2

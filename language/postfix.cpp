@@ -3,6 +3,7 @@
 #include "language/substitute.h"
 #include "language/tokens/look_ahead.h"
 #include "numbers/num_assign.h"
+#include "numbers/num_compare.h"
 #include "numbers/num_mult.h"
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
@@ -61,6 +62,7 @@ int32_t read_plain_word(FILE* inf, nameptr* flag, Err code, bool whole_expressio
         word = convert_to_int(value_of(&v)->ncoef);
     else
         error(code);
+    if (word == k_no_word && !lintmode && chain_sign(value_of(&v)->ncoef) > 0) word = INT32_MAX;
     release(&v);
     restore_modular(was_modular);
     return word;
