@@ -183,46 +183,56 @@ void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean
 // ---- contents in several variables
 // -------------------------------------------------------------------------
 
-/// Appends the coefficients of the variables of depth levels as terms of one chain; they are borrowed. False:
-/// one of them is a number.
-static bool collect_coefficients(poly p, int32_t depth, poly* list, int32_t* count) {
-    for (; p != nullptr; p = p->next) {
-        if (p->numb || is_number(p->pcoef)) return false;
-        if (depth == 1) {
-            poly rest = *list;
-            new_term(list, ++*count, p->pcoef);
-            (*list)->next = rest;
-        } else if (!collect_coefficients(p->pcoef, depth - 1, list, count)) {
-            return false;
-        }
-    }
-    return true;
+/// A variable record in front of pt, for a chain of coefficients that stand at the level of pt.
+static polydata level_above(polypt pt) {
+    polydata above = {};
+    above.next = pt;
+    above.depth = static_cast<int16_t>(pt->depth - 1);
+    return above;
 }
 
-/// Gives back the nodes alone.
-static void drop_borrowed(poly list) {
-    while (list != nullptr) {
-        poly next = list->next;
-        free_node(list);
-        list = next;
+/// Appends the coefficients of p as a polynomial in the levels lev to last, all at p's own level, as terms of
+/// one chain. False: one of them is a number.
+static bool collect_coefficients(const polynode* p, int32_t lev, int32_t last, poly* list, int32_t* count) {
+    if (is_number(p)) return false;
+    poly parts = split_by_level(p, lev);
+    bool polynomials = true;
+    for (poly* at = &parts; *at != nullptr && polynomials;) {
+        poly t = *at;
+        polynomials = !t->numb && !is_number(t->pcoef);
+        if (lev < last || !polynomials) {
+            polynomials = polynomials && collect_coefficients(t->pcoef, lev + 1, last, list, count);
+            at = &t->next;
+            continue;
+        }
+        *at = t->next;
+        t->exp = ++*count;
+        t->next = *list;
+        *list = t;
     }
+    free_poly(&parts);
+    return polynomials;
 }
 
 void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* wantr, boolean wantcons) {
     if (p->exp == 0) tolvex_error(" 0 exp head node in general_content");
     poly list = nullptr, s = nullptr;
-    int32_t count = 0;
-    if (!collect_coefficients(p, depth, &list, &count)) {
+    int32_t count = 0, last = quick_depth_below(p, pt->depth) + 1;
+    bool whole = last <= depth, number = !whole && !collect_coefficients(p, depth + 1, last, &list, &count);
+    whole = whole || (!number && count == 1);
+    if (number) {
         gcd_coefs(p, &s);
-    } else if (count == 1 && !*wantr) {
+    } else if (whole && !*wantr) {
         poly_set(1, &s);
         *wantr = 1;
+    } else if (list == nullptr) {
+        poly_assign(p, &s);
+        gcd_normal_form(&s);
     } else {
-        for (int32_t d = 1; d < depth; d++) pt = pt->next;
-        content(list, &s, pt, 0, wantcons, 1);
-        add_pad(&s, depth);
+        polydata above = level_above(pt);
+        content(list, &s, &above, 0, wantcons, 0);
     }
-    drop_borrowed(list);
+    free_poly(&list);
     give(r, s);
 }
 
@@ -234,9 +244,7 @@ poly content_in_level(poly p, int32_t lev, polypt pt) {
     }
     // the variable of that level above all others: its coefficients have the shape that is wanted
     poly split = split_by_level(p, lev);
-    polydata above = {};
-    above.next = pt;
-    above.depth = static_cast<int16_t>(pt->depth - 1);
+    polydata above = level_above(pt);
     content(split, &s, &above, 0, 1, 0);
     free_poly(&split);
     return s;

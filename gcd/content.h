@@ -21,9 +21,9 @@ void aux_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean 
 /// gcd of the coefficients of both; one level below pt.
 void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean allcons, boolean psave,
                   boolean qsave);
-/// Content with respect to the variables above relative level depth (1: the top level of p), padded to the
-/// shape of p. When *wantr is false on entry and there is a single coefficient: *r := 1 and *wantr := true, p
-/// is its own content up to a monomial.
+/// Content with respect to the variables below relative level depth (1: the top level of p): the gcd of the
+/// coefficients of p as a polynomial in those variables, at p's own level. When *wantr is false on entry and
+/// there is a single coefficient: *r := 1 and *wantr := true, p is its own content up to a monomial.
 void general_content(poly p, int16_t depth, polyptrr r, polypt pt, boolean* wantr, boolean wantcons);
 /// Content in the variable of relative level lev (1: that of pt): a fresh polynomial at the level of p, in
 /// the other variables, with a dummy for lev.

@@ -90,12 +90,6 @@ void polygcd(poly u, poly v, polyptrr r, boolean leave_early, boolean do_fast, b
         checked_gcd(u, v, r, leave_early, do_fast, allcons, pt, canreset);
 }
 
-poly gcd_fresh(poly u, poly v, polypt pt) {
-    poly g = nullptr;
-    polygcd(u, v, &g, 0, 1, 0, pt, 1, 1, 0);
-    return g;
-}
-
 // ---- entries -------------------------------------------------------------------------------------------
 
 enum class Promise { raw, checked };

@@ -20,8 +20,6 @@ struct WordGcdEnv {
 };
 /// Measures u and v, neither a number; the bounds are those of the operands.
 void open_operands(WordGcdEnv& env, poly u, poly v, polypt pt);
-/// gcd(u, v) in normal form, neither nil; 0 is allowed only as gcd(0, v) = content number of v.
-poly gcd_fresh(poly u, poly v, polypt pt);
 /// The gcd of the coefficients of the top chain of u, one level down, in normal form.
 poly content_fresh(poly u, polypt pt);
 /// Normal form of a gcd in the variables from pt on: positive leading number over Z, monic where the leading

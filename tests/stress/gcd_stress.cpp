@@ -348,6 +348,7 @@ static void raise_stack_limit(char** argv) {
 int main(int argc, char** argv) {
     raise_stack_limit(argv);
     read_options(argc, argv);
+    setvbuf(stdout, nullptr, _IOLBF, 0);
     set_up_once();
     use_variables(k_stress_variables);
     tally.assign(stress_families.size(), std::vector<Tally>(stress_rings.size()));
