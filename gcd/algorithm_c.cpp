@@ -5,7 +5,6 @@
 // With A, B two members and delta their gap in degree, the next member is prem(A, B) / (g h^delta), where the
 // pseudo-remainder carries all delta + 1 factors lc(B); then g := lc(B) and h := g^delta / h^(delta - 1). All
 // divisions are exact.
-#include "gcd/content.h"
 #include "gcd/engines.h"
 #include "gcd/polygcd.h"
 #include "gcd/word_gcd.h"
@@ -98,8 +97,7 @@ static void raise_variable(AlgorithmC& a, polyptrr p, polyptrr c) {
     base_poly(&x, 1);
     case_two(*p, p, static_cast<int16_t>(a.swaplev + 1), x, a.pt);
     free_poly(&x);
-    content(*p, c, a.pt, 0, 1, 1);
-    remove_content(p, *c, a.pt);
+    take_out_content(p, c, a.pt, 1);
 }
 
 /// A small leading coefficient keeps the whole sequence small. Factors free of the new variable would be
@@ -278,8 +276,7 @@ void algorithm_c(polygcd_EnvRec& env) {
         r = c.v;
         c.v = nullptr;
         poly s = nullptr;
-        content(r, &s, c.pt, 0, 1, 1);
-        remove_content(&r, s, c.pt);
+        take_out_content(&r, &s, c.pt, 1);
         free_poly(&s);
     }
     if (c.swaplev > 1) lower_variable(c, &r);

@@ -270,6 +270,7 @@ void gcd_call(poly u, poly v, polyptrr r, boolean leave_early, boolean do_fast, 
     env.gcdexp = 1;
     run_steps(env);
     check_uv(env);
+    if (gcd_fault != nullptr && !gcd_sure) gcd_fault(&result, pt);
     if (leave_early) early_form(&result);
     free_poly(r);
     *r = result;

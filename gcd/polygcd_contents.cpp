@@ -28,6 +28,28 @@ static bool quotient(poly p, poly s, polyptrr q, polypt pt) {
     return !failed;
 }
 
+// *p := *p / c, c one level down. False: it does not divide.
+static bool divide_out(polyptrr p, const polynode* c, polypt pt) {
+    poly padded = nullptr, q = nullptr;
+    poly_assign(c, &padded);
+    add_pad(&padded, 1);
+    bool divides = quotient(*p, padded, &q, pt);
+    free_poly(&padded);
+    if (!divides) return false;
+    free_poly(p);
+    *p = q;
+    return true;
+}
+
+void take_out_content(polyptrr p, polyptrr c, polypt pt, boolean allcons) {
+    content(*p, c, pt, 0, allcons, 1);
+    if (poly_eq_1(*c) || divide_out(p, *c, pt)) return;
+    GcdCounters saved = begin_sure();
+    content(*p, c, pt, 0, 0, 1);
+    gcd_counters_restore(saved);
+    if (!divide_out(p, *c, pt)) tolvex_error("content does not divide in polygcd.");
+}
+
 // *p := *p / s, s one level down and not 1. False: it does not divide, so it is no content.
 static bool divide_by_content(poly* p, GcdOperand& side, poly s, polypt pt) {
     if (is_number(s)) {

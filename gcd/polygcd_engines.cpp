@@ -1,5 +1,4 @@
 // Steps of polygcd that commit to an engine, and the tests and the stash in front of each.
-#include "gcd/content.h"
 #include "gcd/engines.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/num_content.h"
@@ -7,14 +6,12 @@
 #include "gcd/word_gcd.h"
 #include "gcd/word_lane.h"
 #include "poly/div_field.h"
-#include "poly/div_general.h"
 #include "poly/div_trial.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_monic.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
 #include "poly/size_estimates.h"
-#include "storage/failure.h"
 namespace tolvex {
 static bool finish_with_v(polygcd_EnvRec& env) {
     poly g = nullptr;
@@ -154,16 +151,8 @@ bool remainder_sequence(polygcd_EnvRec& env) {
     if (is_number(*env.r) || (*env.r)->exp == 0) {
         poly_set(1, env.r);
     } else if (!env.leave_early) {
-        poly c = nullptr, q = nullptr;
-        content(*env.r, &c, env.pt, 0, 0, 1);
-        if (!poly_eq_1(c)) {
-            boolean failed = 0;
-            add_pad(&c, 1);
-            gen_poly_divide(*env.r, c, &q, env.pt, &failed);
-            if (failed) tolvex_error("content does not divide in polygcd.");
-            free_poly(env.r);
-            *env.r = q;
-        }
+        poly c = nullptr;
+        take_out_content(env.r, &c, env.pt, 0);
         free_poly(&c);
     }
     return finish_4(env);

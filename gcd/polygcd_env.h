@@ -68,6 +68,10 @@ inline constexpr int32_t k_gcd_steps = 35;
 inline int64_t gcd_ended_by[k_gcd_steps] = {};
 const char* gcd_step_name(int32_t step);
 
+/// What may go wrong at any call outside of sure mode: nil, or the test's routine that spoils a result as an
+/// unlucky point does (a multiple of the gcd) and sets gcd_unproved.
+inline void (*gcd_fault)(polyptrr g, polypt pt) = nullptr;
+
 // ---- what the steps share ----
 /// The whole call on fresh operands, one frame deeper.
 void gcd_call(poly u, poly v, polyptrr r, boolean leave_early, boolean do_fast, boolean allcons, polypt pt,
@@ -79,6 +83,9 @@ inline boolean is_outermost() { return gcd_nesting == gcd_outer + 1; }
 bool fast_test_2(int16_t i, int32_t* expo, bool* valid, polygcd_EnvRec& env);
 /// Shall basic_mod_method be tried?
 bool do_mod_method_now(poly u, poly v, int32_t expo);
+/// *p := *p without its content in pt, which goes to *c. A content that does not divide rests on a nested gcd
+/// that was wrong: then it is computed again, relying on nothing.
+void take_out_content(polyptrr p, polyptrr c, polypt pt, boolean allcons);
 // polygcd_finish.cpp
 void own_chain(poly* p, GcdOperand& side);  ///< from here on the top chain of *p may be changed
 void own_tree(poly* p, GcdOperand& side);   ///< ... all of it
