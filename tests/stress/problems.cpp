@@ -2,6 +2,7 @@
 
 #include "gcd/gcd_modes.h"
 #include "gcd/gcd_stash.h"
+#include "gcd/polygcd_env.h"
 #include "numbers/num_compare.h"
 #include "numbers/number_modes.h"
 #include "numbers/primes.h"
@@ -346,6 +347,7 @@ const std::vector<StressFamily> stress_families = {
 
 void default_settings() {
     gcd_counters_clear();
+    gcd_fault = nullptr;
     initial_memory = 1 << 26;  // room for the stash
     word_engines = chinhensel = try_rat = rat_yes = hen_check = 1;
     trial_cutoff = 25;
@@ -382,18 +384,35 @@ struct Costs {
 }  // namespace
 
 // The last remainders fill a box of coefficients whose degrees, and over Z whose lengths, are those of the
-// operands times their degrees in the main variable.
+// operands times their degrees in the main variable, which may be any.
 static Costs costs_of(poly u, poly v) {
-    double main = std::max(u->exp, v->exp), box = main * main, images = 1;
-    for (int32_t level = 2; level <= k_stress_variables; level++) {
+    double main = 0, box = 1, images = 1;
+    std::vector<int32_t> degree;
+    for (int32_t level = 1; level <= k_stress_variables; level++) {
         int32_t du = k_no_degree, dv = k_no_degree;
         max_degree(u, level, &du);
         max_degree(v, level, &dv);
-        if (du > 0 || dv > 0) box *= 1 + main * (std::max(du, 0) + std::max(dv, 0));
+        degree.push_back(std::max(du, 0) + std::max(dv, 0));
+        main = std::max(main, static_cast<double>(std::max(du, dv)));
         if (du > 0 && dv > 0) images *= std::min(du, dv) + 1;
     }
+    for (int32_t d : degree) box *= 1 + main * d;
     double digits = modularmode ? 1 : 1 + std::max(max_digits(u), max_digits(v)) / 28.0 * main;
     return {box * digits, images * digits};
+}
+
+static int32_t fault_rate, fault_limit;  // one call in so many goes wrong, up to so many
+static Rng fault_rng;
+
+// Times x + c, as an unlucky point would have it.
+static void spoil(polyptrr g, polypt pt) {
+    if (pt == nullptr || fault_limit == 0 || random_int(fault_rng, 1, fault_rate) != 1) return;
+    fault_limit--;
+    poly x = nullptr;
+    base_poly(&x, pt->next == nullptr ? 1 : random_int(fault_rng, 1, 2));
+    best_poly_add(x, constant(random_int(fault_rng, 1, 3)), &x);
+    times(g, x);
+    gcd_unproved = 1;
 }
 
 std::string permuted_settings(const StressProblem& p, Rng& rng) {
@@ -420,6 +439,12 @@ std::string permuted_settings(const StressProblem& p, Rng& rng) {
     c.choose("hgcd_cut", hgcd_cut, {10, 11000});
     c.choose("poly_cutoff", poly_cutoff, {4, 80});
     c.choose("abandoned", alg_c_count, {0, 0, 3});
+    c.choose("faults", fault_rate, {0, 0, 0, 0, 1, 5, 30});
+    if (fault_rate > 0) {
+        fault_limit = 10;
+        fault_rng.seed(rng());
+        gcd_fault = spoil;
+    }
     c.choose("stash", stash, {0, 0, 1});
     if (stash) {
         init_gcd_stash();
