@@ -40,6 +40,7 @@ static poly normalising_factor(const polynode* a, polypt level) {
 }
 
 bool tower_normalise(polyptrr r, polypt pt, polyptrr factor) {
+    if (lintmode && !modularmode) return false;  // words that wrap: nothing is known of them
     polypt level;
     const polynode* a = leading_element(*r, pt, &level);
     poly f = normalising_factor(a, level);

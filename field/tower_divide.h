@@ -5,6 +5,7 @@
 ///            in the order of the levels); from there on only numbers are divided by. Over Q a multiplier c
 ///            keeps everything in integers.
 /// Ownership  operands are kept, results fresh.
+/// Modes      rational or modular; words outside the modular ring have no inverses.
 #include "poly/poly.h"
 namespace tolvex {
 /// The leading field element of p, in the variables from pt on: first coefficients down to the field. Part of

@@ -1,5 +1,6 @@
 #include "session/polyvars.h"
 
+#include "field/field_modes.h"
 #include "field/modding.h"
 #include "gcd/gcd_stash.h"
 #include "language/array_values.h"
@@ -20,6 +21,7 @@
 #include "storage/failure.h"
 
 #include <cstdio>
+#include <initializer_list>
 namespace tolvex {
 namespace {
 /// One item of the list, read up to the token behind it.
@@ -145,7 +147,11 @@ template <class Act> static void in_ring_of(Removal& r, int32_t ring, Act act) {
     RingState now = ring_capture();
     force_ring(ring);
     r.value = image;
+    // Modding polynomials that stand in residues mean nothing there; who comes back is reduced then.
+    const bool foreign = tower_ring > 0 && tower_ring != ring;
+    if (foreign) suspend_modding();
     act();
+    if (foreign) resume_modding();
     free_quoly(&image);
     ring_assign(now);
     r.value = value;
@@ -171,14 +177,16 @@ static void take_level_out_of_away(Removal& r) {
 /// True if a modding polynomial contains the variable of that level: a level above it.
 static bool stands_in_modding(int32_t level) {
     for (polypt v = polynames; v != nullptr && v->depth < level; v = v->next)
-        if (v->p != nullptr && poly_contains_level(v->p, level - v->depth + 1)) return true;
+        for (const polynode* p : {v->p, v->rational_p})
+            if (p != nullptr && poly_contains_level(p, level - v->depth + 1)) return true;
     return false;
 }
 
 /// It occurs in none of them.
 static void take_level_out_of_modding(int32_t level) {
     for (polypt v = polynames; v != nullptr && v->depth < level; v = v->next)
-        if (v->p != nullptr) remove_one(&v->p, level - v->depth + 1);
+        for (poly* p : {&v->p, &v->rational_p})
+            if (*p != nullptr) remove_one(p, level - v->depth + 1);
 }
 
 static bool remove_variable(PolyItem& item) {
