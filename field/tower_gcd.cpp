@@ -150,12 +150,97 @@ static bool primitive_sequence(polyptrr a, polyptrr b, polypt pt) {
     }
 }
 
+/// out := the element that p, in the variables from pt on, has for its value where the ordinary ones take the
+/// words of `point` (by level).
+static void element_at(const polynode* p, polypt pt, const uint32_t* point, uint32_t* out) {
+    poll_interrupt();
+    const TowerWords& t = tower_words();
+    const int64_t size = t.at[t.height].size;
+    if (p->numb && p->next == nullptr) {
+        tw_set(t, t.height, static_cast<uint32_t>(p->ncoef->lint), out);
+        return;
+    }
+    if (pt->depth >= field_depth) {
+        (void)tw_from_poly(t, t.height, p, out);
+        return;
+    }
+    tw_set(t, t.height, 0, out);
+    ScratchMark mark = scratch_mark();
+    auto* c = scratch_array<uint32_t>(size);
+    for (; p != nullptr; p = p->next) {
+        if (p->numb)
+            tw_set(t, t.height, static_cast<uint32_t>(p->ncoef->lint), c);
+        else
+            element_at(p->pcoef, pt->next, point, c);
+        (void)tower_words();
+        tw_add(t, t.height, out, c, out);
+        const int32_t gap = p->exp - (p->next != nullptr ? p->next->exp : 0);
+        const uint32_t power = wf_power(t.f, point[pt->depth], static_cast<uint64_t>(gap));
+        for (int64_t i = 0; i < size; i++) out[i] = wf_mul(t.f, out[i], power);
+    }
+    scratch_release(mark);
+}
+
+/// The image of the chain p in its main variable; false: its degree is lost.
+static bool image_in_main(const polynode* p, polypt pt, const uint32_t* point, uint32_t* out) {
+    const int64_t size = tower_words().at[tower_words().height].size;
+    const int32_t degree = p->exp;
+    scratch_clear(out, static_cast<size_t>((degree + 1) * size) * sizeof(uint32_t));
+    for (; p != nullptr; p = p->next) {
+        uint32_t* at = out + p->exp * size;
+        if (p->numb)
+            *at = static_cast<uint32_t>(p->ncoef->lint);
+        else
+            element_at(p->pcoef, pt->next, point, at);
+    }
+    return !tw_iszero(tower_words(), tower_words().height, out + degree * size);
+}
+
+/// The degree of the gcd in the main variable is at most this: by images at points for the other variables. 0
+/// is exact.
+static int32_t degree_bound(poly u, poly v, polypt pt) {
+    constexpr int32_t k_points = 3;
+    int32_t bound = minn(u->exp, v->exp);
+    const int64_t size = tower_words().at[tower_words().height].size;
+    for (int32_t i = 0; i < k_points && bound > 0; i++) {
+        uint32_t point[k_levels];
+        for (uint32_t& x : point) x = wf_random_unit(tower_words().f);
+        ScratchMark mark = scratch_mark();
+        auto *a = scratch_array<uint32_t>((u->exp + 1) * size),
+             *b = scratch_array<uint32_t>((v->exp + 1) * size);
+        uint32_t* g = nullptr;
+        int32_t degree = -1;
+        if (image_in_main(u, pt, point, a) && image_in_main(v, pt, point, b))
+            degree = u->exp >= v->exp ? tw_gcd(a, u->exp, b, v->exp, &g) : tw_gcd(b, v->exp, a, u->exp, &g);
+        scratch_release(mark);
+        if (degree >= 0) bound = minn(bound, degree);
+    }
+    return bound;
+}
+
+/// a and b are primitive and monic: their gcd is left in *a, by what the images promise.
+static bool gcd_of_primitives(polyptrr a, polyptrr b, int32_t bound, polypt pt) {
+    if (bound == 0) {
+        poly_set(1, a);
+        return true;
+    }
+    if ((*a)->exp < (*b)->exp) std::swap(*a, *b);
+    poly q = nullptr;
+    if (bound == (*b)->exp && tower_divide(*a, *b, &q, pt)) {
+        free_poly(&q);
+        std::swap(*a, *b);
+        return true;
+    }
+    return primitive_sequence(a, b, pt);
+}
+
 static bool gcd_by_sequence(poly u, poly v, polyptrr g, polypt pt) {
+    const int32_t bound = degree_bound(u, v, pt);
     poly a = nullptr, b = nullptr, cu = nullptr, cv = nullptr, c = nullptr;
     poly_assign(u, &a);
     poly_assign(v, &b);
     bool good = make_primitive(&a, &cu, pt) && make_primitive(&b, &cv, pt) &&
-                gcd_in_words(cu, cv, &c, pt->next) && primitive_sequence(&a, &b, pt);
+                gcd_in_words(cu, cv, &c, pt->next) && gcd_of_primitives(&a, &b, bound, pt);
     if (good) {
         add_pad(&c, 1);
         poly_mult(a, c, g, pt);
