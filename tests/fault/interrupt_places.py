@@ -169,11 +169,24 @@ class Places:
             raise Broken(f"after outputs that were given up: {text!r}")
         self.end(session)
 
+    def interrupted(self, setup, statement):
+        """a session at a level that was opened inside the statement"""
+        for wait in (0.03, 0.01, 0.003, 0.001):
+            session = self.start(False, setup)
+            start = len(session.out)
+            session.send(statement)
+            time.sleep(wait)
+            session.interrupt()
+            if not re.search(rb"\n \d+\n", bytes(session.out[start:])):  # its value is not there yet
+                return session
+            self.end(session)
+        raise Broken(f"{statement} is over too soon to be interrupted")
+
     def arrays_in_use(self):
         """What happens at a level to the arrays that a function is working on does no harm."""
         setup = ["&(J = x, y)", "Func Q(k) = (k*7919|2003)/(3^400 + k).", "[e] := [<i=1,2000><j=1,2> Q(i + j)]:",
                  "Array s[2000,3] Sparse:", "[s] := [<i=1,2000><j=1,3> Q(i*j)]:", "[u] := [<i=1,24><j=1,8> 1/(x^i - j*y)]:",
-                 "[v] := [<i=1,60><j=1,1> (x + i*y)^20]:"]
+                 "[v] := [<i=1,3000><j=1,1> (x + i*y)^40]:"]
         changes = {"e": ["e[1,1] := 5:", "[e] := [[7,8]]:", "[e[1~2,]] := 3:", "Sparse[e]:", "Rname[e] := '[ee]':", "Reverse[e]:",
                          "@[e]"],
                    "s": ["s[1,1] := 5:", "[s] := [[1, [1, 7]], [2, [2, 8]]]:", "STrans[s]:", "s[3,1] := 0:", "Reverse[s]:", "Sort[s]",
@@ -183,10 +196,7 @@ class Places:
         for statement in ("Sort[e]", "Sort[s]", "Synth([s], [s], 1)", "Terms(LCM[u])", "Terms(Poly[v])"):
             array = re.search(r"[esuv]", statement[statement.index("["):]).group()
             for change in changes[array]:
-                session = self.start(False, setup)
-                session.send(statement)
-                time.sleep(0.03)
-                session.interrupt()
+                session = self.interrupted(setup, statement)
                 start = len(session.out)
                 session.send(change)
                 session.wait(lambda: re.search(rb"\n2?>$", bytes(session.out[start:])))
