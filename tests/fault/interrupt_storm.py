@@ -282,6 +282,8 @@ class Storm:
         """Looks around at a level, and leaves it."""
         for _ in range(self.rng.randrange(3)):
             lines = AT_LEVELS + (WITH_VARIABLES if "&(J = x, y, z, t)" in job.setup else [])
+            if "&(p = 30030)" in job.setup:  # errors 85 there would give the computation up
+                lines = [line for line in lines if "GCD" not in line and "/(x^2" not in line]
             session.say(self.rng.choice(lines))
         if job.operands and self.rng.random() < 0.4:
             name = self.rng.choice(job.operands)
