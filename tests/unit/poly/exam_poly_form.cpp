@@ -373,6 +373,8 @@ struct Slugs {
     int64_t nodes, numbers, digits;
 };
 Slugs drawn_by(const std::function<void()>& work) {
+    while (free_waiting(INT32_MAX)) {
+    }
     poly held_nodes = polygarb;
     imptr held_numbers = imhead;
     numptr held_digits = numhead;
