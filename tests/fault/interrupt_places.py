@@ -185,7 +185,7 @@ class Places:
     def arrays_in_use(self):
         """What happens at a level to the arrays that a function is working on does no harm."""
         setup = ["&(J = x, y)", "Func Q(k) = (k*7919|2003)/(3^400 + k).", "[e] := [<i=1,2000><j=1,2> Q(i + j)]:",
-                 "Array s[2000,3] Sparse:", "[s] := [<i=1,2000><j=1,3> Q(i*j)]:", "[u] := [<i=1,24><j=1,8> 1/(x^i - j*y)]:",
+                 "Array s[2000,3] Sparse:", "[s] := [<i=1,2000><j=1,3> Q(i*j)]:", "[u] := [<i=1,10><j=1,8> 1/(x^i - j*y)]:",
                  "[v] := [<i=1,1000><j=1,1> (x + i*y)^40]:"]
         changes = {"e": ["e[1,1] := 5:", "[e] := [[7,8]]:", "[e[1~2,]] := 3:", "Sparse[e]:", "Rname[e] := '[ee]':", "Reverse[e]:",
                          "@[e]"],
