@@ -5,7 +5,7 @@
 #include "matrix/float_lu.h"
 
 #include "poly/dense_kernels.h"
-#include "poly/float_modulus.h"
+#include "numbers/float_modulus.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
@@ -45,7 +45,7 @@ WIDE_VECTORS static void subtract_multiple(double* __restrict row, const double*
 }
 
 WIDE_VECTORS static void reduce_row(double* __restrict row, FloatModulus m, int32_t count) {
-    for (int32_t c = 0; c < count; c++) row[c] = float_rest(row[c], m);
+    for (int32_t c = 0; c < count; c++) row[c] = float_sum_rest(row[c], m);
 }
 
 // The sums of products of four rows of multipliers with a tile of packed rows.
@@ -71,7 +71,7 @@ WIDE_VECTORS static void update_rows(double* const c[k_tile_rows], const double*
         const double* sums = reinterpret_cast<const double*>(s);
         for (int32_t r = 0; r < k_tile_rows; r++)
             for (int32_t t = 0; t < k_tile_cols; t++)
-                c[r][j + t] = float_rest(c[r][j + t] - sums[r * k_tile_cols + t], m);
+                c[r][j + t] = float_sum_rest(c[r][j + t] - sums[r * k_tile_cols + t], m);
     }
 }
 
@@ -87,8 +87,8 @@ WIDE_VECTORS static void update_rows_cut(double* const c[k_tile_rows], const dou
         for (int32_t r = 0; r < k_tile_rows; r++)
             for (int32_t i = 0; i < k_tile_cols; i++) {
                 int32_t at = r * k_tile_cols + i;
-                double top = float_rest(highs[at], m) * (1 << k_cut_bits);
-                c[r][j + i] = float_rest(c[r][j + i] - lows[at] - top, m);
+                double top = float_sum_rest(highs[at], m) * (1 << k_cut_bits);
+                c[r][j + i] = float_sum_rest(c[r][j + i] - lows[at] - top, m);
             }
     }
 }
@@ -106,7 +106,7 @@ static bool bring_pivot(FloatLu& lu, int32_t k) {
     int32_t best = lu.n;
     for (int32_t r = k; r < lu.n; r++) {
         double* entry = row_of(lu, r) + k;
-        *entry = float_rest(*entry, lu.m);
+        *entry = float_sum_rest(*entry, lu.m);
         if (*entry != 0 && best == lu.n) best = r;
     }
     if (best == lu.n) return false;
@@ -133,7 +133,7 @@ static bool factor_panel(FloatLu& lu, int32_t from, int32_t to) {
         reduce_row(pivot + k + 1, lu.m, to - k - 1);
         for (int32_t r = k + 1; r < lu.n; r++) {
             double* row = row_of(lu, r);
-            row[k] = float_rest(row[k] * inverse, lu.m);
+            row[k] = float_sum_rest(row[k] * inverse, lu.m);
             if (row[k] != 0) subtract_multiple(row + k + 1, pivot + k + 1, row[k], to - k - 1);
         }
         poll_interrupt();

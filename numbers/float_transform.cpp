@@ -376,4 +376,14 @@ void float_coefficients(double* a, FloatLength length, int32_t prime) {
         poll_interrupt();
     }
 }
+
+int64_t float_inverse(int64_t a, int64_t p) {
+    int64_t r0 = p, r1 = a % p, s0 = 0, s1 = 1;
+    while (r1 != 0) {
+        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
+        r0 = r1, r1 = r;
+        s0 = s1, s1 = s;
+    }
+    return s0;
+}
 }  // namespace tolvex

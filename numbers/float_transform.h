@@ -10,6 +10,8 @@
 ///            hold them in an order of their own, the same for all arrays of one length.
 /// Ownership  tables of roots of unity grow to the longest transform used and are kept.
 /// Raises     poll_interrupt between passes; no table is half built then.
+#include "numbers/float_modulus.h"
+
 #include <cstdint>
 namespace tolvex {
 constexpr int32_t k_float_primes = 4;
@@ -17,28 +19,12 @@ constexpr int64_t k_float_prime[k_float_primes] = {1125625028935681, 11254875899
                                                    1124044480970753};
 /// The product of that many primes is above 2 to this power.
 constexpr int float_bits(int32_t primes) { return 50 * primes - 1; }
-/// A modulus below 2^50, or a word, with its inverse.
-struct FloatModulus {
-    double m, inverse;
-};
-inline FloatModulus float_modulus(int64_t m) {
-    return {static_cast<double>(m), 1.0 / static_cast<double>(m)};
-}
 /// A fixed factor with its quotient by the modulus.
 struct FloatFactor {
     double w, quotient;
 };
 inline FloatFactor float_factor(int64_t w, FloatModulus f) {
     return {static_cast<double>(w), static_cast<double>(w) / f.m};
-}
-/// The nearest integer, for |x| <= 2^51: adding 3 * 2^51 leaves no bits for a fraction.
-inline double float_round(double x) {
-    constexpr double k_round = 6755399441055744.0;
-    return (x + k_round) - k_round;
-}
-/// An integer below 2^53 modulo m, of absolute value little above m / 2.
-inline double float_rest(double x, FloatModulus f) {
-    return __builtin_fma(-float_round(x * f.inverse), f.m, x);
 }
 /// x y modulo m, of absolute value at most 5/8 m for |x y| <= m^2.
 inline double float_mult(double x, double y, FloatModulus f) {
@@ -69,4 +55,6 @@ void float_products_2(double* c, const double* a0, const double* b0, const doubl
 /// a[0..n) := the coefficients of the polynomial with the values a[0..n):
 /// products of polynomials are taken modulo x^n - 1, or modulo (x^h - 1) (x^(h/2) - i).
 void float_coefficients(double* a, FloatLength length, int32_t prime);
+/// An inverse of a modulo p, of absolute value below p; a is prime to p.
+int64_t float_inverse(int64_t a, int64_t p);
 }  // namespace tolvex

@@ -115,22 +115,12 @@ struct BitWriter {
 };
 }  // namespace
 
-static int64_t inverse_mod(int64_t a, int64_t p) {
-    int64_t r0 = p, r1 = a % p, s0 = 0, s1 = 1;
-    while (r1 != 0) {
-        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
-        r0 = r1, r1 = r;
-        s0 = s1, s1 = s;
-    }
-    return s0;
-}
-
 static MixedRadix mixed_radix(int32_t primes) {
     MixedRadix m = {};
     m.weight[0][0] = 1;
     for (int32_t j = 1; j < primes; j++) {
         for (int32_t i = 0; i < j; i++)
-            m.inverse[i][j] = float_factor(inverse_mod(k_float_prime[i], k_float_prime[j]),
+            m.inverse[i][j] = float_factor(float_inverse(k_float_prime[i], k_float_prime[j]),
                                            float_modulus(k_float_prime[j]));
         limb carry = 0;
         for (int32_t i = 0; i < k_most_primes; i++) {

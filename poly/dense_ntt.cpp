@@ -61,20 +61,10 @@ WIDE_VECTORS static void combine_2(const double* __restrict r0, const double* __
     }
 }
 
-static int64_t inverse_mod(int64_t a, int64_t p) {
-    int64_t r0 = p, r1 = a % p, s0 = 0, s1 = 1;
-    while (r1 != 0) {
-        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
-        r0 = r1, r1 = r;
-        s0 = s1, s1 = s;
-    }
-    return s0;
-}
-
 static Garner garner(const Frame& frame) {
     FloatModulus p1 = float_modulus(k_float_prime[1]);
     int64_t p0 = k_float_prime[0] % frame.m;
-    return {p1, frame.modulus, float_factor(inverse_mod(k_float_prime[0], k_float_prime[1]), p1),
+    return {p1, frame.modulus, float_factor(float_inverse(k_float_prime[0], k_float_prime[1]), p1),
             float_factor(p0 > frame.m / 2 ? p0 - frame.m : p0, frame.modulus)};
 }
 

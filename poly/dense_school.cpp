@@ -6,7 +6,7 @@
 #include "poly/dense_school.h"
 
 #include "poly/dense_kernels.h"
-#include "poly/float_modulus.h"
+#include "numbers/float_modulus.h"
 #include "storage/scratch.h"
 
 #include <algorithm>
@@ -64,7 +64,7 @@ WIDE_VECTORS static void reduce_sums(const double* __restrict low, uint32_t* __r
 WIDE_VECTORS static void reduce_cut_sums(const double* __restrict low, const double* __restrict high,
                                          uint32_t* __restrict c, FloatModulus f) {
     for (int32_t t = 0; t < k_tile; t++)
-        c[t] = float_residue(float_rest(high[t], f) * (1 << k_cut_bits) + float_rest(low[t], f), f);
+        c[t] = float_residue(float_sum_rest(high[t], f) * (1 << k_cut_bits) + float_sum_rest(low[t], f), f);
 }
 
 // c[t] := coefficient k + t of the product, 0 <= t < k_tile.
