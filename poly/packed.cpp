@@ -6,46 +6,7 @@
 #include "storage/polled_sort.h"
 #include "storage/scratch.h"
 namespace tolvex {
-static constexpr int64_t k_terms_unpolled = int64_t{1} << 14;  // of one walk, from one safe point to the next
-
 // ---- reading ----
-
-static void note(PackMeasure* m, int32_t level, int32_t exp, bool first) {
-    if (first || exp > m->most[level]) m->most[level] = exp;
-    if (first || exp < m->least[level]) m->least[level] = exp;
-}
-
-// `seen` counts the levels that have been entered: a level first met late has exponent 0 in earlier terms.
-static void measure(const polynode* p, int32_t level, PackMeasure* m) {
-    if (is_number(p)) {
-        m->terms++;
-        if (!lintmode && p->ncoef->size > m->digits) m->digits = p->ncoef->size;
-        for (; level < m->levels; level++) note(m, level, 0, false);
-        return;
-    }
-    if (level >= m->levels) {
-        m->levels = level + 1;
-        m->most[level] = 0;
-        m->least[level] = m->terms > 0 ? 0 : p->exp;
-    }
-    for (const polynode* t = p; t != nullptr; t = t->next) {
-        note(m, level, t->exp, false);
-        if (t->numb) {
-            m->terms++;
-            if (!lintmode && t->ncoef->size > m->digits) m->digits = t->ncoef->size;
-            for (int32_t below = level + 1; below < m->levels; below++) note(m, below, 0, false);
-        } else {
-            measure(t->pcoef, level + 1, m);
-        }
-    }
-}
-
-void pack_measure(const polynode* p, PackMeasure* m) {
-    m->levels = 0;
-    m->terms = 0;
-    m->digits = 1;
-    measure(p, 0, m);
-}
 
 bool pack_plan(const int32_t* low, const int32_t* high, int32_t levels, PackPlan* plan) {
     plan->depth = levels;

@@ -12,22 +12,11 @@
 ///            Indexes are below 2^62.
 /// Ownership  arrays live in scratch memory: take a mark before, release after.
 /// Modes      residues are read as they stand, or modulo the prime of a WordField; integers as words.
-#include "poly/poly.h"
+#include "poly/pack_measure.h"
 #include "poly/word_field.h"
 
 #include <cstdint>
 namespace tolvex {
-/// What a walk over a tree finds, by level counted from the top of that tree (0 based).
-struct PackMeasure {
-    int32_t most[k_levels];   // greatest exponent; of a level that does not occur 0
-    int32_t least[k_levels];  // least exponent
-    int32_t levels;           // levels walked: deeper ones do not occur
-    int64_t terms;            // leaves
-    int32_t digits;           // digits of the longest coefficient; 1 in lintmode
-};
-/// Reads p, which is not 0. Levels that the walk leaves out (below a leaf) count as exponent 0.
-void pack_measure(const polynode* p, PackMeasure* m);
-
 struct PackPlan {
     int32_t depth;             // levels walked: trees reach no deeper
     int32_t count;             // levels in use

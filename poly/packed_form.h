@@ -10,29 +10,18 @@
 /// Ownership  trees are only read; a TermBuilder owns what it has built until finish.
 /// Source     M. Monagan, R. Pearce: Sparse polynomial arithmetic (packed monomials), ISSAC 2009.
 #include "poly/leaf_number.h"
+#include "poly/pack_measure.h"
 #include "poly/poly_basic.h"
 #include "storage/interrupt.h"
 
 #include <cstdint>
 namespace tolvex {
-/// Terms from one safe point of a walk to the next, where a number is a word.
-inline constexpr int64_t k_terms_unpolled = int64_t{1} << 16;
-
-/// The same where each term gets a new leaf.
+/// Terms from one safe point to the next where each term gets a new leaf.
 inline constexpr int64_t k_slots_unpolled = int64_t{1} << 10;
-
-/// What one walk over a tree finds out. Levels count from 1; beyond `depth` all exponents are 0.
-struct TreeSurvey {
-    int32_t least[k_levels], most[k_levels];  // exponents by level
-    int32_t depth;                            // deepest level with a term
-    int32_t digits;                           // digits of the longest number
-    int64_t terms;
-};
-void survey_tree(const polynode* p, TreeSurvey* s);
 
 /// One variable of the packed form: a level in which an operand has an exponent other than 0.
 struct PackedLevel {
-    int32_t real;              // level in the tree
+    int32_t real;              // level in the tree, from 1
     int32_t least_n, least_m;  // least exponents of the operands
     int32_t span_n, span_m;    // spans of their exponents
     int32_t shift, bits;       // place of the field in a key
@@ -42,8 +31,8 @@ struct PackedPlan {
     int32_t count;  // levels of the plan
     int32_t bits;   // of a whole key
 };
-/// The plan for a product of two surveyed trees. False: some span does not fit a 31-bit field.
-bool plan_product(const TreeSurvey& n, const TreeSurvey& m, PackedPlan* plan);
+/// The plan for a product of two trees. False: some span does not fit a 31-bit field.
+bool plan_product(const PackMeasure& n, const PackMeasure& m, PackedPlan* plan);
 
 /// Walks the terms of p in order: sink(key, number) with key = start + sum of exponent times weight[level].
 template <class Key, class Sink>

@@ -28,7 +28,7 @@ constexpr int64_t k_rows_unpolled =
 /// One product: the shapes of both operands and the terms in order, without their keys.
 struct Product {
     PackedPlan plan;
-    TreeSurvey n, m;
+    PackMeasure n, m;
     const number **n_numbers, **m_numbers;
     bool square;
 
@@ -466,12 +466,12 @@ poly box_product(Product& e, const polynode* n, const polynode* m, const int64_t
 bool packed_poly_mult(poly n, poly m, polyptrr p) {
     if (is_number(n) || is_number(m) || (lintmode && !modularmode)) return false;
     Product e;
-    survey_tree(n, &e.n);
+    pack_measure(n, &e.n);
     e.square = n == m;
     if (e.square)
         e.m = e.n;
     else
-        survey_tree(m, &e.m);
+        pack_measure(m, &e.m);
     if (e.n.terms > e.m.terms) {  // the inner loop runs over the longer operand
         std::swap(n, m);
         std::swap(e.n, e.m);

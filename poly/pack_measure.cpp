@@ -1,0 +1,47 @@
+#include "poly/pack_measure.h"
+
+#include "poly/poly_basic.h"
+#include "storage/interrupt.h"
+namespace tolvex {
+static void open_level(PackMeasure* m, int32_t level) {
+    m->levels = level + 1;
+    m->least[level] = INT32_MAX;
+    m->most[level] = INT32_MIN;
+}
+
+/// zero_from: below the leaf nearest to the top the exponent 0 occurs in every level.
+static void measure_chain(const polynode* p, int32_t level, PackMeasure* m, int32_t* zero_from) {
+    for (; p != nullptr; p = p->next) {
+        if (p->exp < m->least[level]) m->least[level] = p->exp;
+        if (p->exp > m->most[level]) m->most[level] = p->exp;
+        const polynode* leaf = p->numb ? p : is_number(p->pcoef) ? p->pcoef : nullptr;
+        if (leaf == nullptr) {
+            if (level + 1 >= m->levels) open_level(m, level + 1);
+            measure_chain(p->pcoef, level + 1, m, zero_from);
+            continue;
+        }
+        m->terms++;
+        poll_every<k_terms_unpolled>(m->terms);
+        if (*zero_from > level + 1) *zero_from = level + 1;
+        if (!lintmode && leaf->ncoef->size > m->digits) m->digits = leaf->ncoef->size;
+    }
+}
+
+void pack_measure(const polynode* p, PackMeasure* m) {
+    int32_t zero_from = k_levels;
+    m->levels = 0;
+    m->digits = 1;
+    m->terms = 0;
+    if (is_number(p)) {
+        m->terms = 1;
+        if (!lintmode) m->digits = p->ncoef->size;
+        return;
+    }
+    open_level(m, 0);
+    measure_chain(p, 0, m, &zero_from);
+    for (int32_t level = zero_from; level < m->levels; level++) {
+        if (m->least[level] > 0) m->least[level] = 0;
+        if (m->most[level] < 0) m->most[level] = 0;
+    }
+}
+}  // namespace tolvex
