@@ -148,26 +148,6 @@ void builtin_STrans(BuiltinCall& call) {
 
 // ---- Switchrow, Switchcol ------------------------------------------------------------------------------
 
-/// In one row: the entries of columns i < j, from 1, change their columns.
-static void switch_entries(colm_ptrptr row, int32_t i, int32_t j) {
-    colm_ptrptr at_i = get_sparse_colm(row, i), at_j = get_sparse_colm(at_i, j);
-    colm_ptr x = stands_at(at_i, i) ? *at_i : nullptr, y = stands_at(at_j, j) ? *at_j : nullptr;
-    if (x != nullptr && y != nullptr) {
-        swap_slots(&x->val, &y->val);
-    } else if (x != nullptr) {
-        *at_i = x->next;
-        if (at_j == &x->next) at_j = at_i;
-        x->coord = j;
-        x->next = *at_j;
-        *at_j = x;
-    } else if (y != nullptr) {
-        *at_j = y->next;
-        y->coord = i;
-        y->next = *at_i;
-        *at_i = y;
-    }
-}
-
 static void switch_lines(const ArrayArgument& x, bool rows, int32_t i, int32_t j) {
     if (x.a->spar == nullptr) {
         int64_t length = rows ? x.b.cols : x.b.rows;
@@ -180,8 +160,7 @@ static void switch_lines(const ArrayArgument& x, bool rows, int32_t i, int32_t j
         switch_sparse_rows(x.a, i, j);
         return;
     }
-    SparseWalk w = walk_sparse(x.a->spar, x.a->rows);
-    while (colm_ptrptr row = next_row(w)) switch_entries(row, i + 1, j + 1);
+    sparse_switch_columns(x.a->spar, x.a->rows, 0, i + 1, j + 1);
 }
 
 /// Switchrow([a], i, j) and Switchcol([a], i, j).

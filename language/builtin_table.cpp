@@ -42,6 +42,7 @@ struct BuiltinRoutines {
     constexpr BuiltinRoutines() {
         of[0] = builtin_Array;
         of[1] = builtin_Bin;
+        of[6] = builtin_Colreduce;
         of[7] = builtin_Cols;
         of[14] = of[101] = builtin_ArrayExpression;
         of[85] = builtin_Sparse;
@@ -81,6 +82,7 @@ struct BuiltinRoutines {
         of[23] = builtin_Flcoef;
         of[52] = builtin_Ncoef;
         of[53] = builtin_Nmcoef;
+        of[54] = builtin_Normalize;
         of[55] = builtin_Ntcoef;
         of[56] = builtin_Numb;
         of[57] = builtin_Numcon;
@@ -93,10 +95,12 @@ struct BuiltinRoutines {
         of[68] = of[70] = builtin_Rand;
         of[71] = builtin_Rat;
         of[72] = builtin_Rcoef;
+        of[73] = builtin_Redrowech;
         of[74] = builtin_Remquot;
         of[75] = builtin_Return;
         of[76] = builtin_Reverse;
         of[77] = builtin_Rname;
+        of[78] = builtin_Rowreduce;
         of[81] = builtin_STrans;
         of[84] = builtin_Sort;
         of[86] = builtin_Splice;

@@ -8,6 +8,7 @@
 #include "storage/interrupt.h"
 
 #include <cstring>
+#include <utility>
 namespace tolvex {
 // ---- records -------------------------------------------------------------------------------------------
 
@@ -206,6 +207,34 @@ void flip_sparse(sparseptr spar, sparseptr* flipped, int32_t rows, int32_t cols)
     }
     free(from);
     free(to);
+}
+
+/// In one row: the entries of columns i < j, from 1, change their columns.
+static void switch_entries(colm_ptrptr row, int32_t i, int32_t j) {
+    colm_ptrptr at_i = get_sparse_colm(row, i), at_j = get_sparse_colm(at_i, j);
+    colm_ptr x = stands_at(at_i, i) ? *at_i : nullptr, y = stands_at(at_j, j) ? *at_j : nullptr;
+    if (x != nullptr && y != nullptr) {
+        std::swap(x->val, y->val);
+    } else if (x != nullptr) {
+        *at_i = x->next;
+        if (at_j == &x->next) at_j = at_i;
+        x->coord = j;
+        x->next = *at_j;
+        *at_j = x;
+    } else if (y != nullptr) {
+        *at_j = y->next;
+        y->coord = i;
+        y->next = *at_i;
+        *at_i = y;
+    }
+}
+
+void sparse_switch_columns(sparseptr spar, int32_t rows, int32_t first, int32_t i, int32_t j) {
+    if (i == j) return;
+    if (i > j) std::swap(i, j);
+    SparseWalk w = walk_sparse(spar, rows);
+    while (colm_ptrptr row = next_row(w))
+        if (w.row >= first) switch_entries(row, i, j);
 }
 
 void change_sparse(sparseptr spar, int32_t rows, void (*f)(quolyptr value, void* context), void* context) {

@@ -103,6 +103,8 @@ void put_back_sparse(sparseptr* dup, sparseptr spar, int32_t rows);
 void trans_sparse(sparseptr* spar, int32_t rows, int32_t cols);
 /// *flipped := the transpose as a frame that shares the values of spar.
 void flip_sparse(sparseptr spar, sparseptr* flipped, int32_t rows, int32_t cols);
+/// Columns i and j, from 1, change places in all rows from `first` on.
+void sparse_switch_columns(sparseptr spar, int32_t rows, int32_t first, int32_t i, int32_t j);
 /// Calls f for the location of every value; an entry that has become 0 is unlinked. f must not change the
 /// chain.
 void change_sparse(sparseptr spar, int32_t rows, void (*f)(quolyptr value, void* context), void* context);
