@@ -18,20 +18,26 @@ poly simplex_power(int32_t k) {
     return f;
 }
 
-void simplex_product(benchmark::State& state) {
-    set_up_once();
-    use_ring(static_cast<int32_t>(state.range(1)));
-    poly f = simplex_power(static_cast<int32_t>(state.range(0))), one = poly_of("1"), g = nullptr,
-         h = nullptr;
-    poly_add(f, one, &g);
+/// f g again and again; the operands are used up.
+void time_product(benchmark::State& state, poly f, poly g) {
     for (auto _ : state) {
+        poly h = nullptr;
         poly_mult(f, g, &h, nullptr);
         state.PauseTiming();
         free_poly(&h);
         state.ResumeTiming();
     }
-    free_poly(&f), free_poly(&g), free_poly(&one);
+    free_poly(&f), free_poly(&g);
     use_integers();
+}
+
+void simplex_product(benchmark::State& state) {
+    set_up_once();
+    use_ring(static_cast<int32_t>(state.range(1)));
+    poly f = simplex_power(static_cast<int32_t>(state.range(0))), one = poly_of("1"), g = nullptr;
+    poly_add(f, one, &g);
+    free_poly(&one);
+    time_product(state, f, g);
 }
 
 void simplex_power_of(benchmark::State& state) {
@@ -62,15 +68,8 @@ void sparse_product(benchmark::State& state) {
     set_up_once();
     use_ring(static_cast<int32_t>(state.range(1)));
     auto terms = static_cast<int32_t>(state.range(0));
-    poly f = sparse_operand(1, terms), g = sparse_operand(2, terms), h = nullptr;
-    for (auto _ : state) {
-        poly_mult(f, g, &h, nullptr);
-        state.PauseTiming();
-        free_poly(&h);
-        state.ResumeTiming();
-    }
-    free_poly(&f), free_poly(&g);
-    use_integers();
+    poly f = sparse_operand(1, terms), g = sparse_operand(2, terms);
+    time_product(state, f, g);
 }
 
 /// One level, all exponents 0..n, coefficients of one digit.
@@ -79,15 +78,8 @@ void dense_product(benchmark::State& state) {
     use_ring(static_cast<int32_t>(state.range(1)));
     Rng rng(3);
     auto degree = static_cast<int32_t>(state.range(0));
-    poly f = dense_poly(rng, degree, Coefs::digit), g = dense_poly(rng, degree, Coefs::digit), h = nullptr;
-    for (auto _ : state) {
-        poly_mult(f, g, &h, nullptr);
-        state.PauseTiming();
-        free_poly(&h);
-        state.ResumeTiming();
-    }
-    free_poly(&f), free_poly(&g);
-    use_integers();
+    poly f = dense_poly(rng, degree, Coefs::digit), g = dense_poly(rng, degree, Coefs::digit);
+    time_product(state, f, g);
 }
 
 /// Small products: the list method (0) against the packed one (1), terms by terms.

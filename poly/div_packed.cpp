@@ -172,20 +172,36 @@ static int64_t word_limit(const PackTerms& n, const PackTerms& m) {
     return static_cast<int64_t>(((uint64_t{1} << 62) - most) / sum);
 }
 
+namespace {
+/// The leading term of a divisor, and the greatest magnitude of a coefficient of the quotient.
+struct WordLead {
+    int64_t index, word, limit;
+};
+}  // namespace
+
+/// The quotient gets the term by which v at that index goes.
+static Outcome put_word_quotient(const PackDivision& d, const WordLead& lead, int64_t at, int64_t v,
+                                 Quotient& q) {
+    if (at < lead.index || v % lead.word != 0 || !index_divides(d, at, lead.index)) return Outcome::not_exact;
+    int64_t c = v / lead.word;
+    if (c > lead.limit || c < -lead.limit) return Outcome::overflow;
+    poll_interrupt();
+    quotient_put(q, at - lead.index, c);
+    return Outcome::exact;
+}
+
 static Outcome dense_words(const PackDivision& d, const PackTerms& n, const PackTerms& m, Quotient& q) {
     auto* cell = scratch_array<int64_t>(d.plan.box);
     scratch_clear(cell, static_cast<size_t>(d.plan.box) * sizeof(int64_t));
     for (int64_t i = 0; i < n.count; i++) cell[n.index[i]] = n.word[i];
-    int64_t limit = word_limit(n, m), lead = m.index[0], lead_word = m.word[0];
+    WordLead lead = {m.index[0], m.word[0], word_limit(n, m)};
     for (int64_t at = n.index[0]; at >= 0; at--) {
         int64_t v = cell[at];
         if (v == 0) continue;
-        if (at < lead || v % lead_word != 0 || !index_divides(d, at, lead)) return Outcome::not_exact;
-        int64_t c = v / lead_word;
-        if (c > limit || c < -limit) return Outcome::overflow;
-        poll_interrupt();
-        quotient_put(q, at - lead, c);
-        int64_t* base = cell + (at - lead);
+        Outcome step = put_word_quotient(d, lead, at, v, q);
+        if (step != Outcome::exact) return step;
+        int64_t c = q.terms.word[q.terms.count - 1];
+        int64_t* base = cell + (at - lead.index);
         for (int64_t j = 1; j < m.count; j++) base[m.index[j]] -= c * m.word[j];
     }
     return Outcome::exact;
@@ -291,7 +307,8 @@ static Outcome heap_residues(const PackDivision& d, const WordField& f, const Pa
 
 static Outcome heap_words(const PackDivision& d, const PackTerms& n, const PackTerms& m, Quotient& q) {
     HeapDivision h = heap_open(m);
-    int64_t limit = word_limit(n, m), lead = m.index[0], lead_word = m.word[0], i = 0;
+    WordLead lead = {m.index[0], m.word[0], word_limit(n, m)};
+    int64_t i = 0;
     while (i < n.count || h.size > 0) {
         int64_t at = i < n.count ? n.index[i] : -1;
         if (h.size > 0 && h.heap[0].index > at) at = h.heap[0].index;
@@ -302,11 +319,8 @@ static Outcome heap_words(const PackDivision& d, const PackTerms& n, const PackT
             heap_advance(h, e.j, m, q.terms);
         }
         if (v == 0) continue;
-        if (at < lead || v % lead_word != 0 || !index_divides(d, at, lead)) return Outcome::not_exact;
-        int64_t c = v / lead_word;
-        if (c > limit || c < -limit) return Outcome::overflow;
-        poll_interrupt();
-        quotient_put(q, at - lead, c);
+        Outcome step = put_word_quotient(d, lead, at, v, q);
+        if (step != Outcome::exact) return step;
         heap_wake(h, m, q.terms);
     }
     return Outcome::exact;

@@ -49,30 +49,38 @@ inline int64_t chain_word(const number* x) {
     return v;
 }
 
-/// More accumulators: the old ones keep their values and places.
-template <class Acc> inline Acc* grown(const Acc* old, int64_t used, int64_t count) {
-    Acc* fresh = scratch_array<Acc>(count);
-    if (used > 0) scratch_copy(fresh, old, static_cast<size_t>(used) * sizeof(Acc));
+/// A larger array that begins with the `used` elements of the old one.
+template <class T> inline T* grown(const T* old, int64_t used, int64_t count) {
+    T* fresh = scratch_array<T>(count);
+    if (used > 0) scratch_copy(fresh, old, static_cast<size_t>(used) * sizeof(T));
     return fresh;
 }
 
-/// Integers whose products and sums fit Acc: int64_t or __int128.
-template <class Acc> struct WordRing {
-    using Left = int64_t;
-    const int64_t *n, *m;
-    Acc* acc;
-    int64_t capacity;
+/// The accumulators of a ring, one a slot.
+template <class Acc> struct Slots {
+    Acc* acc = nullptr;
+    int64_t capacity = 0;
 
+    /// More of them: the first `used` keep their values and places.
     void reserve(int64_t used, int64_t count) {
         acc = grown(acc, used, count);
         capacity = count;
     }
     void open(int64_t slot) { acc[slot] = 0; }
     void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(Acc)); }
+    /// Before reduction: the leaf decides.
+    bool zero(int64_t slot) const { return acc[slot] == 0; }
+};
+
+/// Integers whose products and sums fit Acc: int64_t or __int128.
+template <class Acc> struct WordRing : Slots<Acc> {
+    using Left = int64_t;
+    const int64_t *n, *m;
+    using Slots<Acc>::acc;
+
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t i) const { return 2 * n[i]; }
     void add(int64_t slot, Left a, int64_t j) { acc[slot] += static_cast<Acc>(a) * m[j]; }
-    bool zero(int64_t slot) const { return acc[slot] == 0; }
     poly leaf(int64_t slot) const {
         Acc v = acc[slot];
         if (v == 0) return nullptr;
@@ -97,19 +105,11 @@ inline poly leaf_of_residue(uint32_t v) {
 
 /// Residues. With `wide` the sum of all products might not fit 64 bits: a slot is then kept below the square
 /// of the modulus by one conditional subtraction.
-template <bool wide> struct ResidueRing {
+template <bool wide> struct ResidueRing : Slots<uint64_t> {
     using Left = uint64_t;
     const uint32_t *n, *m;
-    uint64_t* acc;
-    int64_t capacity;
     uint64_t modul, square;  // the modulus and its square
 
-    void reserve(int64_t used, int64_t count) {
-        acc = grown(acc, used, count);
-        capacity = count;
-    }
-    void open(int64_t slot) { acc[slot] = 0; }
-    void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(uint64_t)); }
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t i) const { return (uint64_t{n[i]} << 1) % modul; }
     void add(int64_t slot, Left a, int64_t j) {
@@ -120,27 +120,17 @@ template <bool wide> struct ResidueRing {
         }
         acc[slot] = s;
     }
-    bool zero(int64_t slot) const { return acc[slot] == 0; }  // before reduction; leaf() decides
     poly leaf(int64_t slot) const { return leaf_of_residue(static_cast<uint32_t>(acc[slot] % modul)); }
 };
 
 /// The table fields: sums are exclusive or.
-struct TableRing {
+struct TableRing : Slots<uint32_t> {
     using Left = uint32_t;
     const uint32_t *n, *m;
-    uint32_t* acc;
-    int64_t capacity;
 
-    void reserve(int64_t used, int64_t count) {
-        acc = grown(acc, used, count);
-        capacity = count;
-    }
-    void open(int64_t slot) { acc[slot] = 0; }
-    void open_all(int64_t count) { scratch_clear(acc, static_cast<size_t>(count) * sizeof(uint32_t)); }
     Left left(int64_t i) const { return n[i]; }
     Left left_twice(int64_t) const { return 0; }  // characteristic 2
     void add(int64_t slot, Left a, int64_t j) { acc[slot] ^= static_cast<uint32_t>(table_mult(a, m[j])); }
-    bool zero(int64_t slot) const { return acc[slot] == 0; }
     poly leaf(int64_t slot) const { return leaf_of_residue(acc[slot]); }
 };
 
@@ -150,21 +140,19 @@ struct LimbNumbers {
     const int64_t* start;   // of coefficient i
     const int32_t* length;  // in limbs; negative for a negative number
 };
-struct LimbRing {
+struct LimbRing : Slots<limb> {
     struct Left {
         const limb* a;
         int32_t length;
         bool negative, twice;
     };
     LimbNumbers n, m;
-    limb* acc;
-    int64_t capacity;
     int64_t width;
     limb* product;  // room for one product
     limb* magnitude;
 
     void reserve(int64_t used, int64_t count) {
-        acc = grown(acc, used * width, count * width);
+        Slots::reserve(used * width, count * width);
         capacity = count;
     }
     void open(int64_t slot) { open_slots(slot, 1); }

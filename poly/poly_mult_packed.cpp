@@ -181,10 +181,10 @@ template <class Work> void with_integers(const Product& e, const Work& work) {
     }
     double bound = std::min(n.largest * m.sum, n.sum * m.largest);
     if (bound < 4.6e18) {  // 2^62, rounding of the sums allowed for
-        WordRing<int64_t> ring = {n.value, m.value, nullptr, 0};
+        WordRing<int64_t> ring = {{}, n.value, m.value};
         work(ring);
     } else if (bound < 8.5e37) {  // 2^126
-        WordRing<__int128> ring = {n.value, m.value, nullptr, 0};
+        WordRing<__int128> ring = {{}, n.value, m.value};
         work(ring);
     } else {
         with_long_integers(e, work);
@@ -201,13 +201,13 @@ template <class Work> void with_ring(const Product& e, const Work& work) {
     auto modul = static_cast<uint64_t>(modulus);
     auto square = static_cast<unsigned __int128>(modul) * modul;
     if (finf) {
-        TableRing ring = {n, m, nullptr, 0};
+        TableRing ring = {{}, n, m};
         work(ring);
     } else if (square * static_cast<uint64_t>(e.meeting()) >> 64 == 0) {
-        ResidueRing<false> ring = {n, m, nullptr, 0, modul, 0};
+        ResidueRing<false> ring = {{}, n, m, modul, 0};
         work(ring);
     } else {
-        ResidueRing<true> ring = {n, m, nullptr, 0, modul, modul * modul};
+        ResidueRing<true> ring = {{}, n, m, modul, modul * modul};
         work(ring);
     }
 }

@@ -6,6 +6,7 @@
 #include "numbers/primes.h"
 #include "numbers/residue.h"
 #include "numbers/ring_switch.h"
+#include "poly/div_general.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
@@ -34,7 +35,16 @@ const Ring all_rings[] = {
 };
 const int all_ring_count = static_cast<int>(sizeof all_rings / sizeof all_rings[0]);
 
+PolyGuard::~PolyGuard() { free_poly(&p); }
+
 void use_integers() { use_ring(0, false); }
+
+const Ring& pick_ring(int round) {
+    const Ring& r = all_rings[round % all_ring_count];
+    use_variables(6);
+    use_ring(r);
+    return r;
+}
 
 void use_ring(int32_t m, bool table_field) {
     f256 = table_field && m == 256;
@@ -312,5 +322,28 @@ void use_variables(int32_t levels) {
         insert_poly_name(name, 1);
     }
 }
+
+bool divides(poly d, poly n) {
+    poly q = nullptr;
+    boolean failed = 0;
+    gen_poly_divide(n, d, &q, polynames, &failed);
+    free_poly(&q);
+    return !failed;
+}
+
+#ifndef TOLVEX_NO_GTEST
+void PolyTest::SetUp() {
+    set_up_once();
+    use_variables(6);
+    use_integers();
+    records_before = live_records();
+}
+
+void PolyTest::TearDown() {
+    use_integers();
+    laurent = 0;
+    EXPECT_EQ(live_records(), records_before);
+}
+#endif
 }  // namespace tolvex::test
 #endif

@@ -27,6 +27,20 @@ struct Ring {
 extern const Ring all_rings[];
 extern const int all_ring_count;
 inline void use_ring(const Ring& r) { use_ring(r.modulus, r.table_field); }
+/// The ring of that round, in force from now on with six variables.
+const Ring& pick_ring(int round);
+
+/// A polynomial that is freed at the end of a test body; tests raise no errors while one is alive.
+struct PolyGuard {
+    poly p = nullptr;
+    PolyGuard() = default;
+    explicit PolyGuard(poly q) : p(q) {}
+    PolyGuard(const PolyGuard&) = delete;
+    PolyGuard& operator=(const PolyGuard&) = delete;
+    ~PolyGuard();
+    operator poly() const { return p; }
+    polyptrr operator&() { return &p; }
+};
 
 /// How the numbers of a random polynomial look; in modular mode every style gives residues.
 enum class Coefs { small, digit, two_digits, huge, ones, corners };
@@ -62,5 +76,18 @@ std::string text_of(const polynode* p);
 int64_t live_records();
 /// Makes `levels` variables x1, x2, ... (polynames, number_polys), taking away those that stand there.
 void use_variables(int32_t levels);
+/// True if n is a multiple of d.
+bool divides(poly d, poly n);
+
+#ifndef TOLVEX_NO_GTEST
+/// A test with the integers in force at first and last, six variables, and the count of records unchanged at
+/// the end.
+class PolyTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    int64_t records_before = 0;  // live records; a test that lets an error lose some counts again
+};
+#endif
 }  // namespace tolvex::test
 #endif

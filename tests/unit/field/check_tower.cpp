@@ -42,16 +42,16 @@ struct Round {
 
 PROPERTY(products, 160) {
     Round r(rng, round, 1);
-    Guard a(random_over_tower(rng, 3, coefs_of(round))), b(random_over_tower(rng, 3, coefs_of(round))),
+    PolyGuard a(random_over_tower(rng, 3, coefs_of(round))), b(random_over_tower(rng, 3, coefs_of(round))),
         c(random_over_tower(rng, 3, coefs_of(round)));
-    Guard ab(product(a, b)), bc(product(b, c)), left(product(ab, c)), right(product(a, bc));
+    PolyGuard ab(product(a, b)), bc(product(b, c)), left(product(ab, c)), right(product(a, bc));
     EXPECT_TRUE(poly_equal(left, right));
-    Guard sum, ac(product(a, c)), apart;
+    PolyGuard sum, ac(product(a, c)), apart;
     poly_add(b, c, &sum.p);
-    Guard whole(product(a, sum));
+    PolyGuard whole(product(a, sum));
     poly_add(ab, ac, &apart.p);
     EXPECT_TRUE(poly_equal(whole, apart));
-    Guard power(copy_of(a)), step(copy_of(a));
+    PolyGuard power(copy_of(a)), step(copy_of(a));
     compute_power(&power.p, 6, polynames);
     for (int i = 1; i < 6; i++) poly_mult(step, a, &step.p, polynames);
     EXPECT_TRUE(poly_equal(power, step));
@@ -59,26 +59,27 @@ PROPERTY(products, 160) {
 
 PROPERTY(inverses, 160) {
     Round r(rng, round, 0);
-    Guard a(random_over_tower(rng, 1, coefs_of(round))), numer, denom;
+    PolyGuard a(random_over_tower(rng, 1, coefs_of(round))), numer, denom;
     if (is_number(a)) return;
     if (!tower_invert(a, polynames, &numer.p, &denom.p)) return;
-    Guard one(product(a, numer));
+    PolyGuard one(product(a, numer));
     EXPECT_TRUE(poly_equal(one, denom)) << text_of(a);
     EXPECT_TRUE(modularmode ? poly_eq_1(denom) : chain_sign(denom.p->ncoef) > 0);
 }
 
 PROPERTY(quotients, 160) {
     Round r(rng, round, 1 + round % 2);
-    Guard q(random_over_tower(rng, 3, coefs_of(round))), m(random_over_tower(rng, 2, Coefs::small)), found, c;
+    PolyGuard q(random_over_tower(rng, 3, coefs_of(round))), m(random_over_tower(rng, 2, Coefs::small)),
+        found, c;
     if (poly_iszero(m) || poly_iszero(q)) return;
-    Guard n(product(q, m));
+    PolyGuard n(product(q, m));
     if (!tower_lead_is_unit(m)) return;
     ASSERT_TRUE(tower_quotient(n, m, &found.p, &c.p, polynames)) << text_of(n) << " / " << text_of(m);
-    Guard back(product(found, m)), scaled(product(n, c));
+    PolyGuard back(product(found, m)), scaled(product(n, c));
     EXPECT_TRUE(poly_equal(back, scaled));
     if (!exists_field_element(m, 1)) return;
     boolean failed = 1;
-    Guard exact;
+    PolyGuard exact;
     gen_poly_divide(n, m, &exact.p, polynames, &failed);
     EXPECT_FALSE(failed);
     if (!failed) {
@@ -88,11 +89,11 @@ PROPERTY(quotients, 160) {
 
 PROPERTY(remainders, 120) {
     Round r(rng, round, 1);
-    Guard n(random_over_tower(rng, 6, coefs_of(round))), m(random_over_tower(rng, 3, Coefs::small)), q, rest,
-        c;
+    PolyGuard n(random_over_tower(rng, 6, coefs_of(round))), m(random_over_tower(rng, 3, Coefs::small)), q,
+        rest, c;
     if (is_number(m) || m.p->exp == 0) return;
     if (!tower_quotient_rest(n, m, &q.p, &rest.p, &c.p, polynames)) return;
-    Guard left(product(n, c)), right(product(q, m));
+    PolyGuard left(product(n, c)), right(product(q, m));
     poly_add(right, rest, &right.p);
     EXPECT_TRUE(poly_equal(left, right));
     EXPECT_TRUE(is_number(rest) || rest.p->exp < m.p->exp);
@@ -101,9 +102,9 @@ PROPERTY(remainders, 120) {
 /// The planted factor divides the gcd, the gcd both operands; in normal form.
 PROPERTY(gcds, 160) {
     Round r(rng, round, 1 + round % 3 % 2);
-    Guard g(random_over_tower(rng, 2, Coefs::small)), a(random_over_tower(rng, 2, coefs_of(round))),
+    PolyGuard g(random_over_tower(rng, 2, Coefs::small)), a(random_over_tower(rng, 2, coefs_of(round))),
         b(random_over_tower(rng, 2, coefs_of(round)));
-    Guard u(product(g, a)), v(product(g, b)), d, q, c;
+    PolyGuard u(product(g, a)), v(product(g, b)), d, q, c;
     if (is_number(u) || is_number(v)) return;
     if (both_above_field_depth(u, v, 1) || is_field_element(u, 1) || is_field_element(v, 1)) return;
     if (!tower_lead_is_unit(g) || !tower_lead_is_unit(u) || !tower_lead_is_unit(v)) return;
@@ -119,14 +120,14 @@ PROPERTY(gcds, 160) {
 
 PROPERTY(reconstruction, 200) {
     TowerSetting setting(2);
-    Guard y(random_poly(rng, 2, 5, 3, Coefs::digit)), numer;
+    PolyGuard y(random_poly(rng, 2, 5, 3, Coefs::digit)), numer;
     number m = {}, d = {}, denom = {}, inverse = {};
     setvalue_any(random_int(rng, 2, 1000000), &d);
     setvalue_any((int64_t{1} << 55) - random_int(rng, 1, 1000), &inverse);
     number_power(&inverse, 4);
     fast_mult(&inverse, &d, &m);  // m = d k - 1: the inverse of d is k
     fastdiff(&m, &number_1);
-    Guard residue(copy_of(y));
+    PolyGuard residue(copy_of(y));
     num_poly_mult(&residue.p, &inverse);
     symmetric_leaves(&residue.p, &m);
     ASSERT_TRUE(reconstruct_poly(residue, &m, &numer.p, &denom));

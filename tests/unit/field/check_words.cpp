@@ -42,7 +42,7 @@ PROPERTY(word_products, 240) {
     Element a = random_element(rng, t), b = random_element(rng, t), c = random_element(rng, t);
     EXPECT_EQ(times(t, a, b), times(t, b, a));
     EXPECT_EQ(times(t, times(t, a, b), c), times(t, a, times(t, b, c)));
-    Guard u(record(t, a)), v(record(t, b)), product, direct(record(t, times(t, a, b)));
+    PolyGuard u(record(t, a)), v(record(t, b)), product, direct(record(t, times(t, a, b)));
     poly_mult(u, v, &product.p, polynames);
     EXPECT_TRUE(poly_equal(product, direct)) << text_of(u) << " * " << text_of(v);
     Element back(a.size());
@@ -93,13 +93,13 @@ TEST(Words, irreducible_polynomials_are_as_many_as_there_are) {
             int64_t all = 1, found = 0;
             for (int32_t i = 0; i < n; i++) all *= p;
             for (int64_t code = 0; code < all; code++) {
-                Guard f;
+                PolyGuard f;
                 int32_t top[1] = {n};
                 f.p = term_poly(1, top, 1);
                 int64_t rest = code;
                 for (int32_t e = 0; e < n; e++, rest /= p) {
                     int32_t exps[1] = {e};
-                    Guard c(term_poly(rest % p, exps, 1));
+                    PolyGuard c(term_poly(rest % p, exps, 1));
                     poly_add(f.p, c, &f.p);
                 }
                 const TowerWords& t = candidate_words(f, 0);
@@ -111,11 +111,11 @@ TEST(Words, irreducible_polynomials_are_as_many_as_there_are) {
     mod_out(2, "x^2 + x + 1");
     int64_t found = 0;
     for (int32_t code = 0; code < 16; code++) {  // y^2 + (a t + b) y + (c t + d)
-        Guard f(poly_of("x^2"));
+        PolyGuard f(poly_of("x^2"));
         const char* parts[] = {"x*y", "x", "y", "1"};
         for (int32_t bit = 0; bit < 4; bit++)
             if (code >> bit & 1) {
-                Guard c(poly_of(parts[bit]));
+                PolyGuard c(poly_of(parts[bit]));
                 poly_add(f.p, c, &f.p);
             }
         found += tw_irreducible(candidate_words(f, 1), 2);
@@ -128,12 +128,12 @@ TEST(Words, any_exponent_is_reduced) {
     mod_out(1, "x^3 - 2*x - 5");
     const TowerWords& t = tower_words();
     uint32_t x[3] = {0, 1, 0}, power[3], out[3];
-    Guard far(poly_of("x^1000000"));
+    PolyGuard far(poly_of("x^1000000"));
     tw_power(t, 1, x, 1000000, power);
     EXPECT_TRUE(tw_from_poly(t, 1, far, out));
     for (int i = 0; i < 3; i++) EXPECT_EQ(out[i], power[i]);
     laurent = 1;
-    Guard low(poly_of("x^-3"));
+    PolyGuard low(poly_of("x^-3"));
     EXPECT_TRUE(tw_from_poly(t, 1, low, out));
     laurent = 0;
     tw_power(t, 1, x, 3, power);

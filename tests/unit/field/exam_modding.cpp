@@ -12,19 +12,19 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 static std::string reduced(const char* text) {
-    Guard p(poly_of(text));
+    PolyGuard p(poly_of(text));
     reduce_product(&p.p, polynames);
     EXPECT_TRUE(poly_check(p, number_polys)) << text;
     return text_of(p);
 }
-static std::string plain(const char* text) { return text_of(Guard(poly_of(text))); }
+static std::string plain(const char* text) { return text_of(PolyGuard(poly_of(text))); }
 
 TEST(Modding, a_binomial_is_kept_as_its_number) {
     TowerSetting setting(1);
     mod_out(1, "x^2 + 1");
     ASSERT_TRUE(is_number(variable(1)->p));
     EXPECT_EQ(text_of(variable(1)->p), plain("-1"));
-    Guard whole;
+    PolyGuard whole;
     whole_modding(variable(1), &whole.p);
     EXPECT_EQ(text_of(whole), plain("x^2 + 1"));
     EXPECT_EQ(field_depth, 1);
@@ -107,7 +107,7 @@ TEST(Modding, there_and_back) {
 
 TEST(Modding, secondary_primes_have_the_roots_they_say) {
     TowerSetting setting(2);
-    Guard f(poly_of("x^2 - 2")), g(poly_of("x^3 - x - y"));
+    PolyGuard f(poly_of("x^2 - 2")), g(poly_of("x^3 - x - y"));
     SecondLists lists = make_and_reconcile_gcd_lists({f, 0});
     EXPECT_GT(lists.count, 50);
     mod_out(2, copy_of(f));
@@ -134,7 +134,7 @@ TEST(Modding, secondary_primes_have_the_roots_they_say) {
 
 TEST(Modding, first_primes_keep_it_irreducible) {
     TowerSetting setting(1);
-    Guard f(poly_of("x^2 - 2"));
+    PolyGuard f(poly_of("x^2 - 2"));
     EXPECT_TRUE(irreducible_modulo({f, 0}, 3));
     EXPECT_FALSE(irreducible_modulo({f, 0}, 7));
     EXPECT_EQ(first_candidate(0), 3001);

@@ -39,13 +39,4 @@ poly random_modder(Rng& rng, int32_t level, int32_t n, Coefs coefs);
 poly random_over_tower(Rng& rng, int32_t degree, Coefs coefs, int32_t from_level = 1);
 /// A tower at the levels from `top` to the deepest, irreducible or not, degrees 2 to 4.
 void random_tower(Rng& rng, int32_t top, Coefs coefs);
-struct Guard {
-    poly p = nullptr;
-    Guard() = default;
-    explicit Guard(poly q) : p(q) {}
-    ~Guard() { free_poly(&p); }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-    operator poly() const { return p; }
-};
 }  // namespace tolvex::test

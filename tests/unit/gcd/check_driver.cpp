@@ -17,14 +17,6 @@ constexpr int k_rings = sizeof rings / sizeof rings[0];
 constexpr int k_families = static_cast<int>(Family::count);
 int table[k_families][k_rings];
 
-bool divides(poly d, poly n) {
-    poly q = nullptr;
-    boolean failed = 0;
-    gen_poly_divide(n, d, &q, polynames, &failed);
-    free_poly(&q);
-    return !failed;
-}
-
 void expect_same(poly g, poly h, const char* what, const Problem& p) {
     EXPECT_TRUE(poly_equal(g, h)) << what << ": " << text_of(g) << "  against  " << text_of(h) << "\n of "
                                   << text_of(p.u) << "\n and " << text_of(p.v);

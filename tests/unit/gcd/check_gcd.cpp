@@ -18,29 +18,7 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct PolyGuard {  // frees at the end of a test body; tests raise no errors
-    poly p = nullptr;
-    ~PolyGuard() { free_poly(&p); }
-    operator poly() const { return p; }
-    polyptrr operator&() { return &p; }
-};
-
-const Ring& pick_ring(int round) {
-    const Ring& r = all_rings[round % all_ring_count];
-    use_variables(6);
-    use_ring(r);
-    return r;
-}
-
 bool composite() { return ring_is_composite(); }
-
-bool divides(poly d, poly n) {
-    poly q = nullptr;
-    boolean failed = 0;
-    gen_poly_divide(n, d, &q, polynames, &failed);
-    free_poly(&q);
-    return !failed;
-}
 
 Shape random_shape(Rng& rng, bool sparse) {
     Shape s{};

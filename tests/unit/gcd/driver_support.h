@@ -14,17 +14,12 @@
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
+#include "storage/progress.h"
 #include "tests/support/random_poly.h"
 
+#include <cstring>
 #include <string>
 namespace tolvex::test {
-struct PolyGuard {  // frees at the end of a test body
-    poly p = nullptr;
-    ~PolyGuard() { free_poly(&p); }
-    operator poly() const { return p; }
-    polyptrr operator&() { return &p; }
-};
-
 /// The settings of the driver; the destructor puts the defaults back.
 struct DriverSettings {
     DriverSettings() { defaults(); }
@@ -95,4 +90,20 @@ struct Problem {
         false;  // so is the remainder sequence, the only way in small fields and without interpolation
 };
 void make_problem(Family f, Rng& rng, Problem* p);
+
+#ifndef TOLVEX_NO_GTEST
+/// A test of the stated steps, the word engines being off.
+struct DriverTest : PolyTest {
+    DriverSettings settings;
+    void SetUp() override {
+        PolyTest::SetUp();
+        word_engines = 0;
+        memset(gcd_ended_by, 0, sizeof gcd_ended_by);
+    }
+    void TearDown() override {
+        verbose = 0;
+        PolyTest::TearDown();
+    }
+};
+#endif
 }  // namespace tolvex::test

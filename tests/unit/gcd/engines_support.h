@@ -14,17 +14,6 @@
 
 #include <string>
 namespace tolvex::test {
-struct PolyGuard {  // frees at the end of a test body; tests raise no errors
-    poly p = nullptr;
-    PolyGuard() = default;
-    explicit PolyGuard(poly q) : p(q) {}
-    PolyGuard(const PolyGuard&) = delete;
-    PolyGuard& operator=(const PolyGuard&) = delete;
-    ~PolyGuard() { free_poly(&p); }
-    operator poly() const { return p; }
-    polyptrr operator&() { return &p; }
-};
-
 /// The prime fields and table fields in which the engines are tried.
 inline constexpr Ring field_rings[] = {
     {2, false, "Z/2"},         {3, false, "Z/3"},

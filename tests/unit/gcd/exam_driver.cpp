@@ -12,21 +12,7 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Driver : ::testing::Test {
-    DriverSettings settings;
-    void SetUp() override {
-        set_up_once();
-        use_variables(6);
-        use_integers();
-        word_engines = 0;
-        memset(gcd_ended_by, 0, sizeof gcd_ended_by);
-    }
-    void TearDown() override {
-        laurent = 0;
-        verbose = 0;
-        use_integers();
-    }
-};
+using Driver = DriverTest;
 
 int64_t ended_by(const char* step) {
     int64_t calls = 0;

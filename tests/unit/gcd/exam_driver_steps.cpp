@@ -5,17 +5,8 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Steps : ::testing::Test {
-    DriverSettings settings;
+struct Steps : DriverTest {
     Rng rng{20261121};
-    void SetUp() override {
-        set_up_once();
-        use_variables(6);
-        use_integers();
-        word_engines = 0;
-        memset(gcd_ended_by, 0, sizeof gcd_ended_by);
-    }
-    void TearDown() override { use_integers(); }
     /// A polynomial of `terms` terms in the levels first to last.
     poly part(int32_t first, int32_t last, int32_t terms, int32_t max_exp) {
         poly p = nullptr;

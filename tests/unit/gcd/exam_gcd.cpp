@@ -1,7 +1,7 @@
 // Fixed cases of the gcd.
 #include "gcd/content.h"
-#include "gcd/polygcd.h"
 #include "gcd/num_content.h"
+#include "gcd/polygcd.h"
 #include "numbers/num_compare.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_modes.h"
@@ -13,17 +13,7 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Gcd : ::testing::Test {
-    void SetUp() override {
-        set_up_once();
-        use_variables(6);
-        use_integers();
-    }
-    void TearDown() override {
-        laurent = 0;
-        use_integers();
-    }
-};
+using Gcd = PolyTest;
 
 std::string gcd_of(const char* u, const char* v) {
     poly a = poly_of(u), b = poly_of(v), a2 = copy_of(a), b2 = copy_of(b), g = nullptr;

@@ -20,19 +20,6 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct PolyGuard {
-    poly p = nullptr;
-    ~PolyGuard() { free_poly(&p); }
-    operator poly() const { return p; }
-    polyptrr operator&() { return &p; }
-};
-
-const Ring& pick_ring(int round) {
-    const Ring& r = all_rings[round % all_ring_count];
-    use_variables(6);
-    use_ring(r);
-    return r;
-}
 bool domain() { return !modularmode || mod_is_prime || finf; }
 
 Shape random_shape(Rng& rng) {

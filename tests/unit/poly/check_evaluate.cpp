@@ -16,17 +16,6 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Guard {
-    poly p = nullptr;
-    Guard() = default;
-    explicit Guard(poly q) : p(q) {}
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-    ~Guard() { free_poly(&p); }
-    operator poly() const { return p; }
-    polyptrr operator&() { return &p; }
-};
-
 /// Appends a node to a list of values; nil: the variable stays.
 void add_value(polyptrr list, poly value) {
     while (*list != nullptr) list = &(*list)->next;
@@ -63,7 +52,7 @@ int32_t residue_at_all(poly p, std::initializer_list<const char*> values) {
 }
 
 std::string value_text(const char* p, std::initializer_list<const char*> values) {
-    Guard q(poly_of(p)), r;
+    PolyGuard q(poly_of(p)), r;
     poly list = list_of(values);
     all_poly_eval(&q, list, &r, 1);
     free_list(&list);
@@ -72,7 +61,7 @@ std::string value_text(const char* p, std::initializer_list<const char*> values)
 }
 
 std::string at_number(const char* p, const char* n2, bool addpad) {
-    Guard q(poly_of(p)), n(poly_of(n2)), r;
+    PolyGuard q(poly_of(p)), n(poly_of(n2)), r;
     poly_at_numb(&r, q, n, polynames, addpad);
     EXPECT_TRUE(poly_check(r, number_polys));
     return text_of(r);
@@ -83,7 +72,7 @@ TEST(Evaluate, residues_at_zero_give_the_constant_term) {
     set_up_once();
     use_variables(3);
     use_ring(101);
-    Guard p(poly_of("x^2 y + 3 x z + y^2 + 5 z + 17")), q(poly_of("x + y z"));
+    PolyGuard p(poly_of("x^2 y + 3 x z + y^2 + 5 z + 17")), q(poly_of("x + y z"));
     EXPECT_EQ(residue_at_all(p, {"0", "0", "0"}), 17);
     EXPECT_EQ(residue_at_all(q, {"0", "0", "0"}), 0);
     EXPECT_EQ(residue_at_all(p, {"0", "2", "0"}), 21);
@@ -100,7 +89,7 @@ TEST(Evaluate, long_gaps_are_reduced_modulo_primes_alone) {
         use_ring(m);
         for (int32_t e = 0; e <= 40; e++)
             for (int32_t a = 1; a < 7; a++) {
-                Guard p(term_poly(1, &e, 1));
+                PolyGuard p(term_poly(1, &e, 1));
                 int32_t expected = 1 % m, x = a % m, list_value = x;
                 for (int32_t i = 0; i < e; i++)
                     expected = modmult(static_cast<uint32_t>(expected), static_cast<uint32_t>(x));
@@ -110,7 +99,7 @@ TEST(Evaluate, long_gaps_are_reduced_modulo_primes_alone) {
             }
     }
     use_ring(7);
-    Guard g20(poly_of("x^20")), g18(poly_of("x^18")), g15(poly_of("x^15"));
+    PolyGuard g20(poly_of("x^20")), g18(poly_of("x^18")), g15(poly_of("x^15"));
     EXPECT_EQ(residue_at_all(g20, {"3"}), 2);
     EXPECT_EQ(residue_at_all(g18, {"3"}), 1);
     EXPECT_EQ(residue_at_all(g15, {"3"}), 6);
@@ -121,7 +110,7 @@ TEST(Evaluate, lists_that_end_early_are_faults) {
     set_up_once();
     use_variables(2);
     use_ring(101);
-    Guard p(poly_of("x y + 1"));
+    PolyGuard p(poly_of("x y + 1"));
     poly list = list_of({"3"});
     int32_t ans = 0;
     EXPECT_TRUE(RAISES(mod_all_poly_eval(p, list, &ans)));
@@ -179,7 +168,7 @@ PROPERTY(values_of_sums_and_products, 3000) {
     {
         Shape s{4, 6, 4};
         if (round % 5 == 0) s.max_exp = 40;
-        Guard p(random_nonzero_poly(rng, s)), q(random_nonzero_poly(rng, s)), sum, product;
+        PolyGuard p(random_nonzero_poly(rng, s)), q(random_nonzero_poly(rng, s)), sum, product;
         poly_add(p, q, &sum);
         poly_mult(p, q, &product, polynames);
         poly list = nullptr;
@@ -194,7 +183,7 @@ PROPERTY(values_of_sums_and_products, 3000) {
             }
             add_value(&list, v);
         }
-        Guard a, b, c, d, t;
+        PolyGuard a, b, c, d, t;
         all_poly_eval(&p, list, &a, 1);
         all_poly_eval(&q, list, &b, 1);
         all_poly_eval(&sum, list, &c, 1);
@@ -220,16 +209,16 @@ PROPERTY(numbers_for_all_variables, 2000) {
     use_variables(4);
     int64_t before = live_records();
     {
-        Guard p(random_nonzero_poly(rng, Shape{3, 8, round % 3 == 0 ? 50 : 5}));
+        PolyGuard p(random_nonzero_poly(rng, Shape{3, 8, round % 3 == 0 ? 50 : 5}));
         poly list = nullptr;
         for (int32_t k = 0; k < 3; k++) {
             poly v = zero_leaf();
             random_number(rng, Coefs::small, v->ncoef);
             add_value(&list, v);
         }
-        Guard one_by_one(copy_of(p)), padded(copy_of(p)), all, direct(zero_leaf());
+        PolyGuard one_by_one(copy_of(p)), padded(copy_of(p)), all, direct(zero_leaf());
         for (poly v = list; v != nullptr; v = v->next) {
-            Guard n(copy_of(poly_1));
+            PolyGuard n(copy_of(poly_1));
             node_assign(v, &n);
             if (modularmode)
                 mod_poly_at_numb(&one_by_one, one_by_one, n, polynames, 0);
@@ -259,18 +248,18 @@ TEST(Evaluate, coefficients_in_a_deeper_variable) {
         int32_t k, e;
         const char* coefficient;
     };
-    Guard p(poly_of("x^2 y^3 + 2 x y^3 z + 5 x^2 + 7 y^3 + 9"));
+    PolyGuard p(poly_of("x^2 y^3 + 2 x y^3 z + 5 x^2 + 7 y^3 + 9"));
     const Row rows[] = {
         {0, 2, "1*y^3 + 5"}, {0, 0, "7*y^3 + 9"},         {0, 1, "2*y^3*z"},
         {0, 3, "0"},         {1, 3, "1*x^2 + 2*x*z + 7"}, {1, 0, "5*x^2 + 9"},
         {1, 1, "0"},         {2, 1, "2*x*y^3"},           {2, 0, "1*x^2*y^3 + 5*x^2 + 7*y^3 + 9"}};
     for (const Row& row : rows) {
-        Guard s;
+        PolyGuard s;
         extract_coef(p, &s, row.k, row.e);
         EXPECT_EQ(text_of(s), row.coefficient) << row.k << " " << row.e;
         EXPECT_TRUE(poly_check(s, 3));
     }
-    Guard s;
+    PolyGuard s;
     extract_coef(poly_1, &s, 1, 0);
     EXPECT_EQ(text_of(s), "1");
     extract_coef(poly_1, &s, 1, 2);
@@ -285,15 +274,15 @@ PROPERTY(levels_exchanged_and_put_back, 2000) {
     int64_t before = live_records();
     {
         int32_t lev = random_int(rng, 1, 4);
-        Guard p(random_nonzero_poly(rng, Shape{4, 9, 3})), up, back, x, y, value, by_value, direct;
-        Guard padded(copy_of(p));
+        PolyGuard p(random_nonzero_poly(rng, Shape{4, 9, 3})), up, back, x, y, value, by_value, direct;
+        PolyGuard padded(copy_of(p));
         add_pad(&padded, 1);
         base_poly(&x, 1);
         base_poly(&y, lev + 1);
         case_two(padded, &up, static_cast<int16_t>(lev + 1), x, polynames);
         EXPECT_TRUE(poly_check(up, 5));
         for (poly t = is_number(p) ? nullptr : up.p; t != nullptr; t = t->next) {
-            Guard c, d;
+            PolyGuard c, d;
             extract_coef(p, &c, lev - 1, t->exp);
             d.p = coefficient_copy(t);
             EXPECT_TRUE(poly_equal(c, d)) << text_of(p) << " at " << lev;
@@ -307,7 +296,7 @@ PROPERTY(levels_exchanged_and_put_back, 2000) {
         poly_at_numb(&direct, up, value, polynames, 0);
         EXPECT_TRUE(poly_equal(by_value, direct)) << text_of(p) << " at " << lev;
         // a polynomial in the place of the top variable
-        Guard w(random_nonzero_poly(rng, Shape{3, 2, 2})), sum, expected, one;
+        PolyGuard w(random_nonzero_poly(rng, Shape{3, 2, 2})), sum, expected, one;
         add_pad(&w, 1);
         case_one(p, &sum, w, polynames);
         poly_at_numb(&expected, p, is_number(w) ? w.p : w.p->pcoef, polynames, 1);

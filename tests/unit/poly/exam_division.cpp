@@ -17,15 +17,10 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Division : ::testing::Test {
-    void SetUp() override {
-        set_up_once();
-        use_variables(6);
-        use_integers();
-    }
+struct Division : PolyTest {
     void TearDown() override {
         pos_mod = 1;
-        use_integers();
+        PolyTest::TearDown();
     }
 };
 

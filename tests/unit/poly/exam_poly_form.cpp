@@ -17,21 +17,7 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 namespace {
-/// A test with the integers in force at first and last, and the count of records unchanged at the end.
-class PolyForm : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        set_up_once();
-        use_integers();
-        before = live_records();
-    }
-    void TearDown() override {
-        EXPECT_EQ(live_records(), before);
-        use_integers();
-        laurent = 0;
-    }
-    int64_t before = 0;
-};
+using PolyForm = PolyTest;
 
 /// exp over leaf 1
 void expect_power_of_one(const polynode* p, int32_t exp) {

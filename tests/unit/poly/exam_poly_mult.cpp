@@ -12,20 +12,7 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 namespace {
-class PolyMult : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        set_up_once();
-        use_integers();
-        before = live_records();
-    }
-    void TearDown() override {
-        EXPECT_EQ(live_records(), before);
-        use_integers();
-        laurent = 0;
-    }
-    int64_t before = 0;
-};
+using PolyMult = PolyTest;
 
 void expect_text(poly got, const char* text) {
     poly want = poly_of(text);
@@ -298,7 +285,7 @@ TEST_F(PolyMult, exponents_beyond_a_word_are_refused) {
     EXPECT_TRUE(RAISES(simple_standard(p, q, 1, 1, &got)));
     EXPECT_TRUE(RAISES(compute_power(&p, 2, nullptr)));
     free_poly(&p), free_poly(&q);
-    before = live_records();  // what the jump left behind is lost
+    records_before = live_records();  // what the jump left behind is lost
 }
 
 /// Keys of one word, of two, and exponents too wide for any key.

@@ -11,15 +11,6 @@
 using namespace tolvex;
 using namespace tolvex::test;
 namespace {
-struct Guard {
-    poly p = nullptr;
-    explicit Guard(poly q) : p(q) {}
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-    ~Guard() { free_poly(&p); }
-    operator poly() const { return p; }
-};
-
 /// x^(terms-1) + ... + x + 1: terms leaves, 2 terms - 1 nodes.
 poly dense_ones(int32_t terms) {
     poly p = nullptr;
@@ -74,16 +65,17 @@ TEST(SizeEstimates, counters_stop_at_their_caps) {
         // 2t - 1 nodes or t terms of a chain; 2 more make the first count above the cap
         int32_t t = static_cast<int32_t>(row.terms ? row.cap : row.cap / 2);
         int64_t at = row.terms ? t : 2 * t - 1;
-        Guard below(dense_ones(t - 1)), p(dense_ones(t)), above(dense_ones(t + 1)), beyond(dense_ones(3 * t));
+        PolyGuard below(dense_ones(t - 1)), p(dense_ones(t)), above(dense_ones(t + 1)),
+            beyond(dense_ones(3 * t));
         EXPECT_EQ(row.count(below), row.terms ? at - 1 : at - 2);
         EXPECT_EQ(row.count(p), at);
         EXPECT_EQ(row.count(above), row.cap);
         EXPECT_EQ(row.count(beyond), row.cap);
         EXPECT_EQ(row.count(poly_1), 1);
     }
-    Guard deep(grid(30, 60));  // 30 terms of the top chain and 60 nodes below each
+    PolyGuard deep(grid(30, 60));  // 30 terms of the top chain and 60 nodes below each
     EXPECT_EQ(poly_nodes(deep), 30 * 61);
-    Guard deeper(grid(30, 70));
+    PolyGuard deeper(grid(30, 70));
     EXPECT_EQ(poly_nodes(deeper), 2000);
     EXPECT_EQ(node_total(deep), 1000);
     EXPECT_EQ(big_node_total(deep), 30 * (1 + 2 * 60 - 1));
@@ -94,7 +86,7 @@ TEST(SizeEstimates, lengths_stop_one_above_the_limit) {
     set_up_once();
     use_variables(1);
     for (int32_t n = 1; n < 12; n++) {
-        Guard p(dense_ones(n));
+        PolyGuard p(dense_ones(n));
         EXPECT_EQ(fast_poly_length(p, 5), n < 6 ? n : 6);
         EXPECT_EQ(poly_length(p), n);
     }
@@ -107,7 +99,7 @@ TEST(SizeEstimates, box_of_exponents) {
     int32_t box = 0;
     EXPECT_EQ(expon_node_total(poly_1, 1, 1, &box), 1);
     EXPECT_EQ(box, 1);
-    Guard p(poly_of("x^3 y^2 + x y^4 z + 7"));              // x: 0..3, y: 0..4, z: 0..1
+    PolyGuard p(poly_of("x^3 y^2 + x y^4 z + 7"));          // x: 0..3, y: 0..4, z: 0..1
     EXPECT_EQ(expon_node_total(p, 1, 1, &box), 3 + 2 + 3);  // the nodes of 7, of x^3 y^2, of x y^4 z
     EXPECT_EQ(box, 4 * 5 * 2);
     EXPECT_EQ(expon_node_total(p, 3, 1, &box), 8);
@@ -115,20 +107,20 @@ TEST(SizeEstimates, box_of_exponents) {
     EXPECT_EQ(deglist[4], 5);
     EXPECT_EQ(deglist[6], 0);
     // a pad is no node, but its level is in the box
-    Guard padded(poly_of("z^2 + 1"));
+    PolyGuard padded(poly_of("z^2 + 1"));
     EXPECT_EQ(expon_node_total(padded, 1, 1, &box), 3);
     EXPECT_EQ(box, 3);
     // added to, without init: the box is left alone
     box = -5;
     expon_node_total(p, 1, 1, &box);
     int32_t kept = box;
-    Guard wider(poly_of("x^9 y"));
+    PolyGuard wider(poly_of("x^9 y"));
     EXPECT_EQ(expon_node_total(wider, 1, 0, &box), 3);
     EXPECT_EQ(box, kept);
     EXPECT_EQ(deglist[1], 10);
     // the counts around the caps
     for (int32_t rows : {1, 2, 5, 14, 30}) {
-        Guard g(grid(rows, 100));
+        PolyGuard g(grid(rows, 100));
         int32_t full = (rows - 1) * 200 + 199;  // the row of exponent 0 is a pad
         int32_t seen = expon_node_total(g, 1, 1, &box);
         EXPECT_LE(seen, 3200);
@@ -138,7 +130,7 @@ TEST(SizeEstimates, box_of_exponents) {
             EXPECT_GT(seen, 1600);
         EXPECT_EQ(box, rows * 100);
     }
-    Guard chain(dense_ones(2500));
+    PolyGuard chain(dense_ones(2500));
     int32_t large = expon_node_total(chain, 1, 1, &box);
     EXPECT_TRUE(large > 1600 && large <= 3200);
     EXPECT_EQ(box, 2500);
@@ -148,7 +140,7 @@ TEST(SizeEstimates, box_overflow_has_its_own_value) {
     set_up_once();
     use_variables(4);
     int32_t box = 0;
-    Guard fits(poly_of("x^46339 y^46339")), over(poly_of("x^46340 y^46341")),
+    PolyGuard fits(poly_of("x^46339 y^46339")), over(poly_of("x^46340 y^46341")),
         far(poly_of("x^2147483647 y^9 z^9"));
     expon_node_total(fits, 1, 1, &box);
     EXPECT_EQ(box, 46340 * 46340);
@@ -163,12 +155,12 @@ TEST(SizeEstimates, masses_of_small_polynomials) {
     use_integers();
     use_variables(3);
     EXPECT_EQ(poly_mass(poly_1, 2, 1), 1);
-    Guard p(poly_of("x^3 + 5 x + 7"));
+    PolyGuard p(poly_of("x^3 + 5 x + 7"));
     EXPECT_EQ(poly_mass(p, 2, 1), 2 * 3 + 1 + 1);  // the leading term alone has the multiplier
     EXPECT_EQ(better_poly_mass(p, 2, 1), (1 + 2 * 2 * 2) + (1 + 1 * 2) + (1 + 1));
     EXPECT_EQ(new_poly_mass(p, 1), 3 + 1 + 1);
     EXPECT_EQ(new_poly_mass(p, 4), 12 + 4 + 1);
-    Guard q(poly_of("x^2 y^3 + y"));  // y stands under exponent 0 of x
+    PolyGuard q(poly_of("x^2 y^3 + y"));  // y stands under exponent 0 of x
     EXPECT_EQ(poly_mass(q, 2, 1), 2 * 2 * (2 * 3) + 1);
     EXPECT_EQ(new_poly_mass(q, 1), 2 * (2 * 3) + 1);
     EXPECT_EQ(simple_poly_mass(p), 3 * (31 + 8) + 2 * 13);
@@ -177,7 +169,7 @@ TEST(SizeEstimates, masses_of_small_polynomials) {
     EXPECT_EQ(poly_weight(p, 1), 3 + 1);
     EXPECT_EQ(poly_weight(q, 1), 2 * 3 + 1);
     use_ring(7);
-    Guard m(poly_of("x^3 + 5 x + 7"));
+    PolyGuard m(poly_of("x^3 + 5 x + 7"));
     EXPECT_EQ(simple_poly_mass(m), 2 * 31 + 2 * 13);
     EXPECT_EQ(poly_mass(m, 2, 1), 7);
     use_integers();
@@ -187,19 +179,19 @@ TEST(SizeEstimates, masses_saturate) {
     set_up_once();
     use_integers();
     use_variables(4);
-    Guard big(poly_of("x^2000000000 y^2000000000 z^2000000000 t^2000000000 + x^1999999999 y"));
+    PolyGuard big(poly_of("x^2000000000 y^2000000000 z^2000000000 t^2000000000 + x^1999999999 y"));
     EXPECT_EQ(poly_mass(big, 2, 1), 33554430);
     EXPECT_EQ(poly_mass(big, 2147483647, 150), 33554430);
     EXPECT_EQ(better_poly_mass(big, 2, 1), 1073741824);
     EXPECT_EQ(new_poly_mass(big, 1), 268435456);
     EXPECT_EQ(poly_weight(big, 1), 10000000);
-    Guard under(poly_of("x^33554429")), over(poly_of("x^33554431"));
+    PolyGuard under(poly_of("x^33554429")), over(poly_of("x^33554431"));
     EXPECT_EQ(poly_mass(under, 1, 1), 33554429);
     EXPECT_EQ(poly_mass(over, 1, 1), 33554430);
-    Guard w1(poly_of("x^9999999")), w2(poly_of("x^10000001"));
+    PolyGuard w1(poly_of("x^9999999")), w2(poly_of("x^10000001"));
     EXPECT_EQ(poly_weight(w1, 1), 9999999);
     EXPECT_EQ(poly_weight(w2, 1), 10000000);
-    Guard n1(poly_of("x^268435455")), n2(poly_of("x^268435457"));
+    PolyGuard n1(poly_of("x^268435455")), n2(poly_of("x^268435457"));
     EXPECT_EQ(new_poly_mass(n1, 1), 268435455);
     EXPECT_EQ(new_poly_mass(n2, 1), 268435456);
 }
@@ -209,7 +201,7 @@ TEST(SizeEstimates, byte_masses_stop_above_their_limits) {
     use_ring(101);
     use_variables(1);
     // a term of a chain weighs 13 + 31, the constant one 31
-    Guard five(dense_ones(6)), seven(dense_ones(7)), ten(dense_ones(10));
+    PolyGuard five(dense_ones(6)), seven(dense_ones(7)), ten(dense_ones(10));
     EXPECT_EQ(very_simple_poly_mass(five), 5 * 44 + 31);
     EXPECT_EQ(very_simple_poly_mass(seven), 6 * 44);  // 264 is above 250: left
     EXPECT_EQ(more_simple_poly_mass(seven), 6 * 44 + 31);
@@ -243,7 +235,7 @@ TEST(SizeEstimates, shapes_of_polynomials) {
     set_up_once();
     use_integers();
     use_variables(4);
-    Guard one(poly_of("x^2 + 3")), two(poly_of("x y + z^5 + 1")), low(poly_of("z^2 + t"));
+    PolyGuard one(poly_of("x^2 + 3")), two(poly_of("x y + z^5 + 1")), low(poly_of("z^2 + t"));
     EXPECT_EQ(poly_height(one), 0);
     EXPECT_EQ(poly_height(two), 1);  // x, z: the level of y is a pad on the way to z
     EXPECT_EQ(poly_height(low), 1);
@@ -260,7 +252,7 @@ TEST(SizeEstimates, shapes_of_polynomials) {
     EXPECT_TRUE(depth_only_2(one));
     EXPECT_FALSE(depth_only_2(two));
     // the fifth term is not looked at
-    Guard hidden(poly_of("x^5 + x^4 + x^3 + x^2 + x y z")), seen(poly_of("x^5 + x^4 + x^3 + x y z"));
+    PolyGuard hidden(poly_of("x^5 + x^4 + x^3 + x^2 + x y z")), seen(poly_of("x^5 + x^4 + x^3 + x y z"));
     EXPECT_TRUE(depth_only_2(hidden));
     EXPECT_FALSE(depth_only_2(seen));
     const int32_t degrees[] = {1, 1, 5, 0, 0};
@@ -274,7 +266,7 @@ TEST(SizeEstimates, shapes_of_polynomials) {
     }
     EXPECT_EQ(sum_degrees(two, 1, 100), 5);
     EXPECT_EQ(sum_degrees(two, 1, 2), 2);  // x y is enough
-    Guard tall(poly_of("x^2 y^3 z^4 + x^8"));
+    PolyGuard tall(poly_of("x^2 y^3 z^4 + x^8"));
     EXPECT_EQ(sum_degrees(tall, 1, 1000), 9);
     EXPECT_EQ(sum_degrees(tall, 1, 9), 9);
 }
@@ -284,7 +276,7 @@ TEST(SizeEstimates, field_levels_are_numbers) {
     set_up_once();
     use_integers();
     use_variables(4);
-    Guard p(poly_of("x^2 z + x^2 z^2 t + y t + 1")), unit(poly_of("z + t"));
+    PolyGuard p(poly_of("x^2 z + x^2 z^2 t + y t + 1")), unit(poly_of("z + t"));
     EXPECT_EQ(f_poly_numterms(p, 1), 4);
     EXPECT_EQ(polys_there(p, 1), 4);
     EXPECT_EQ(sum_degrees(p, 1, 100), 5);
@@ -321,14 +313,14 @@ TEST(SizeEstimates, bits_of_coefficients) {
     use_integers();
     use_variables(2);
     EXPECT_EQ(max_digits(poly_1), 1);
-    Guard p(poly_of("255 x + 256 y - 511")), b(poly_of("268435455 x - 268435456 y")), z(poly_of("0"));
+    PolyGuard p(poly_of("255 x + 256 y - 511")), b(poly_of("268435455 x - 268435456 y")), z(poly_of("0"));
     EXPECT_EQ(max_digits(p), 9);
     EXPECT_EQ(max_digits(b), 29);
     EXPECT_EQ(max_digits(z), 0);
     use_ring(101);
-    Guard m(poly_of("100 x + 3"));  // 100 is -1
+    PolyGuard m(poly_of("100 x + 3"));  // 100 is -1
     EXPECT_EQ(max_digits(m), 2);
-    Guard h(poly_of("50 x + 51 y"));
+    PolyGuard h(poly_of("50 x + 51 y"));
     EXPECT_EQ(max_digits(h), 6);
     use_integers();
 }
@@ -337,7 +329,7 @@ TEST(SizeEstimates, bits_of_coefficients) {
 PROPERTY(measures_of_random_polynomials, 500) {
     use_integers();
     use_variables(3);
-    Guard p(random_nonzero_poly(rng, 3, 12, 5, Coefs::two_digits));
+    PolyGuard p(random_nonzero_poly(rng, 3, 12, 5, Coefs::two_digits));
     EXPECT_EQ(fast_numterms(p), poly_terms(p));
     EXPECT_EQ(node_total(p), bigger_node_total(p));
     int64_t mass = simple_poly_mass(p), chain = 0;
