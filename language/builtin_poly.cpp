@@ -85,8 +85,7 @@ static int32_t level_of_variable(const quolynode* q) {
     return p->exp == 1 && p->next == nullptr && poly_eq_1(p->pcoef) ? level : 0;
 }
 
-/// An argument that names a level: a variable, or its number, read with modular arithmetic suspended.
-static int32_t read_level(BuiltinCall& call, Err not_declared) {
+int32_t read_level(BuiltinCall& call, Err not_declared) {
     boolean was_modular = 0;
     check_modular(&was_modular);
     Value v;

@@ -49,6 +49,7 @@ struct BuiltinRoutines {
         of[90] = builtin_Sumall;
         of[100] = builtin_Trace;
         of[2] = of[62] = builtin_Char;
+        of[3] = builtin_Chpoly;
         of[4] = of[9] = builtin_Deg;
         of[5] = builtin_Coef;
         of[8] = builtin_Content;

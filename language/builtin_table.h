@@ -19,6 +19,7 @@ void builtin_ArrayExpression(BuiltinCall& call);
 void builtin_Bell(BuiltinCall& call);
 void builtin_Bin(BuiltinCall& call);
 void builtin_Char(BuiltinCall& call);
+void builtin_Chpoly(BuiltinCall& call);
 void builtin_Coef(BuiltinCall& call);
 void builtin_Cols(BuiltinCall& call);
 void builtin_Colreduce(BuiltinCall& call);

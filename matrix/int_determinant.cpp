@@ -1,8 +1,7 @@
 #include "matrix/int_determinant.h"
 
+#include "matrix/int_entries.h"
 #include "matrix/word_determinant.h"
-#include "numbers/limbs.h"
-#include "numbers/primes.h"
 #include "poly/leaf_number.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_quot.h"
@@ -13,16 +12,8 @@
 #include <cstring>
 namespace tolvex {
 namespace {
-constexpr uint32_t k_first_prime = (1u << 23) - 15;  // the largest below 2^23, up to which images are fastest
-
-/// An entry in scratch memory: sign and magnitude.
-struct Entry {
-    const limb* at;
-    int64_t n;  // 0: the number 0
-    bool negative;
-};
 struct IntMatrix {
-    Entry* entries;  // n times n of them
+    IntEntry* entries;  // n times n of them
     int32_t n;
 };
 /// A value x modulo the product of the primes so far, 0 <= x < product.
@@ -32,48 +23,7 @@ struct Crt {
 };
 }  // namespace
 
-// ---- entries -------------------------------------------------------------------------------------------
-
-static Entry entry_of(const number* v) {
-    if (v == nullptr || v->head->value == 0) return {nullptr, 0, false};
-    limb* at = scratch_array<limb>(limbs_for(v->size));
-    int64_t n = limbs_from_chain(at, v->head, v->size);
-    return {at, n, v->head->value < 0};
-}
-
-static Entry times(Entry a, Entry b) {
-    if (a.n == 0 || b.n == 0) return {nullptr, 0, false};
-    limb* r = scratch_array<limb>(a.n + b.n);
-    limbs_mul(r, a.at, a.n, b.at, b.n);
-    return {r, limbs_trim(r, a.n + b.n), a.negative != b.negative};
-}
-
-static limb* copy_of(Entry a) {
-    limb* r = scratch_array<limb>(a.n + 1);
-    memcpy(r, a.at, static_cast<size_t>(a.n) * sizeof(limb));
-    r[a.n] = 0;
-    return r;
-}
-
-/// a / b, which is exact; positive numbers.
-static Entry exact_quotient(Entry a, Entry b) {
-    limb* q = scratch_array<limb>(a.n - b.n + 1);
-    limb* rest = copy_of(a);
-    limbs_divrem(q, rest, a.n, b.at, b.n);
-    return {q, limbs_trim(q, a.n - b.n + 1), false};
-}
-
-static Entry common_multiple(Entry a, Entry b) {
-    limb *x = copy_of(a), *y = copy_of(b), *g = scratch_array<limb>(std::min(a.n, b.n));
-    int64_t n = limbs_gcd(g, x, a.n, y, b.n);
-    return times(a, exact_quotient(b, {g, n, false}));
-}
-
 // ---- the bound -----------------------------------------------------------------------------------------
-
-static int64_t bits_of(const Entry& a) {
-    return a.n == 0 ? 0 : 64 * (a.n - 1) + std::bit_width(a.at[a.n - 1]);
-}
 
 /// Over lines of entries `step` apart: the bits of the largest one and half those of the number of entries
 /// that are not 0, one line with the next; -1: a line is 0.
@@ -83,7 +33,7 @@ static int64_t bits_over_lines(const IntMatrix& m, int64_t line_step, int64_t st
         int64_t most = 0;
         uint64_t count = 0;
         for (int64_t k = 0; k < m.n; k++) {
-            int64_t bits = bits_of(m.entries[line * line_step + k * step]);
+            int64_t bits = entry_bits(m.entries[line * line_step + k * step]);
             most = std::max(most, bits);
             count += bits > 0;
         }
@@ -103,15 +53,9 @@ static int64_t determinant_bits(const IntMatrix& m) {
 
 // ---- images --------------------------------------------------------------------------------------------
 
-static uint32_t residue_of(const WordField& f, const Entry& a) {
-    if (a.n == 0) return 0;
-    uint32_t r = a.n == 1 ? wf_reduce(f, a.at[0]) : static_cast<uint32_t>(limbs_mod_1(a.at, a.n, f.p));
-    return a.negative ? wf_neg(f, r) : r;
-}
-
 static uint32_t image_of(const WordField& f, const IntMatrix& m, uint32_t* residues) {
     int64_t count = int64_t{m.n} * m.n;
-    for (int64_t k = 0; k < count; k++) residues[k] = residue_of(f, m.entries[k]);
+    for (int64_t k = 0; k < count; k++) residues[k] = entry_residue(f, m.entries[k]);
     return word_determinant(f, residues, m.n);
 }
 
@@ -141,12 +85,6 @@ static void symmetric_value(Crt& crt, imptr det) {
         chain_from_limbs(det, crt.x, crt.xn, false);
 }
 
-static uint32_t prime_below(uint32_t p) {
-    do p -= 2;
-    while (!is_prime(static_cast<int32_t>(p)));
-    return p;
-}
-
 /// The determinant of at least one row.
 static void determinant_of(const IntMatrix& m, imptr det) {
     int64_t bits = determinant_bits(m);
@@ -158,8 +96,8 @@ static void determinant_of(const IntMatrix& m, imptr det) {
     int64_t room = bits / 64 + 3;
     Crt crt = {scratch_array<limb>(room), scratch_array<limb>(room), 0, 1};
     crt.product[0] = 1;
-    uint32_t p = k_first_prime;
-    for (; bits_of({crt.product, crt.productn, false}) <= bits; p = prime_below(p)) {
+    uint32_t p = k_first_image_prime;
+    for (; entry_bits({crt.product, crt.productn, false}) <= bits; p = image_prime_below(p)) {
         WordField f = word_field_prime(p);
         take_image(crt, f, image_of(f, m, residues));
         poll_interrupt();
@@ -170,41 +108,37 @@ static void determinant_of(const IntMatrix& m, imptr det) {
 void int_determinant(const number* const* entries, int32_t n, imptr det) {
     ScratchMark mark = scratch_mark();
     int64_t count = int64_t{n} * n;
-    IntMatrix m = {scratch_array<Entry>(count), n};
-    for (int64_t k = 0; k < count; k++) m.entries[k] = entry_of(entries[k]);
+    IntMatrix m = {scratch_array<IntEntry>(count), n};
+    for (int64_t k = 0; k < count; k++) m.entries[k] = int_entry(entries[k]);
     determinant_of(m, det);
     scratch_release(mark);
 }
 
 // ---- rational entries ----------------------------------------------------------------------------------
 
-static Entry numerator(const quolynode* q) { return entry_of(q->numb ? q->ncoef : q->numer->ncoef); }
-static Entry denominator(const quolynode* q) {
-    static const limb k_one = 1;
-    return q->numb ? Entry{&k_one, 1, false} : entry_of(q->denom->ncoef);
-}
-
 /// The n entries of a line times the least common multiple of their denominators, which is returned.
-static Entry clear_line(const quoly* line, int32_t n, Entry* out) {
-    Entry multiple = denominator(quol_num_1);
+static IntEntry clear_line(const quoly* line, int32_t n, IntEntry* out) {
+    IntEntry multiple = k_entry_one;
     for (int32_t k = 0; k < n; k++)
-        if (line[k] != nullptr && !line[k]->numb) multiple = common_multiple(multiple, denominator(line[k]));
+        if (line[k] != nullptr && !line[k]->numb)
+            multiple = entry_common_multiple(multiple, entry_denominator(line[k]));
     for (int32_t k = 0; k < n; k++) {
         if (line[k] == nullptr) {
             out[k] = {nullptr, 0, false};
             continue;
         }
-        out[k] = times(numerator(line[k]), exact_quotient(multiple, denominator(line[k])));
+        out[k] =
+            entry_product(entry_numerator(line[k]), entry_quotient(multiple, entry_denominator(line[k])));
     }
     return multiple;
 }
 
 void rational_determinant(const quoly* entries, int32_t n, quolyptr det) {
     ScratchMark mark = scratch_mark();
-    IntMatrix m = {scratch_array<Entry>(int64_t{n} * n), n};
-    Entry divisor = denominator(quol_num_1);
+    IntMatrix m = {scratch_array<IntEntry>(int64_t{n} * n), n};
+    IntEntry divisor = k_entry_one;
     for (int64_t line = 0; line < n; line++) {
-        divisor = times(divisor, clear_line(entries + line * n, n, m.entries + line * n));
+        divisor = entry_product(divisor, clear_line(entries + line * n, n, m.entries + line * n));
         poll_interrupt();
     }
     number value = {}, below = {};

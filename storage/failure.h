@@ -43,6 +43,7 @@ enum class Err : int32_t {
     bad_file_name = 33,
     sqrt_needs_prime = 34,
     comment_misplaced = 35,
+    rows_below_modulus = 36,
     sqrt_bad_argument = 37,
     statement_separator = 38,
     shapes_differ = 39,

@@ -1,0 +1,22 @@
+#pragma once
+/// matrix/charpoly.h: characteristic polynomials.
+///
+/// Purpose    det(x I - A) as a product over the strong components of the matrix. A block of residues modulo a prime or
+///            of a table field: matrix/word_charpoly.h; of integers: images modulo word primes, put together until
+///            their product exceeds twice a bound of the coefficients; of residues modulo a composite number: lifted to
+///            the integers; of rational numbers: cleared of their common denominator; of functions: the determinant
+///            itself.
+/// Ownership  elements are only read.
+/// Cost       of a block of side n: the bound has about n log2(n max) / 2 + n log2(max) bits; each 23 of them take n^3
+///            products of words.
+#include "matrix/sparse.h"
+#include "quoly/quoly.h"
+
+#include <cstdint>
+namespace tolvex {
+/// *p := det(x I - A), x the variable of `level`; a is n by n, n >= 1, column by column, no element nil. What *p held is
+/// given back.
+void characteristic_polynomial(const quoly* a, int32_t n, int32_t level, quolyptr p);
+/// The same for a sparse matrix.
+void sparse_chpoly(sparseptr spar, int32_t n, int32_t level, quolyptr p);
+}  // namespace tolvex
