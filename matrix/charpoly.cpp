@@ -1,5 +1,6 @@
 #include "matrix/charpoly.h"
 
+#include "matrix/berkowitz.h"
 #include "matrix/components.h"
 #include "matrix/determinant.h"
 #include "matrix/int_entries.h"
@@ -7,7 +8,10 @@
 #include "numbers/num_compare.h"
 #include "poly/leaf_number.h"
 #include "poly/packed_crt.h"
+#include "poly/poly_add.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_mult.h"
+#include "poly/poly_vars.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
@@ -227,10 +231,56 @@ static void charpoly_of_rationals(const DiagonalBlock& b, int32_t level, quolypt
 
 // ---- blocks of functions -------------------------------------------------------------------------------
 
-static void charpoly_of_functions(const DiagonalBlock& b, int32_t level, quolyptr p) {
+/// True if all entries are polynomials in which the variable does not occur.
+static bool without_divisions(const DiagonalBlock& b, int32_t level) {
+    for (int64_t k = 0; k < int64_t{b.n} * b.n; k++) {
+        const quolynode* q = b.entry[k];
+        if (q == nullptr || q->numb) continue;
+        if (q->denom != nullptr || poly_contains_level(q->numer, level)) return false;
+    }
+    return true;
+}
+
+/// *result := the sum of c[k] x^k, which are used up.
+static void sum_of_powers(poly* c, int32_t n, int32_t level, quolyptr result) {
+    poly sum = c[0], x = nullptr;
+    base_poly(&x, level);
+    for (int32_t k = 1; k <= n; k++) {
+        poly power = nullptr;
+        poly_assign(x, &power);
+        compute_power(&power, k, polynames);
+        poly_mult(c[k], power, &c[k], polynames);
+        best_poly_add(sum, c[k], &sum);
+        free_poly(&power);
+        poll_interrupt();
+    }
+    free_poly(&x);
+    poly_to_quoly(&sum, result);
+}
+
+static void charpoly_of_polynomials(const DiagonalBlock& b, int32_t level, quolyptr result) {
     ScratchMark mark = scratch_mark();
     int64_t count = int64_t{b.n} * b.n;
-    auto* shifted = scratch_array<quoly>(count);  // x I - A
+    auto* entries = scratch_array<poly>(count);
+    auto* leaf = scratch_array<polynode>(count);  // shells of the numbers among the entries
+    auto* c = scratch_array<poly>(int64_t{b.n} + 1);
+    for (int64_t k = 0; k < count; k++) {
+        entries[k] = nullptr;
+        const quolynode* q = b.entry[k];
+        if (q == nullptr) continue;
+        leaf[k] = {0, 1, nullptr, {q->ncoef}};
+        entries[k] = q->numb ? &leaf[k] : q->numer;
+    }
+    berkowitz_charpoly(entries, b.n, c);
+    sum_of_powers(c, b.n, level, result);
+    scratch_release(mark);
+}
+
+/// The determinant of x I - A.
+static void charpoly_by_determinant(const DiagonalBlock& b, int32_t level, quolyptr p) {
+    ScratchMark mark = scratch_mark();
+    int64_t count = int64_t{b.n} * b.n;
+    auto* shifted = scratch_array<quoly>(count);
     poly x = nullptr;
     quoly variable = nullptr;
     base_poly(&x, level);
@@ -275,7 +325,8 @@ static void charpoly_of_block(const DiagonalBlock& b, int32_t level, quolyptr re
     case Entries::rationals:
         return charpoly_of_rationals(b, level, result);
     case Entries::functions:
-        return charpoly_of_functions(b, level, result);
+        return (without_divisions(b, level) ? charpoly_of_polynomials : charpoly_by_determinant)(b, level,
+                                                                                                 result);
     }
     poly_to_quoly(&p, result);
 }
