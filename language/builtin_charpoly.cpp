@@ -1,13 +1,18 @@
-// Chpoly: characteristic polynomials.
+// Chpoly, Minpoly: characteristic and minimal polynomials.
 
 #include "language/array_expre.h"
 #include "language/builtin_table.h"
 #include "language/matrix_argument.h"
 #include "matrix/charpoly.h"
 #include "matrix/matrix_modes.h"
+#include "matrix/minpoly.h"
 #include "numbers/primes.h"
+#include "numbers/ring_switch.h"
 #include "quoly/quoly_convert.h"
 #include "storage/progress.h"
+#include "storage/scratch.h"
+
+#include <cstdio>
 namespace tolvex {
 // ---- the matrix of an argument -------------------------------------------------------------------------
 
@@ -34,6 +39,12 @@ bool close_matrix_argument(BuiltinCall& call, bool open) {
 void finish_matrix_value(BuiltinCall& call) {
     quolyptr at = call.n;
     refused_at_interrupt("matrix functions", &at, call.n);
+}
+
+/// In scratch memory.
+static MatrixEntries entries_of(const ArrOperand& v) {
+    return is_sparse(v) ? sparse_entry_list(v.spar, v.facts.rows)
+                        : dense_entries(elements_of(v), v.facts.rows);
 }
 
 // ---- Chpoly --------------------------------------------------------------------------------------------
@@ -70,10 +81,9 @@ static void characteristic_of(BuiltinCall& call, ArrOperand& v, int32_t level) {
         return;
     }
     if (verbose) show_head(v);
-    if (is_sparse(v))
-        sparse_chpoly(v.spar, n, level, call.n);
-    else
-        characteristic_polynomial(elements_of(v), n, level, call.n);
+    ScratchMark mark = scratch_mark();
+    characteristic_polynomial(entries_of(v), level, call.n);
+    scratch_release(mark);
     obey_modding(call.n);
 }
 
@@ -93,6 +103,85 @@ void builtin_Chpoly(BuiltinCall& call) {
         error(fault);
     else if (level > 0 && close_matrix_argument(call, open))
         characteristic_of(call, v, level);
+    end_operand(v);
+    finish_matrix_value(call);
+}
+
+// ---- Minpoly -------------------------------------------------------------------------------------------
+
+/// What stands behind the matrix; the "," is the current token. False after an error.
+static bool read_minpoly_arguments(BuiltinCall& call, MinpolyRequest* request) {
+    constexpr int32_t k_most_samples = 4;
+    next_token(call.inf, call.flag);
+    if (!at_char(',')) {
+        int32_t k = read_integer(call);
+        if (k < 1 || k >= k_most_samples) {
+            error(Err::minpoly_samples);
+            return false;
+        }
+        request->samples = k + 1;
+    }
+    if (!at_char(',')) return true;
+    next_token(call.inf, call.flag);
+    boolean modular;
+    check_modular(&modular);
+    Value bound;
+    get_the_data(call, &bound);
+    const quolynode* q = value_of(&bound);
+    bool number = q->numb;
+    if (number && !lintmode) request->bound_bits = log_of_number(q->ncoef);
+    drop_data(&bound);
+    restore_modular(modular);
+    if (!number) error(Err::number_expected);
+    return number;
+}
+
+static Err minpoly_fault(const ArrOperand& v) {
+    constexpr int32_t k_least_rows = 8;
+    if (!is_square(v)) return Err::minpoly_not_square;
+    if (v.facts.rows < k_least_rows) return Err::minpoly_rows;
+    if (modularmode && !finf && !mod_is_prime) return Err::not_in_word_mode;
+    return number_polys == 0 ? Err::no_polyvars : Err{};
+}
+
+static void minimal_of(BuiltinCall& call, const ArrOperand& v, const MinpolyRequest& request) {
+    constexpr int32_t k_shown_rows = 1000;
+    ScratchMark mark = scratch_mark();
+    MatrixEntries m = entries_of(v);
+    bool numbers = true;
+    for (int64_t k = 0; k < entry_count(m); k++) numbers = numbers && m.value[k]->numb;
+    bool found = false;
+    if (numbers) {
+        bool shown = verbose && m.places.n > k_shown_rows;
+        if (shown) dumpitt("Modular Minpoly. counting to ", 2 * int64_t{m.places.n} + 1, 1, 1, 0);
+        free_quoly(call.n);
+        found = minimal_polynomial(m, request, call.n);
+        if (shown) decr_dumpitt(1, 1, verbose);
+    }
+    scratch_release(mark);
+    if (found) return obey_modding(call.n);
+    if (*call.n == nullptr) quoly_set(0, call.n);
+    if (numbers)
+        fputs(" *** Warning: Minpoly failed. Integers in answer are too large\n", stdout);
+    else
+        error(Err::integers_needed);
+}
+
+/// Minpoly([a]), Minpoly([a], k), Minpoly([a], k, bound): the minimal polynomial.
+void builtin_Minpoly(BuiltinCall& call) {
+    quoly_set(0, call.n);
+    ArrOperand v;
+    bool open = false;
+    if (!read_matrix_argument(call, v, &open)) return;
+    MinpolyRequest request = {1, 2, -1};
+    bool good = !open || !at_char(',') || read_minpoly_arguments(call, &request);
+    if (good && close_matrix_argument(call, open)) {
+        Err fault = minpoly_fault(v);
+        if (fault != Err{})
+            error(fault);
+        else
+            minimal_of(call, v, request);
+    }
     end_operand(v);
     finish_matrix_value(call);
 }

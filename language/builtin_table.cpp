@@ -75,6 +75,7 @@ struct BuiltinRoutines {
         of[39] = of[69] = builtin_Lower;
         of[40] = builtin_Lterm;
         of[43] = of[44] = builtin_Mcoef;
+        of[46] = builtin_Minpoly;
         of[47] = builtin_Modmode;
         of[48] = builtin_Modulus;
         of[49] = builtin_Monless;

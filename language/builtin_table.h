@@ -48,6 +48,7 @@ void builtin_Log(BuiltinCall& call);
 void builtin_Lower(BuiltinCall& call);
 void builtin_Lterm(BuiltinCall& call);
 void builtin_Mcoef(BuiltinCall& call);
+void builtin_Minpoly(BuiltinCall& call);
 void builtin_Modmode(BuiltinCall& call);
 void builtin_Modulus(BuiltinCall& call);
 void builtin_Monless(BuiltinCall& call);

@@ -1,13 +1,11 @@
 #include "matrix/charpoly.h"
 
 #include "matrix/berkowitz.h"
-#include "matrix/components.h"
+#include "matrix/coefficients.h"
 #include "matrix/determinant.h"
 #include "matrix/int_entries.h"
 #include "matrix/word_charpoly.h"
 #include "numbers/num_compare.h"
-#include "poly/leaf_number.h"
-#include "poly/packed_crt.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
@@ -22,11 +20,6 @@
 #include <cmath>
 namespace tolvex {
 namespace {
-/// The entries of a matrix that are not 0, row by row.
-struct MatrixEntries {
-    MatrixPattern places;
-    const quolynode** value;
-};
 /// A diagonal block as a full matrix, row by row; nil: 0.
 struct DiagonalBlock {
     const quolynode** entry;
@@ -35,22 +28,6 @@ struct DiagonalBlock {
 enum class Entries { words, integers, rationals, functions };
 bool ring_is_composite() { return modularmode && !finf && !mod_is_prime; }
 }  // namespace
-
-// ---- coefficients to a polynomial ----------------------------------------------------------------------
-
-/// The polynomial with the coefficients number_of(k) of x^k, which may be 0, for k = 0..n.
-template <class Maker> static poly poly_of_coefficients(int32_t n, int32_t level, Maker number_of) {
-    poly top = nullptr;
-    polyptrr link = &top;
-    for (int32_t k = n; k >= 0; k--) {
-        imptr c = number_of(k);
-        if (c == nullptr) continue;
-        *link = chain_node(k, leaf_of(c));
-        link = &(*link)->next;
-    }
-    add_pad(&top, level - 1);
-    return top;
-}
 
 // ---- blocks of residues --------------------------------------------------------------------------------
 
@@ -62,13 +39,7 @@ static poly charpoly_of_words(const DiagonalBlock& b, int32_t level) {
     for (int64_t k = 0; k < count; k++)
         words[k] = b.entry[k] == nullptr ? 0 : static_cast<uint32_t>(b.entry[k]->ncoef->lint);
     word_charpoly(word_field_ring(), words, b.n, c);
-    poly p = poly_of_coefficients(b.n, level, [&](int32_t k) -> imptr {
-        if (c[k] == 0) return nullptr;
-        imptr leaf;
-        newimag(&leaf);
-        leaf->lint = static_cast<int32_t>(c[k]);
-        return leaf;
-    });
+    poly p = poly_of_words(c, b.n, level);
     scratch_release(mark);
     return p;
 }
@@ -104,16 +75,6 @@ static int64_t coefficient_bits(const IntEntry* entries, int32_t n) {
     return static_cast<int64_t>(std::min(rows, columns)) + 2;
 }
 
-static PackTerms image_terms(const uint32_t* c, int32_t n) {
-    PackTerms t = {0, scratch_array<int64_t>(int64_t{n} + 1), {scratch_array<uint32_t>(int64_t{n} + 1)}};
-    for (int32_t k = n; k >= 0; k--) {
-        if (c[k] == 0) continue;
-        t.index[t.count] = k;
-        t.residue[t.count++] = c[k];
-    }
-    return t;
-}
-
 /// The coefficients modulo enough primes; what they take of scratch memory stays.
 static CrtTerms integer_images(const IntEntry* entries, int32_t n) {
     int64_t count = int64_t{n} * n, bits = coefficient_bits(entries, n) + 1;
@@ -131,14 +92,6 @@ static CrtTerms integer_images(const IntEntry* entries, int32_t n) {
     return t;
 }
 
-/// *value := the coefficient of term i, in a new record.
-static imptr crt_number(CrtTerms& t, int64_t i) {
-    imptr c;
-    newimag(&c);
-    leaf_of_crt(&t, i, c);
-    return c;
-}
-
 static poly charpoly_of_integers(const DiagonalBlock& b, int32_t level) {
     ScratchMark mark = scratch_mark();
     int64_t count = int64_t{b.n} * b.n;
@@ -146,14 +99,7 @@ static poly charpoly_of_integers(const DiagonalBlock& b, int32_t level) {
     for (int64_t k = 0; k < count; k++)
         entries[k] = int_entry(b.entry[k] == nullptr ? nullptr : b.entry[k]->ncoef);
     CrtTerms t = integer_images(entries, b.n);
-    int64_t i = 0;
-    poly p = poly_of_coefficients(b.n, level, [&](int32_t k) -> imptr {
-        if (i == t.count || t.index[i] != k) return nullptr;
-        imptr c = crt_number(t, i++);
-        if (!iszero(c)) return c;
-        free_imag(&c);
-        return nullptr;
-    });
+    poly p = poly_of_crt(t, b.n, level);
     scratch_release(mark);
     return p;
 }
@@ -348,7 +294,8 @@ static DiagonalBlock cut_out(const MatrixEntries& m, const int32_t* rows, int32_
 
 /// The product of the characteristic polynomials of the diagonal blocks: of neighbours first, so that factors stay of
 /// like degrees.
-static void product_over_blocks(const MatrixEntries& m, int32_t level, quolyptr result) {
+void characteristic_polynomial(const MatrixEntries& m, int32_t level, quolyptr result) {
+    ScratchMark mark_all = scratch_mark();
     Components c = strong_components(m.places);
     auto* place = scratch_array<int32_t>(m.places.n);
     std::fill_n(place, m.places.n, -1);
@@ -376,48 +323,6 @@ static void product_over_blocks(const MatrixEntries& m, int32_t level, quolyptr 
     }
     free_quoly(result);
     *result = factor[0];
-}
-
-// ---- the two forms -------------------------------------------------------------------------------------
-
-void characteristic_polynomial(const quoly* a, int32_t n, int32_t level, quolyptr p) {
-    ScratchMark mark = scratch_mark();
-    auto* start = scratch_array<int64_t>(int64_t{n} + 1);
-    auto* column = scratch_array<int32_t>(int64_t{n} * n);
-    auto* value = scratch_array<const quolynode*>(int64_t{n} * n);
-    int64_t used = 0;
-    for (int32_t r = 0; r < n; r++) {
-        start[r] = used;
-        for (int32_t c = 0; c < n; c++) {
-            const quolynode* q = a[r + int64_t{c} * n];
-            if (quoly_iszero(q)) continue;
-            column[used] = c;
-            value[used++] = q;
-        }
-        poll_interrupt();
-    }
-    start[n] = used;
-    product_over_blocks({{n, start, column}, value}, level, p);
-    scratch_release(mark);
-}
-
-void sparse_chpoly(sparseptr spar, int32_t n, int32_t level, quolyptr p) {
-    ScratchMark mark = scratch_mark();
-    int64_t entries = sparse_entries(spar, n), used = 0;
-    auto* start = scratch_array<int64_t>(int64_t{n} + 1);
-    auto* column = scratch_array<int32_t>(entries);
-    auto* value = scratch_array<const quolynode*>(entries);
-    SparseWalk w = walk_sparse(spar, n);
-    while (colm_ptrptr t = next_row(w)) {
-        start[w.row] = used;
-        for (const colnode* e = *t; e != nullptr; e = e->next) {
-            column[used] = e->coord - 1;
-            value[used++] = e->val;
-        }
-        poll_every<64>(w.row);
-    }
-    start[n] = used;
-    product_over_blocks({{n, start, column}, value}, level, p);
-    scratch_release(mark);
+    scratch_release(mark_all);
 }
 }  // namespace tolvex

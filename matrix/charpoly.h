@@ -9,14 +9,10 @@
 /// Ownership  elements are only read.
 /// Cost       of a block of side n: the bound has about n log2(n max) / 2 + n log2(max) bits; each 23 of them take n^3
 ///            products of words.
-#include "matrix/sparse.h"
-#include "quoly/quoly.h"
+#include "matrix/entries.h"
 
 #include <cstdint>
 namespace tolvex {
-/// *p := det(x I - A), x the variable of `level`; a is n by n, n >= 1, column by column, no element nil. What *p held is
-/// given back.
-void characteristic_polynomial(const quoly* a, int32_t n, int32_t level, quolyptr p);
-/// The same for a sparse matrix.
-void sparse_chpoly(sparseptr spar, int32_t n, int32_t level, quolyptr p);
+/// *result := det(x I - A), x the variable of `level`. What *result held is given back.
+void characteristic_polynomial(const MatrixEntries& m, int32_t level, quolyptr result);
 }  // namespace tolvex
