@@ -90,6 +90,10 @@ void whole_modding(const polydata* v, polyptrr whole) {
 
 // ---- changes of the ground ring --------------------------------------------------------------------------
 
+// In modular mode: the polynomials that go back to chains are not those that the auxiliary lists were made
+// for.
+static bool lists_outdated = false;
+
 void modding_to_mod() {
     for (polypt v = polynames; v != nullptr; v = v->next) {
         if (v->p == nullptr) continue;
@@ -97,25 +101,47 @@ void modding_to_mod() {
         v->p = nullptr;
         poly_image(v->rational_p, &v->p);
     }
+    lists_outdated = false;
     tower_ring = modulus;
     tower_stamp++;
 }
 
-void modding_from_mod() {
-    const bool symmetric = alt_form_display && !finf;
-    bool same = true;
+void modding_exchange() {
     for (polypt v = polynames; v != nullptr; v = v->next) {
         if (v->p == nullptr) continue;
-        if (symmetric)
-            poly_change_from_mod_symmetric(&v->p);
-        else
-            poly_change_from_mod(&v->p);
-        if (v->field && (v->rational_p == nullptr || !poly_equal(v->p, v->rational_p))) same = false;
-        special_free_poly(&v->rational_p);
+        poly other = v->rational_p;
+        v->rational_p = v->p;
+        v->p = other;
     }
-    tower_ring = -1;
+    const int32_t ring = modding_lifted;
+    modding_lifted = ring > 0 ? 0 : tower_ring;
+    tower_ring = ring > 0 ? ring : -1;
     tower_stamp++;
-    if (!same) empty_lists();
+}
+
+void modding_lift() {
+    const bool symmetric = alt_form_display && !finf;
+    const boolean shape = lintmode;
+    lintmode = 0;
+    for (polypt v = polynames; v != nullptr; v = v->next) {
+        if (v->p == nullptr) continue;
+        poly chains = nullptr;
+        poly_lift(v->p, symmetric, &chains);
+        if (v->field && (v->rational_p == nullptr || !poly_equal(chains, v->rational_p)))
+            lists_outdated = true;
+        special_free_poly(&v->rational_p);
+        v->rational_p = chains;
+    }
+    lintmode = shape;
+    modding_exchange();
+}
+
+void modding_from_mod() {
+    modding_lift();
+    modding_lifted = 0;
+    for (polypt v = polynames; v != nullptr; v = v->next) special_free_poly(&v->rational_p);
+    if (lists_outdated) empty_lists();
+    lists_outdated = false;
 }
 
 bool level_is_field(polypt v) {

@@ -21,6 +21,12 @@ void remove_modding(polypt v);
 /// Coming back, polynomials that differ from those before empty the auxiliary lists.
 void modding_to_mod();
 void modding_from_mod();
+/// In modular mode, while values are worked out for the ring of integers: modding_lift puts the chains that
+/// the polynomials are going to be in force, modding_exchange exchanges them with the residues, and once
+/// more.
+void modding_lift();
+void modding_exchange();
+inline int32_t modding_lifted = 0;  // the ring of the residues while the chains are in force; else 0
 /// True if the level of v is irreducible over the tower below it in the modular ring in force. Polls.
 bool level_is_field(polypt v);
 /// *whole := the modding polynomial of v, t^n + a included; fresh.

@@ -3,6 +3,7 @@
 #include "numbers/num_divide.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 /// A chain as an element of the ring in force: its residue; in a table field its parity.
 static int32_t residue_of_chain(const number* n) {
@@ -14,31 +15,20 @@ static int32_t residue_of_chain(const number* n) {
     return static_cast<int32_t>(chain_mod_word(n, m));
 }
 
-/// Gives the chain back and leaves the residue in lint.
-static void number_to_residue(imptr x) {
-    if (x->size == 0) {  // a word of lintmode
-        x->lint = finf ? x->lint & 1 : residue_of_int(x->lint);
-        return;
-    }
-    int32_t r = residue_of_chain(x);
-    special_free(x);
-    x->lint = r;
-}
-
 /// A word of any size as the element of the ring in force that it stands for.
 static void word_to_residue(imptr x) { x->lint = residue_of_int(x->lint); }
 
-/// Every leaf of the chain by `to_residue`; terms that vanish are taken out, nil if all do.
-template <void (*to_residue)(imptr)> static void chain_to_mod(polyptrr at) {
+/// Every leaf of the chain; terms that vanish are taken out, nil if all do.
+static void reduce_chain(polyptrr at) {
     while (*at != nullptr) {
         poly t = *at;
         bool vanishes;
         if (t->numb) {
-            to_residue(t->ncoef);
+            word_to_residue(t->ncoef);
             vanishes = t->ncoef->lint == 0;
             if (vanishes) pool_push<&number::imag>(imhead, t->ncoef);
         } else {
-            chain_to_mod<to_residue>(&t->pcoef);
+            reduce_chain(&t->pcoef);
             vanishes = t->pcoef == nullptr;
         }
         if (vanishes) {
@@ -59,13 +49,8 @@ static poly residue_leaf(int32_t v) {
     return leaf_of(c);
 }
 
-void poly_change_to_mod(polyptrr p) {
-    chain_to_mod<number_to_residue>(p);
-    if (*p == nullptr) *p = residue_leaf(0);
-}
-
 void poly_reduce_words(polyptrr p) {
-    chain_to_mod<word_to_residue>(p);
+    reduce_chain(p);
     if (*p == nullptr) *p = residue_leaf(0);
 }
 
@@ -86,11 +71,48 @@ void poly_change_from_mod(polyptrr p) { chain_from_mod(*p, INT64_MAX); }
 
 void poly_change_from_mod_symmetric(polyptrr p) { chain_from_mod(*p, half_modulus); }
 
-/// The image of a chain, without vanished terms; nil if none is left.
-static poly image_chain(const polynode* p) {
+/// A fresh leaf with the chain of the word v.
+static poly chain_leaf(int64_t v) {
+    imptr c;
+    newimag(&c);
+    leaf_set_chain(c, v);
+    return leaf_of(c);
+}
+
+/// The chains of residues; above `line` they become negative.
+static poly lifted_chain(const polynode* p, int64_t line) {
+    constexpr int64_t k_unpolled = 256;
     poly head = nullptr;
     polyptrr at = &head;
-    for (; p != nullptr; p = p->next) {
+    for (int64_t k = 0; p != nullptr; p = p->next, k++) {
+        if (p->numb) {
+            int64_t v = p->ncoef->lint;
+            *at = chain_leaf(v > line ? v - modulus : v);
+            (*at)->exp = p->exp;
+        } else {
+            poly c = lifted_chain(p->pcoef, line);
+            new_term(at, p->exp, c);
+        }
+        at = &(*at)->next;
+        poll_every<k_unpolled>(k);
+    }
+    *at = nullptr;
+    return head;
+}
+
+void poly_lift(const polynode* p, bool symmetric, polyptrr q) {
+    poly fresh = lifted_chain(p, symmetric ? half_modulus : INT64_MAX);
+    special_free_poly(q);
+    *q = fresh;
+}
+
+/// The image of a chain, without vanished terms; nil if none is left.
+static poly image_chain(const polynode* p) {
+    constexpr int64_t k_unpolled = 256;
+    poly head = nullptr;
+    polyptrr at = &head;
+    for (int64_t k = 0; p != nullptr; p = p->next, k++) {
+        poll_every<k_unpolled>(k);
         if (p->numb) {
             int32_t r = residue_of_chain(p->ncoef);
             if (r == 0) continue;

@@ -51,30 +51,49 @@ bool quoly_mod_out(quolyptr q) {
     return stands;
 }
 
-static void fraction_to_mod(quolyptr q) {
-    quoly v = *q;
-    poly_change_to_mod(&v->numer);
-    if (v->denom != nullptr) poly_change_to_mod(&v->denom);
-    v->rat = 0;
-    (void)quoly_mod_out(q);
+/// numer / denom as it stands; quoly_mod_out brings it to canonical form.
+static quoly new_fraction(poly numer, poly denom) {
+    quoly q = nullptr;
+    newquoly(&q);
+    q->next = nullptr;
+    q->numb = q->rat = q->arr_arg = 0;
+    q->numer = numer;
+    q->denom = denom;
+    return q;
 }
 
-static void number_to_mod(imptr n) {
-    auto v = static_cast<int32_t>(chain_mod_word(n, static_cast<uint32_t>(finf ? 2 : modulus)));
-    special_free(n);
+static quoly new_word_value(int32_t v) {
+    imptr n;
+    newimag(&n);
     n->lint = v;
+    quoly q = nullptr;
+    receive_number(&q, n);
+    return q;
+}
+
+quoly quoly_image_to_mod(const quolynode* q) {
+    if (q->numb)
+        return new_word_value(
+            static_cast<int32_t>(chain_mod_word(q->ncoef, static_cast<uint32_t>(finf ? 2 : modulus))));
+    const boolean was_modular = modularmode, was_lint = lintmode;
+    modularmode = lintmode = 1;
+    poly numer = nullptr, denom = nullptr;
+    poly_image(q->numer, &numer);
+    if (q->denom != nullptr) poly_image(q->denom, &denom);
+    quoly image = new_fraction(numer, denom);
+    (void)quoly_mod_out(&image);
+    modularmode = was_modular;
+    lintmode = was_lint;
+    return image;
 }
 
 void quoly_change_to_mod(quolyptr q) {
-    if ((*q)->numb) {
-        number_to_mod((*q)->ncoef);
-        return;
-    }
-    boolean was_modular = modularmode, was_lint = lintmode;
-    modularmode = lintmode = 1;
-    fraction_to_mod(q);
-    modularmode = was_modular;
+    quoly image = quoly_image_to_mod(*q);
+    const boolean was_lint = lintmode;
+    lintmode = 0;
+    free_quoly(q);
     lintmode = was_lint;
+    *q = image;
 }
 
 static bool holds_words(const polynode* p) {
@@ -105,34 +124,41 @@ Err quoly_reduce_words(quolyptr q) {
     return Err{};
 }
 
-static void number_from_mod(imptr n, bool symmetric) {
-    boolean was_lint = lintmode;
+static quoly number_from_mod(int32_t v) {
+    const boolean was_lint = lintmode;
     lintmode = 0;
-    int32_t v = n->lint;
-    n->size = 0;
-    setvalue(symmetric && v > half_modulus ? v - modulus : v, n);
+    quoly image = nullptr;
+    quoly_set(v, &image);
     lintmode = was_lint;
+    return image;
 }
 
-/// Over Z the image of a monic denominator is reduced already, but one that had no unique form may not be.
-static void fraction_from_mod(quolyptr q, bool symmetric) {
-    auto change = symmetric ? poly_change_from_mod_symmetric : poly_change_from_mod;
-    change(&(*q)->numer);
-    if ((*q)->denom != nullptr) change(&(*q)->denom);
-    RingState modular_ring = ring_capture();
+// Over Z the image of a monic denominator is reduced already, but one that had no unique form may not be.
+quoly quoly_image_from_mod(const quolynode* q) {
+    const bool table_field = finf || modulus == 256 || modulus == 65536;
+    const bool symmetric = alt_form_display && !table_field;
+    if (q->numb) {
+        const int32_t v = q->ncoef->lint;
+        return number_from_mod(symmetric && v > half_modulus ? v - modulus : v);
+    }
+    poly numer = nullptr, denom = nullptr;
+    poly_lift(q->numer, symmetric, &numer);
+    if (q->denom != nullptr) poly_lift(q->denom, symmetric, &denom);
+    quoly image = new_fraction(numer, denom);
+    const RingState modular_ring = ring_capture();
     ring_enter_integers();
-    (void)quoly_mod_out(q);
+    (void)quoly_mod_out(&image);
     ring_assign(modular_ring);
+    return image;
 }
 
 void quoly_change_from_mod(quolyptr q) {
-    bool table_field = finf || modulus == 256 || modulus == 65536;
-    bool symmetric = alt_form_display && !table_field;
-    if ((*q)->numb) {
-        number_from_mod((*q)->ncoef, symmetric);
-    } else {
-        fraction_from_mod(q, symmetric);
-    }
+    quoly image = quoly_image_from_mod(*q);
+    const boolean was_lint = lintmode;
+    lintmode = 1;
+    free_quoly(q);
+    lintmode = was_lint;
+    *q = image;
 }
 
 // ---- variable lists ------------------------------------------------------------------------------------

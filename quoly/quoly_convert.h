@@ -13,14 +13,18 @@
 #include "quoly/quoly.h"
 #include "storage/failure.h"
 namespace tolvex {
+/// The image of q, fresh; q is only read and has to stay in place while statements run: they poll.
+quoly quoly_image_to_mod(const quolynode* q);
+quoly quoly_image_from_mod(const quolynode* q);
+/// q becomes its image.
 void quoly_change_to_mod(quolyptr q);
 void quoly_change_from_mod(quolyptr q);
 /// q, whose words were computed outside the modular ring in force, brought into it. Err{} if it has a value
 /// there; otherwise the error of its denominator, 0 or without an inverse, for the caller to raise or not: q
 /// is 0 then.
 Err quoly_reduce_words(quolyptr q);
-/// *q reduced by the modding polynomials in force, in canonical form. False: its denominator has become 0 or has
-/// no inverse that it needs; then *q is 0.
+/// *q reduced by the modding polynomials in force, in canonical form. False: its denominator has become 0 or
+/// has no inverse that it needs; then *q is 0.
 bool quoly_mod_out(quolyptr q);
 void quoly_insert_level(quoly q, int32_t level);  ///< a new variable came in at that level
 void quoly_remove_level(quoly q, int32_t level);  ///< taken out; it does not occur

@@ -94,6 +94,7 @@ static After assignment_form(Command& c) {
 static After ground_ring(Command& c) {
     bool listed = sign_follows(c.inf, c.flag, '(');
     if (listed) {
+        if (!ring_may_change()) return After::stay;
         next_token(c.inf, c.flag);
         if (c.stored()) {
             error(Err::ring_list_stored);

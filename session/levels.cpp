@@ -2,8 +2,8 @@
 
 #include "field/field_modes.h"
 #include "field/modding.h"
-#include "gcd/gcd_stash.h"
 #include "gcd/gcd_modes.h"
+#include "gcd/gcd_stash.h"
 #include "language/functions.h"
 #include "language/language_modes.h"
 #include "language/ports.h"
@@ -23,6 +23,7 @@
 #include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/startup.h"
+#include "session/value_images.h"
 #include "storage/audit.h"
 #include "storage/interrupt.h"
 #include "storage/interrupt_probe.h"
@@ -144,6 +145,8 @@ static void drop_line_rests() {
     if (suspended && modularmode) reduce_stored_words(&none);
     was_modulus = -1;
     integerflag = 0;
+    if (modding_lifted > 0) modding_exchange();
+    release_images();
     scratch_release({nullptr, 0});
     close_open_fields();
     drop_line_rests();
@@ -258,6 +261,7 @@ struct SuspendedStatement {
     tokentipe token;
     nameptr zilch;
     boolean tt_flag, bar_closes, linesuppression, plain_residues, done_load, minus_warning;
+    bool lifted;  // modding polynomials stand in another ring than the user's
     StoredPlace place;
     polypt names;  // variables in force instead of the user's; nil: the user's
     StatementCounters counters;
@@ -274,11 +278,13 @@ static SuspendedStatement suspend_statement() {
                             eval_state.plain_residues,
                             done_load,
                             minus_warning,
+                            modding_lifted > 0,
                             set_statement_aside(),
                             eval_state.user_names == nullptr ? nullptr : polynames,
                             save_counters(),
                             scratch_mark()};
     back_to_user_names();
+    if (s.lifted) modding_exchange();
     ring_unwind();  // the level works in the ring of the user
     integerflag = 0;
     eval_state.bar_closes = 0;  // what is held stays held: the level may delete it
@@ -290,6 +296,7 @@ static SuspendedStatement suspend_statement() {
 static void resume_statement(const SuspendedStatement& s) {
     interrupts_held++;
     ring_assign(s.ring);
+    if (s.lifted) modding_exchange();
     token = s.token;
     zilch = s.zilch;
     tt_flag = s.tt_flag;
@@ -327,6 +334,7 @@ static void open_level() {
     if (was_in_rat && below.ring.modularmode) report_switched_ring();
     breaktime[time_level] = time_now();
     levelcount++;
+    levels_opened++;
     quotient_by_zero = 0;  // above level 1 a division by 0 is a warning, and its value 0
     time_level++;
     time_off[time_level] = {};

@@ -17,6 +17,7 @@ namespace tolvex {
 [[noreturn]] void panic_stop();
 /// Opens a command level on top of the statement under way; comes back when it is left by `&_p`.
 void new_level();
+inline int64_t levels_opened = 0;  // command levels opened so far     writers: open_level
 /// Binds the interrupt signal.
 void install_interrupt_handler();
 /// The counters that belong to one statement start anew.

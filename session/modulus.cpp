@@ -15,11 +15,13 @@
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
 #include "session/levels.h"
-#include "session/mod_out.h"
 #include "session/loop.h"
+#include "session/mod_out.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
 #include "session/session_modes.h"
+#include "session/value_images.h"
+#include "storage/scratch.h"
 
 #include <cstdio>
 namespace tolvex {
@@ -29,8 +31,7 @@ static constexpr int32_t k_div_cutoff_rational = 6, k_div_cutoff_modular = 25;
 static constexpr int32_t k_decimals_rational = 4, k_decimals_modular = 16;
 static constexpr int32_t k_codes_rational = 998;  // character codes that arrays may hold
 
-/// The ground ring stands still above level 1, and while a value is half computed in it.
-static bool ring_may_change() {
+bool ring_may_change() {
     if (levelcount == 1 && eval_state.held == nullptr) return true;
     error(Err::mode_change_above_level_1);
     return false;
@@ -60,13 +61,15 @@ static void announce_modulus() {
 }
 
 bool enter_modular(int32_t m, bool loud) {
-    drop_running_values();
-    bool table_field = m == 256 || m == 65536;
+    const ScratchMark mark = scratch_mark();
+    const bool table_field = m == 256 || m == 65536;
+    prepare_values(-1, m);
     interrupts_held++;
+    drop_running_values();
+    exchange_values(-1, m);
     // An integer goes to a table field through its prime field.
     set_modulus(table_field ? 2 : m);
     mod_is_prime = is_prime(modulus);
-    carry_values(-1, m);
     modularmode = lintmode = 1;
     f256 = m == 256;
     f2t16 = m == 65536;
@@ -88,6 +91,8 @@ bool enter_modular(int32_t m, bool loud) {
     if (pseudo_polynames != nullptr) tower_ring = modulus;
     interrupts_held--;
     test_fields();
+    release_images();
+    scratch_release(mark);
     return true;
 }
 
@@ -97,11 +102,13 @@ bool leave_modular(bool loud) {
         error(Err::ring_locked);
         return false;
     }
-    drop_running_values();
+    const ScratchMark mark = scratch_mark();
+    prepare_values(modulus, -1);
     interrupts_held++;
+    drop_running_values();
+    exchange_values(modulus, -1);
     modularmode = lintmode = 0;
     modding_from_mod();
-    carry_values(modulus, -1);
     f256 = f2t16 = finf = 0;
     set_modulus(-1);
     mod_is_prime = 0;
@@ -113,6 +120,8 @@ bool leave_modular(bool loud) {
     quoly_set(0, &prevnum);
     gcd_stash_outdated();
     interrupts_held--;
+    release_images();
+    scratch_release(mark);
     return true;
 }
 

@@ -1,20 +1,26 @@
 #include "session/ring_list.h"
 
+#include "field/modding.h"
+#include "gcd/gcd_modes.h"
 #include "language/array_values.h"
+#include "language/evaluator.h"
 #include "language/other_rings.h"
 #include "language/symbols.h"
 #include "language/tokens/scanner.h"
 #include "numbers/primes.h"
 #include "numbers/ring_switch.h"
+#include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
-#include "storage/failure.h"
+#include "session/value_images.h"
+#include "storage/interrupt.h"
 namespace tolvex {
 namespace {
-/// What the next change converts: a location, or an array itself. It is only compared, never followed: the variable
-/// may be gone.
+/// What the next change converts, by its name: a level that opens meanwhile may delete it, or make it anew.
 struct listed_value {
     listed_value* next;
-    const void* what;
+    tokentipe name;
+    bool array;
+    const void* what;  // its location, or the array itself; only compared, never followed
 };
 listed_value* list = nullptr;
 listed_value* list_garb = nullptr;
@@ -42,10 +48,23 @@ static bool is_listed(const void* what) {
     return false;
 }
 
-static void add_to_list(const void* what) {
+static void add_to_list(const tokentipe& name, bool array, const void* what) {
     listed_value* l = pool_pop<&listed_value::next>(list_garb, nullptr);
-    *l = {list, what};
+    *l = {list, name, array, what};
     list = l;
+}
+
+static void look_up_list() {
+    for (listed_value* l = list; l != nullptr; l = l->next) {
+        if (l->array) {
+            arrptr a = nullptr;
+            fastestlookup(l->name, &a);
+            l->what = a == nullptr ? nullptr : array_itself(a);
+        } else {
+            varptr v = find_var(l->name);
+            l->what = v == nullptr ? nullptr : &v->val;
+        }
+    }
 }
 
 /// "[a]", the name being the current token; false after an error.
@@ -59,7 +78,7 @@ static bool read_array_item(FILE* inf, nameptr* flag) {
         return false;
     }
     next_token(inf, flag);
-    add_to_list(array_itself(a));
+    add_to_list(name, true, array_itself(a));
     return true;
 }
 
@@ -76,7 +95,7 @@ static bool read_item(FILE* inf, nameptr* flag) {
     } else if (p == nullptr) {
         error(Err::undefined_variable, tok_text(token));
     } else {
-        add_to_list(&p->val);
+        add_to_list(token, false, &p->val);
         next_token(inf, flag);
         return true;
     }
@@ -120,21 +139,99 @@ void carry_value(quolyptr value, int32_t from, int32_t to) {
     ring_assign(now);
 }
 
+// ---- the walk over what is converted -------------------------------------------------------------------
+
+/// Calls visit(location, ring of the value) for the scalars; stops when it says false.
+template <class Visit> static bool walk_scalars(int32_t from, Visit visit) {
+    for (varptr bucket : sca_store)
+        for (varptr p = bucket; p != nullptr; p = p->next)
+            if (p->val != nullptr && is_listed(&p->val) && !visit(&p->val, from)) return false;
+    return true;
+}
+
+template <class Visit> static bool walk_elements(arrptr a, Visit visit) {
+    if (a->spar != nullptr) {
+        SparseWalk w = walk_sparse(a->spar, a->rows);
+        while (colm_ptrptr row = next_row(w))
+            for (colm_ptr p = *row; p != nullptr; p = p->next)
+                if (!visit(&p->val, a->ring)) return false;
+        return true;
+    }
+    for (int32_t k = 0; k < a->sizearr; k++) {
+        quolyptr slot = dense_slot(a, k);
+        if (*slot != nullptr && !visit(slot, a->ring)) return false;
+    }
+    return true;
+}
+
+/// Calls visit(array) for the arrays that are not in the ring `to` yet.
+template <class Visit> static bool walk_arrays(int32_t to, Visit visit) {
+    auto goes = [=](const arrnode* a) { return !is_alias(a) && a->ring != to && is_listed(a); };
+    for (arrptr bucket : arr_store)
+        for (arrptr a = bucket; a != nullptr; a = a->next)
+            if (goes(a) && !visit(a)) return false;
+    return syst == nullptr || !goes(syst) || visit(syst);
+}
+
+/// The values that stand in other rings and are converted.
+template <class Visit> static bool walk_away(int32_t to, Visit visit) {
+    for (away_value* entry = away_list; entry != nullptr; entry = entry->next)
+        if (entry->ring != to && is_listed(entry->at) && !visit(&entry->value, entry->ring)) return false;
+    return true;
+}
+
+// ---- images --------------------------------------------------------------------------------------------
+
 namespace {
-struct Change {
+/// From one ring to another: the states that the steps of a conversion want.
+struct Route {
     int32_t from, to;
+    RingState leaving, entering;
 };
 }  // namespace
 
-static void carry_or_put_away(quolyptr value, void* context) {
-    const auto* change = static_cast<const Change*>(context);
-    if (!is_listed(value)) {
-        put_away(value, change->from);
-    } else if (change->to > 0) {
-        quoly_change_to_mod(value);
-    } else {
-        quoly_change_from_mod(value);
+static Route route_between(int32_t from, int32_t to) {
+    Route r = {};
+    r.from = from;
+    r.to = to;
+    const RingState now = ring_capture();
+    force_ring(from);
+    modularmode = lintmode = 0;
+    r.leaving = ring_capture();
+    ring_assign(now);
+    force_ring(to == 256 || to == 65536 ? 2 : to);
+    r.entering = ring_capture();
+    ring_assign(now);
+    return r;
+}
+
+/// The image of *q, which stays in place.
+static quoly image_by(const quolynode* q, const Route& route) {
+    if (route.from <= 0) {
+        ring_assign(route.entering);
+        return quoly_image_to_mod(q);
     }
+    ring_assign(route.leaving);
+    quoly image = quoly_image_from_mod(q);
+    if (route.to > 0) {
+        ring_assign(route.entering);
+        quoly_change_to_mod(&image);
+    }
+    return image;
+}
+
+/// A value of the ring in force may be replaced by a level: it is held then. Others nobody can touch.
+static quoly image_of(quolyptr at, const Route& route, bool own) {
+    if ((*at)->numb || !own) return image_by(*at, route);
+    Value source;
+    source.own = nullptr;
+    source.hold = {at, &source.own, nullptr};
+    hold(&source);
+    quoly image = image_by(value_of(&source), route);
+    let_go(&source);
+    lintmode = route.from > 0;
+    release(&source);
+    return image;
 }
 
 /// A new value that was never finished: 0, in the ring before.
@@ -145,43 +242,73 @@ static void drop_unfinished(int32_t from) {
     lintmode = shape;
 }
 
-static void element_to_mod(quolyptr value, void*) { quoly_change_to_mod(value); }
-static void element_from_mod(quolyptr value, void*) { quoly_change_from_mod(value); }
-
-/// The array itself goes to the ring `to`. Whether an entry has become 0 is seen in the shape that it has then.
-static void carry_array(arrptr a, int32_t to) {
-    RingState now = ring_capture();
-    if (a->ring > 0) {
-        force_ring(a->ring);
-        modularmode = lintmode = 0;
-        for_each_element(a, element_from_mod, nullptr);
-    }
-    if (to > 0) {
-        force_ring(to == 256 || to == 65536 ? 2 : to);
-        for_each_element(a, element_to_mod, nullptr);
-    }
-    ring_assign(now);
-    a->ring = to;
+/// One walk over the values; false if a level has been opened.
+static bool make_images(int32_t from, int32_t to) {
+    begin_images(to > 0);
+    look_up_list();
+    drop_unfinished(from);
+    Route route = route_between(from, to);
+    auto visit = [&](quolyptr at, int32_t ring) {
+        if (ring != route.from) route = route_between(ring, to);
+        quoly image = image_of(at, route, ring == from);
+        keep_image(&image);
+        poll_interrupt();
+        return !images_outdated();
+    };
+    return walk_scalars(from, visit) && walk_arrays(to, [&](arrptr a) { return walk_elements(a, visit); }) &&
+           walk_away(to, visit) && !images_outdated();
 }
 
-void carry_values(int32_t from, int32_t to) {
-    Change change = {from, to};
-    drop_unfinished(from);
+void prepare_values(int32_t from, int32_t to) {
+    const RingState saved = ring_save(), inside = ring_capture();
+    const GcdCounters counters = gcd_counters_save();
+    lookupgcd = -1000;  // gcds of images are none of the ring in force
+    if (from > 0) modding_lift();
+    while (!make_images(from, to)) ring_assign(inside);
+    if (from > 0) modding_exchange();
+    gcd_counters_restore(counters);
+    ring_restore(saved);
+}
+
+// ---- the exchange --------------------------------------------------------------------------------------
+
+static void exchange_element(quolyptr value, void*) { exchange_image(value); }
+
+/// What is not converted is put away in its ring, and what is there in the new ring comes back.
+static void sort_away(int32_t from, int32_t to) {
     away_value* before = away_list;  // what is put away now comes in front
-    for_each_scalar(carry_or_put_away, &change);
-    each_array([=](arrptr a) {
-        if (a->ring != to && is_listed(a)) carry_array(a, to);
-    });
+    for (varptr bucket : sca_store)
+        for (varptr p = bucket; p != nullptr; p = p->next)
+            if (p->val != nullptr && !is_listed(&p->val)) put_away(&p->val, from);
     away_value** link = &away_list;
     while (*link != before) link = &(*link)->next;
     while (*link != nullptr) {
         away_value* entry = *link;
-        if (entry->ring != to && !is_listed(entry->at)) {
+        if (entry->ring == to || is_listed(entry->at)) {
+            bring_back(link);
+        } else {
             link = &entry->next;
-            continue;
         }
-        carry_value(&entry->value, entry->ring, to);
-        bring_back(link);
     }
+}
+
+void exchange_values(int32_t from, int32_t to) {
+    const boolean shape = lintmode;
+    lintmode = to > 0;  // whether an entry has become 0 is seen in the shape that it has then
+    rewind_images();
+    auto exchange = [](quolyptr at, int32_t) {
+        exchange_image(at);
+        return true;
+    };
+    walk_scalars(from, exchange);
+    walk_arrays(to, [=](arrptr a) {
+        for_each_element(a, exchange_element, nullptr);
+        a->ring = to;
+        return true;
+    });
+    walk_away(to, exchange);
+    lintmode = shape;
+    images_exchanged();
+    sort_away(from, to);
 }
 }  // namespace tolvex

@@ -190,6 +190,7 @@ static void set_ring_form(SwitchForm& form) {
     }
     bool listed = tok_is(token, ":");
     if (listed) {
+        if (!ring_may_change()) return;
         next_token(form.inf, form.flag);
         if (!read_ring_list(form.inf, form.flag, true)) return;
     } else if (!tok_is(token, ")")) {

@@ -216,6 +216,78 @@ class Places:
                     raise Broken(f"after {statement} with {change}: {bytes(session.out[-500:])!r}")
                 self.end(session)
 
+    def change_of_ring(self):
+        """Until a change of the ground ring is complete nothing has changed: a level sees all values in the ring before, what
+        it stores goes along, and a panic stop leaves them as they were."""
+        setup = ["&(J = x, y)", "&(P = y^3 - 1000003, 1)", "Func Q(k) = (k*7919|2003)^9 - 2^61.", "e := x^2/(3*x - 7):", "old := 5^30:",
+                 "[m] := [<i=1,400><j=1,500> Q(i + j)]:", "[p] := [<i=1,300><j=1,100> (i*x - j)^3*y^2]:",
+                 "[q] := [<i=1,40><j=1,100> (x + i)/(x - j*y)]:", "Array s[2000,20] Sparse:", "[s] := [<i=1,2000><j=1,20> Q(i*j)/(i + j*32003)]:",
+                 "[gone] := [<i=1,100><j=1,100> i*x]:", "<[m]"]
+        if len(os.environ.get("ASAN_OPTIONS", "")) > 0:  # an instrumented build
+            setup = [line.replace("<j=1,500>", "<j=1,60>").replace("2000", "500") for line in setup]
+        asked = ["e", "old", "!([<i=1,7><j=1,7> m[50*i,j]])", "!([<i=1,5><j=1,5> p[i,j]])", "!([<i=1,3><j=1,3> q[i,j]])",
+                 "!([<i=1,20><j=1,5> s[i,j]])", "y^3"]
+        there, back, part = "&(p = 32003)", "&(p = _i)", "&(p = 65521: e, [m], [s])"
+        reference = self.start(False, setup)
+        before = [reference.say(line) for line in asked]
+        for line in ("old := 7:", "@[gone]", there):
+            reference.say(line)
+        modular = [reference.say(line) for line in asked]
+        reference.say(back)
+        after = [reference.say(line) for line in asked]
+        text = reference.say(part)
+        partly = [reference.say(line) for line in asked if line in ("e",) or "m[" in line or "s[" in line]
+        self.end(reference)
+        inside = 0
+        for k in range(12):
+            session = self.start(k % 2 == 1, setup)
+            panic = k % 4 == 3
+            for statement, values, result in ((there, before, modular), (back, modular, after)):
+                start = len(session.out)
+                session.send(statement)
+                time.sleep(0.002 + 0.004 * k)
+                session.interrupt()
+                within = b"Now in modular" not in session.out[start:] and not session.out[start:].startswith(b"\n\n>")
+                inside += within
+                if within:
+                    if [session.say(line).replace(b"2>", b">") for line in asked] != values:
+                        raise Broken(f"at a level within {statement}: {bytes(session.out[-3000:])!r}")
+                if panic and within:
+                    session.level = 1
+                    session.say("&@")
+                    if [session.say(line) for line in asked] != values:
+                        raise Broken(f"after a panic stop within {statement}: {bytes(session.out[-3000:])!r}")
+                    start = len(session.out)
+                    session.send(statement)
+                    session.interrupt()
+                if statement == there:
+                    session.say("old := 7:")
+                    session.say("@[gone]")
+                session.resume()
+                session.wait(lambda: session.at_prompt(start) and re.search(rb"\n 0\n>$", bytes(session.out[start:])))
+                got = [session.say(line) for line in asked]
+                if got != result:
+                    raise Broken(f"{statement}, interrupted: {got!r} instead of {result!r}")
+            start = len(session.out)
+            session.send(part)
+            session.interrupt()
+            session.say("&e:")
+            session.level = 3
+            session.send("&(p = 7: [p])")  # refused, and it does not change what is listed
+            session.wait(lambda: session.out.endswith(b"3>"))
+            session.resume()
+            session.wait(lambda: session.at_prompt(start))
+            session.resume()
+            session.wait(lambda: session.at_prompt(start))
+            got = [session.say(line) for line in asked if line in ("e",) or "m[" in line or "s[" in line]
+            if got != partly or b"belongs to another ground ring" not in session.say("p[1,1]"):
+                raise Broken(f"{part}, interrupted: {got!r} instead of {partly!r}")
+            self.end(session)
+        if self.args.verbose:
+            print(f"{inside} of 24 interrupts within a change of ring")
+        if inside == 0:
+            raise Broken("no interrupt came within a change of ring")
+
     def other_ring(self):
         """Where a gcd works modulo a prime the level says so, and has the ring of the user."""
         setup = ["&(J = x, y, z)", "f := (x + 2*y - z + 3)^9:", "p := f*(x - y + 5*z)^9:", "q := f*(x + y + z - 1)^9:"]
@@ -251,7 +323,7 @@ def main():
     places = Places(args)
     try:
         for step in (places.lines, places.time_line, places.suspended, places.worked_example, places.given_up_field, places.arrays_in_use,
-                     places.other_ring):
+                     places.change_of_ring, places.other_ring):
             if not re.search(args.only, step.__name__):
                 continue
             step()

@@ -492,17 +492,20 @@ TEST_F(PolyForm, change_of_ring) {
     poly_image(p, &image);
     poly want = poly_of("5*x*y + 5*y + 1");
     EXPECT_TRUE(poly_equal(image, want)) << text_of(image);
-    poly_change_to_mod(&p);
-    EXPECT_TRUE(poly_equal(p, want)) << text_of(p);
-    free_poly(&want), free_poly(&image);
-    poly q = copy_of(p);
-    poly_change_from_mod(&p);
+    free_poly(&want);
+    poly q = copy_of(image), lifted = nullptr, lifted_symmetric = nullptr;
+    poly_lift(image, false, &lifted);
+    poly_lift(image, true, &lifted_symmetric);
+    poly_change_from_mod(&image);
     poly_change_from_mod_symmetric(&q);
     use_integers();
+    EXPECT_TRUE(poly_equal(p, original)) << text_of(p);  // it has only been read
     poly plain = poly_of("5*x*y + 5*y + 1"), symmetric = poly_of("-x*y - y + 1");
-    EXPECT_TRUE(poly_equal(p, plain)) << text_of(p);
+    EXPECT_TRUE(poly_equal(image, plain)) << text_of(image);
+    EXPECT_TRUE(poly_equal(lifted, plain)) << text_of(lifted);
     EXPECT_TRUE(poly_equal(q, symmetric)) << text_of(q);
-    for (poly* t : {&p, &q, &plain, &symmetric, &original}) free_poly(t);
+    EXPECT_TRUE(poly_equal(lifted_symmetric, symmetric)) << text_of(lifted_symmetric);
+    for (poly* t : {&p, &q, &image, &lifted, &lifted_symmetric, &plain, &symmetric, &original}) free_poly(t);
 }
 
 TEST_F(PolyForm, everything_vanishes_in_the_image) {
@@ -510,15 +513,15 @@ TEST_F(PolyForm, everything_vanishes_in_the_image) {
     use_ring(3);
     poly_image(p, &image);
     EXPECT_TRUE(poly_iszero(image));
-    poly_change_to_mod(&p);
-    EXPECT_TRUE(poly_iszero(p));
-    free_poly(&p), free_poly(&image);
+    free_poly(&image);
     use_integers();
+    special_free_poly(&p);
     p = poly_of("2*x*y + 3");  // the chain collapses to the constant
     use_ring(2);
-    poly_change_to_mod(&p);
-    EXPECT_TRUE(poly_eq_1(p));
-    free_poly(&p);
+    poly_image(p, &image);
+    EXPECT_TRUE(poly_eq_1(image));
+    free_poly(&image);
+    special_free_poly(&p);
 }
 
 TEST_F(PolyForm, integers_go_into_a_table_field_modulo_2) {
@@ -527,9 +530,8 @@ TEST_F(PolyForm, integers_go_into_a_table_field_modulo_2) {
     poly image = nullptr;
     poly_image(p, &image);
     EXPECT_EQ(text_of(image), "1*y + 1");
-    poly_change_to_mod(&p);
-    EXPECT_TRUE(poly_equal(p, image));
-    free_poly(&p), free_poly(&image);
+    free_poly(&image);
+    special_free_poly(&p);
 }
 
 TEST_F(PolyForm, release_whatever_the_mode) {
