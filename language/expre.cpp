@@ -113,13 +113,18 @@ static bool combine_small(char sign, int64_t a, int64_t b, quolyptr n) {
     return set_small(rest, n);
 }
 
-/// n := left (sign) right, left being at *qp.
-static void combine(char sign, boolean nogcd, const Value* left, const Value* right, quolyptr n) {
+/// n := left (sign) right, left being at *qp. A private right side may be used up.
+static void combine(char sign, boolean nogcd, const Value* left, Value* right, quolyptr n) {
     quoly m = value_of(right);
     bool in_place = is_private(left);
     if (is_small(m) && is_small(value_of(left)) &&
         combine_small(sign, small_value(value_of(left)), small_value(m), n))
         return;
+    if (in_place && is_private(right) && sign != '\\' && sign != '|') {
+        right->own = nullptr;
+        sign == '/' ? best_quoly_quot(n, m, nogcd) : best_quoly_mult(n, m);
+        return;
+    }
     switch (sign) {
     case '/':
         if (in_place)

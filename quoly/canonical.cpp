@@ -140,7 +140,7 @@ void drop_factor(Factor* f) {
 
 poly factor_taken(Factor* f) {
     poly p = f->p;
-    if (!f->fresh) {
+    if (!f->fresh && !f->lent) {
         p = nullptr;
         poly_assign(f->p, &p);
     }

@@ -62,10 +62,11 @@ inline bool rational_words(const quolynode* q, int32_t* n, int32_t* d) {
 /// After an operation that was allowed to use up n or m: gives back what is left of them, unless it is *p.
 void drop_used(quoly n, quoly m, quolyptr p, uint32_t uses);
 
-/// A polynomial that is either borrowed from an operand or fresh.
+/// A polynomial that is borrowed from an operand, or lent by one that the operation uses up, or fresh.
 struct Factor {
     poly p;
     bool fresh;
+    bool lent = false;  // may become part of the result as it stands
 };
 inline Factor borrowed(poly p) { return {p, false}; }
 void drop_factor(Factor* f);

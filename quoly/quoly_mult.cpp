@@ -7,6 +7,7 @@
 #include "numbers/residue.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
+#include "poly/poly_scale.h"
 #include "poly/poly_test.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_fraction.h"
@@ -16,13 +17,15 @@
 namespace tolvex {
 // ---- products ------------------------------------------------------------------------------------------
 
-/// a b for factors of which either may be nil (1); both are used up.
+static bool is_one(const Factor* f) { return f->p == nullptr || poly_eq_1(f->p); }
+
+/// a b for factors of which either may be nil (1); both are used up. A 1 on the right side is not taken.
 static poly product_of(Factor* a, Factor* b) {
     poly r = nullptr;
-    if (a->p == nullptr) {
-        if (b->p != nullptr) r = factor_taken(b);
-    } else if (b->p == nullptr) {
+    if (is_one(b) && a->p != nullptr) {
         r = factor_taken(a);
+    } else if (is_one(a)) {
+        if (b->p != nullptr) r = factor_taken(b);
     } else {
         poly_mult(a->p, b->p, &r, polynames);
     }
@@ -32,7 +35,8 @@ static poly product_of(Factor* a, Factor* b) {
 }
 
 void fraction_product(Fraction a, Fraction b, poly* numer, poly* denom) {
-    Factor n1 = borrowed(a.numer), n2 = borrowed(b.numer), d1 = borrowed(a.denom), d2 = borrowed(b.denom);
+    Factor n1 = {a.numer, false, a.lent}, n2 = {b.numer, false, b.lent && b.numer != poly_1},
+           d1 = {a.denom, false, a.lent}, d2 = {b.denom, false, b.lent};
     // With one denominator in common nothing can cancel across: it is coprime to both numerators.
     bool same = d1.p != nullptr && d2.p != nullptr && poly_equal(d1.p, d2.p);
     if (!same) {
@@ -41,6 +45,12 @@ void fraction_product(Fraction a, Fraction b, poly* numer, poly* denom) {
     }
     *numer = product_of(&n1, &n2);
     *denom = product_of(&d1, &d2);
+}
+
+void let_parts_go(quoly q, const polynode* numer, const polynode* denom) {
+    if (q->numb) return;
+    if (q->numer == numer || q->numer == denom) q->numer = nullptr;
+    if (q->denom != nullptr && (q->denom == numer || q->denom == denom)) q->denom = nullptr;
 }
 
 /// One operand at least is no number.
@@ -91,6 +101,19 @@ void quoly_mult(quoly n, quoly m, quolyptr p) {
 }
 
 void fast_quoly_mult(quolyptr n, quoly m) { quoly_mult(*n, m, n); }
+
+void best_quoly_mult(quolyptr n, quoly m) {
+    if ((*n)->numb && !m->numb && m->denom == nullptr && !quoly_iszero(*n)) {
+        poly numer = m->numer, denom = nullptr;
+        m->numer = nullptr;
+        mult_num(&numer, (*n)->ncoef);
+        settle_fraction(&numer, &denom);
+        receive_fraction(n, numer, denom);
+    } else {
+        quoly_mult(*n, m, n);
+    }
+    free_quoly(&m);
+}
 
 // ---- powers --------------------------------------------------------------------------------------------
 

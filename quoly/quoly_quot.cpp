@@ -51,15 +51,18 @@ static void quotient_as_given(Fraction a, Fraction b, poly* numer, poly* denom) 
     }
 }
 
-static void divide_fractions(quoly n, quoly m, quolyptr p, boolean nogcd) {
+/// `lent`: the parts of both may become parts of *p.
+static void divide_fractions(quoly n, quoly m, quolyptr p, boolean nogcd, bool lent = false) {
     QuolyView a(n), b(m);
     poly numer = nullptr, denom = nullptr;
     if (nogcd) {
         quotient_as_given({a.numer, a.denom}, {b.numer, b.denom}, &numer, &denom);
     } else {
         // The reciprocal of m is a view with its parts exchanged; m itself is never touched.
-        Fraction reciprocal = {b.denom != nullptr ? b.denom : poly_1, b.numer};
-        fraction_product({a.numer, a.denom}, reciprocal, &numer, &denom);
+        Fraction reciprocal = {b.denom != nullptr ? b.denom : poly_1, b.numer, lent && !m->numb};
+        fraction_product({a.numer, a.denom, lent && !n->numb}, reciprocal, &numer, &denom);
+        let_parts_go(n, numer, denom);
+        let_parts_go(m, numer, denom);
     }
     if (!poly_iszero(denom) && !poly_iszero(numer)) normalise_parts(&numer, &denom, laurent);
     receive_fraction(p, numer, denom);
@@ -89,6 +92,14 @@ void quoly_quot(quoly n, quoly m, quolyptr p, boolean nogcd) {
 }
 
 void fast_quoly_quot(quolyptr n, quoly m, boolean nogcd) { quoly_quot(*n, m, n, nogcd); }
+
+void best_quoly_quot(quolyptr n, quoly m, boolean nogcd) {
+    if ((*n)->numb || m->numb || is_rational(*n) || is_rational(m))
+        quoly_quot(*n, m, n, nogcd);
+    else
+        divide_fractions(*n, m, n, nogcd, /*lent*/ true);
+    free_quoly(&m);
+}
 
 // ---- quotient and remainder as the user means them -------------------------------------------------------
 

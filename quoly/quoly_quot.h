@@ -6,6 +6,7 @@
 namespace tolvex {
 void quoly_quot(quoly n, quoly m, quolyptr p, boolean nogcd);
 void fast_quoly_quot(quolyptr n, quoly m, boolean nogcd);         ///< n := n / m, m kept
+void best_quoly_quot(quolyptr n, quoly m, boolean nogcd);         ///< n := n / m, m used up
 void quoly_mod_or_div(quoly n, quoly m, quolyptr p, char which);  ///< '\\' or '|'
 void quoly_great_int(quolyptr q);                                 ///< $q: floor, or the polynomial quotient
 }  // namespace tolvex
