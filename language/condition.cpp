@@ -2,6 +2,7 @@
 
 #include "language/evaluator.h"
 #include "language/integer_eval.h"
+#include "language/small_words.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
 #include "numbers/num_compare.h"
@@ -137,6 +138,8 @@ static bool compare_words(FILE* inf, nameptr* flag) {
 
 /// A comparison of two values, which stay where they live, or a value alone.
 static bool evalcond(FILE* inf, nameptr* flag) {
+    bool truth = false;
+    if (*flag != nullptr && small_comparison(flag, &truth)) return truth;
     Value left, right;
     read_expression(inf, &left, flag);
     tokentipe sign;

@@ -3,6 +3,8 @@
 #include "language/array_elements.h"
 #include "language/compile.h"
 #include "language/evaluator.h"
+#include "language/other_rings.h"
+#include "language/small_words.h"
 #include "language/stack_bound.h"
 #include "language/symbols.h"
 #include "numbers/num_assign.h"
@@ -343,6 +345,11 @@ static void plain_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
 }
 
 void old_expre(FILE* inf, quolyptr n, nameptr* flag) {
+    int64_t small = 0;
+    if (*flag != nullptr && small_expression(flag, &small)) {
+        value_of_long(small, n);
+        return;
+    }
     quolyptr qp = n;
     plain_sum(inf, &qp, n, flag);
     own_result(qp, n);
@@ -454,6 +461,19 @@ static varptr store_in_target(Target& t, quoly value) {
     return p;
 }
 
+/// The variable takes the small integer, in place if it has a number already.
+static void store_small(Target& t, int64_t v) {
+    varptr p = find_target(t);
+    if (p != nullptr && away_list == nullptr && p->val != nullptr && p->val->numb) {
+        own_value(&p->val);
+        value_of_long(v, &p->val);
+        return;
+    }
+    quoly value = nullptr;
+    value_of_long(v, &value);
+    store_in_target(t, value);
+}
+
 /// The location of the target; a variable is created with the value 0 if it has gone meanwhile, for an array
 /// that has gone the answer is nil.
 static quolyptr target_again(Target& t) {
@@ -533,8 +553,14 @@ static void increment(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr
 
 static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* flag, boolean dropped) {
     next_token(inf, flag);
-    old_expre(inf, n, flag);
     *qp = n;
+    int64_t small = 0;
+    if (!name.is_element && *flag != nullptr && small_expression(flag, &small)) {
+        store_small(name, small);
+        quoly_set(0, n);
+        return;
+    }
+    old_expre(inf, n, flag);
     quoly value = *n;
     *n = nullptr;
     if (*flag == nullptr && !dropped)

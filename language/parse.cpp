@@ -4,6 +4,7 @@
 #include "language/evaluator.h"
 #include "language/ports.h"
 #include "language/rubout.h"
+#include "language/small_words.h"
 #include "language/stack_bound.h"
 #include "language/write_out.h"
 namespace tolvex {
@@ -18,9 +19,19 @@ static void delete_statement(FILE* inf, quolyptr n, nameptr* flag) {
     quoly_set(0, n);
 }
 
+/// True if the name at the node is assigned to: ":" is what follows it.
+static bool assignment_follows(const namenode* node) {
+    return node->next != nullptr && tok_char(node->next->let) == ':';
+}
+
 /// An expression or an assignment. A value that lives in a variable is copied, since it becomes the previous
 /// value.
 static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
+    int64_t small = 0;
+    if (*flag != nullptr && !assignment_follows(*flag) && small_expression(flag, &small)) {
+        value_of_long(small, n);
+        return;
+    }
     colm_ptrptr aux = nullptr;
     int32_t colpos = 0;
     quolyptr qp = n;

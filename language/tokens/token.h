@@ -60,7 +60,7 @@ struct comnode {
 
 inline nameptr name_garb = nullptr;
 inline tokentipe token = {};  // the current token              writers: scanner and all readers
-inline const char k_end_token[] = "\xC2\xA5";  // "¥": end of a stored statement
+inline constexpr char k_end_token[] = "\xC2\xA5";  // "¥": end of a stored statement
 
 /// The text of a token as a C string.
 inline const char* tok_text(const tokentipe& t) { return reinterpret_cast<const char*>(t.name); }
