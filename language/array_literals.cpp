@@ -379,7 +379,7 @@ void computed_matrix(ArrReader& r, ArrOperand& v) {
     bool copied = copy_matrix(copy);
     tokentipe last = token;
     nameptr place = currentchar;
-    tok_set(token, k_end_token);
+    tok_set_end(token);
     append_token(copy);
     bind_list(copy.first);
     if (copied)

@@ -201,7 +201,7 @@ bool attach(BodyReader& r, nameptr* q, Closer end, bool loop_header) {
     }
     bool empty = g.last == marked;
     here = token;
-    tok_set(token, k_end_token);
+    tok_set_end(token);
     append(g);
     token = here;
     *q = g.first;

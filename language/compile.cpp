@@ -266,16 +266,27 @@ static void do_form(const Compilation& c, const formnode* f) {
     }
 }
 
+/// The calls from now on bind the parameter when they begin.
+static void note_in_parameter(funcptr f, binding* b) {
+    for (paramptr p = f->pars; p != nullptr; p = p->next)
+        if (same_name(p->let, b->key)) p->bound = b;
+}
+
 /// The bindings become those of the function; variables learn which lead to them.
 static void install(Compilation& c, funcptr f) {
     for (int32_t i = c.count - 1; i >= 0; i--) {
         binding* b = c.names[i];
         b->next = f->bindings;
         f->bindings = b;
+        if (b->parameter) note_in_parameter(f, b);
         if (b->var == nullptr) continue;
         b->same = b->var->bound;
         b->var->bound = b;
     }
+}
+
+static bool says_integer(const condnode* p) {
+    return p->kind == StatementKind::simple && tok_is(p->expr->let, "Integer") && tok_is(p->expr->next->let, k_end_token);
 }
 
 /// The first run: the list is read, the statements behind this one are bound.
@@ -301,6 +312,9 @@ static bool first_run(FILE* inf, funcptr f, const condnode* p, nameptr* flag) {
     f->do_params = parameters;
     f->comp = here->next;
     f->compiled_by = p;
+    f->only_compiled = 1;
+    for (const formnode* s = f->rht; s != here; s = s->next)
+        says_integer(s->cptr) ? f->in_words = 1 : f->only_compiled = 0;
     install(c, f);
     do_form(c, f->comp);
     return true;
@@ -313,10 +327,7 @@ static void bind_parameters(const funcnode* f) {
     for (binding* b = f->bindings; b != nullptr; b = b->next) {
         if (!b->parameter) continue;
         varptr v = find_var(b->key);
-        if (v == nullptr || v->own != nullptr) continue;
-        v->own = b;
-        v->outer = b->var;
-        b->var = v;
+        if (v != nullptr && v->own == nullptr) bind_to_parameter(b, v);
     }
 }
 
@@ -328,12 +339,12 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
     }
     funcptr f = call_frames->f;
     if (f->compiled_by != nullptr && f->compiled_by != p) {  // a second one in the part that is bound already
-        tok_set(token, k_end_token);
+        tok_set_end(token);
         return;
     }
     if (f->compiled_by == nullptr && !first_run(inf, f, p, flag)) {
         set_zero(n);
-        tok_set(token, k_end_token);
+        tok_set_end(token);
         return;
     }
     if (f->do_params && !no_sparse_parameters(f)) {
@@ -344,7 +355,7 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag) {
     eval_form(inf, f->comp, n);
     if (*n == nullptr) quoly_set(0, n);
     if (!leave_flag && !cycle_flag) exit_flag = 1;  // the rest of the body has been run
-    tok_set(token, k_end_token);
+    tok_set_end(token);
 }
 
 #ifdef TOLVEX_CHECKED

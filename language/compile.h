@@ -50,6 +50,12 @@ void compile(FILE* inf, quolyptr n, const condnode* p, nameptr* flag);
 void free_bindings(binding** first);
 /// A variable goes: the bindings that lead to it are cleared.
 void unbind(varptr v);
+/// The binding of a parameter leads to the variable of the call that begins.
+inline void bind_to_parameter(binding* b, varptr v) {
+    v->own = b;
+    v->outer = b->var;
+    b->var = v;
+}
 /// A call ends: the binding of its parameter v leads to what it led to before.
 void end_parameter_binding(varptr v);
 #ifdef TOLVEX_CHECKED

@@ -1,7 +1,7 @@
 // Conditions: comparisons, not, and, or, in brackets.
 
 #include "language/evaluator.h"
-#include "language/integer_eval.h"
+#include "language/integer_words.h"
 #include "language/small_words.h"
 #include "language/stack_bound.h"
 #include "language/statements.h"
@@ -128,12 +128,15 @@ static bool lone_value(bool truth) {
 }
 
 static bool compare_words(FILE* inf, nameptr* flag) {
-    int32_t left = old_iexpre(inf, flag);
-    tokentipe sign;
-    Relation r = read_relation(inf, flag, &sign);
-    if (r == Relation::none) return lone_value(left == 1);
-    int32_t right = old_iexpre(inf, flag);
-    return holds(r, (left > right) - (left < right));
+    WordReader r = {*flag, inf, flag};
+    boolean saved = eval_state.bar_closes;
+    eval_state.bar_closes = 0;
+    int32_t left = word_expression(r);
+    uint32_t orders = comparison_sign(&r.at);
+    int32_t right = orders != 0 ? word_expression(r) : 0;
+    eval_state.bar_closes = saved;
+    give_back(r);
+    return orders != 0 ? order_holds(orders, left, right) : lone_value(left == 1);
 }
 
 /// A comparison of two values, which stay where they live, or a value alone.

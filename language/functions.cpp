@@ -111,6 +111,7 @@ static bool read_parameter(FILE* inf, nameptr* flag, funcptr f, paramptr* link) 
     p->let = token;
     p->let.address = hash(token.name, k_variable_buckets);
     p->result = result;
+    p->bound = nullptr;
     p->next = nullptr;
     *link = p;
     if (result) f->results++;
@@ -144,7 +145,8 @@ void funcdef(FILE* inf, nameptr* flag) {
     current_func = token;
     last_attached = nullptr;
     funcptr f = pool_pop<&funcnode::next>(func_garb, nullptr);
-    *f = {token, nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0, nullptr};
+    *f = {};
+    f->name = token;
     f->name.address = hash(token.name, k_function_buckets);
     BodyReader r = {inf, flag, false, false, false, {}};
     enter_definition();
@@ -189,6 +191,8 @@ struct Call {
     ResultTarget* targets;  // see CallFrame
     arrptr* arrays;         // their aliases are not in the table yet
     int32_t place;
+    bool has_tables;   // scratch memory is in use from the mark on
+    ScratchMark mark;
 };
 }  // namespace
 
@@ -216,10 +220,12 @@ static void read_by_reference(Call& c, quolyptr value) {
     c.targets[c.place].name = name;
 }
 
-/// A cleared table with a place for each parameter, in scratch memory.
-template <class R> static R* table_of_places(const funcnode* f) {
+/// A cleared table with a place for each parameter, in scratch memory. Most calls need none.
+template <class R> static R* table_of_places(Call& c) {
+    if (!c.has_tables) c.mark = scratch_mark();
+    c.has_tables = true;
     int32_t count = 0;
-    for (const paramnode* p = f->pars; p != nullptr; p = p->next) count++;
+    for (const paramnode* p = c.f->pars; p != nullptr; p = p->next) count++;
     auto* table = scratch_array<R>(count);
     memset(static_cast<void*>(table), 0, sizeof(R) * static_cast<size_t>(count));
     return table;
@@ -228,7 +234,7 @@ template <class R> static R* table_of_places(const funcnode* f) {
 /// [a] as an argument; as a scalar the parameter is the number 0.
 static void bind_array(Call& c, const paramnode* p, quolyptr value) {
     arrptr alias = read_array_argument(c.inf, c.flag, p->let);
-    if (c.arrays == nullptr) c.arrays = table_of_places<arrptr>(c.f);
+    if (c.arrays == nullptr) c.arrays = table_of_places<arrptr>(c);
     c.arrays[c.place] = alias;
     quoly_set(0, value);
 }
@@ -299,12 +305,16 @@ static void free_parameters(Call& c) {
 
 // ---- calls ---------------------------------------------------------------------------------------------
 
-/// The variables go to the heads of their buckets, where they hide others of the same name.
-static void push_parameters(varptr first, arrptr* arrays) {
-    for (int32_t place = 0; first != nullptr; place++) {
-        if (arrays != nullptr && arrays[place] != nullptr) link_array(arrays[place]);
+/// The variables go to the heads of their buckets, where they hide others of the same name; what is compiled leads
+/// to them.
+static void push_parameters(const Call& c) {
+    varptr first = c.first;
+    const paramnode* p = c.f->pars;
+    for (int32_t place = 0; first != nullptr; place++, p = p->next) {
+        if (c.arrays != nullptr && c.arrays[place] != nullptr) link_array(c.arrays[place]);
         varptr v = first;
         first = v->next;
+        if (p->bound != nullptr) bind_to_parameter(p->bound, v);
         sca_store.push(v);
     }
 }
@@ -372,6 +382,18 @@ void pop_calls() {
     while (call_frames != nullptr) remove_args(call_frames);
 }
 
+/// True if all that the statements up to Compile would do is known.
+static bool begins_compiled(const CallFrame& frame) {
+    return frame.f->compiled_by != nullptr && frame.f->only_compiled && frame.arrays == nullptr;
+}
+
+/// The body of such a function from behind Compile on; reports find it in that statement.
+static void run_compiled(FILE* inf, const funcnode* f, quolyptr n) {
+    startexpr = f->compiled_by->expr;
+    integerflag = f->in_words;
+    eval_form(inf, f->comp, n);
+}
+
 /// Runs the body; the statement around the call goes on with its own places and flags.
 static void run_body(FILE* inf, funcptr f, quolyptr n) {
     nameptr outer_start = startexpr, outer_prev = prev_expr, outer_current = currentchar;
@@ -380,7 +402,7 @@ static void run_body(FILE* inf, funcptr f, quolyptr n) {
     integerflag = exit_flag = 0;
     eval_state.bar_closes = 0;
     uninit = 0;
-    eval_form(inf, f->rht, n);
+    begins_compiled(*call_frames) ? run_compiled(inf, f, n) : eval_form(inf, f->rht, n);
     if (*n == nullptr) quoly_set(0, n);
     exit_flag = outer_exit;
     leave_flag = cycle_flag = 0;
@@ -398,10 +420,9 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
         return;
     }
     poll_interrupt();
-    ScratchMark mark = scratch_mark();
-    Call c = {inf, flag, f, nullptr, nullptr, nullptr, nullptr, 0};
+    Call c = {inf, flag, f, nullptr, nullptr, nullptr, nullptr, 0, false, {}};
     c.link = &c.first;
-    if (f->results > 0) c.targets = table_of_places<ResultTarget>(f);
+    if (f->results > 0) c.targets = table_of_places<ResultTarget>(c);
     // arguments that have been read are values half computed: while one is open, the ring stays
     held_operand here = {n, n, eval_state.held};
     eval_state.held = &here;
@@ -415,12 +436,12 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
     CallFrame frame = {f, c.targets, c.arrays, call_frames};
     call_frames = &frame;
     statcount++;
-    push_parameters(c.first, c.arrays);
+    push_parameters(c);
     free_quoly(n);
     run_body(inf, f, n);
     LostParameter lost = remove_args(&frame);
     syst_dump = 0;
-    scratch_release(mark);
+    if (c.has_tables) scratch_release(c.mark);
     token = after;
     if (lost.p != nullptr) error(lost.code, tok_text(lost.p->let));
 }

@@ -23,6 +23,7 @@ using paramptr = paramnode*;
 struct paramnode {
     tokentipe let;
     boolean result;  // ^p: the value is moved back
+    binding* bound;  // a compiled parameter: its binding
     paramptr next;
 };
 struct funcnode;
@@ -36,6 +37,8 @@ struct funcnode {
     binding* bindings;            // of the names in them
     const condnode* compiled_by;  // the statement Compile that has bound them; nil: none has run
     boolean do_params;            // the parameters are among the bindings
+    boolean only_compiled;        // in front of compiled_by the body has no statement but Integer
+    boolean in_words;             // and it has that
     funcptr next;
 };
 static_assert(std::is_trivially_destructible_v<funcnode> && std::is_trivially_destructible_v<paramnode>);

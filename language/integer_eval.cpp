@@ -2,6 +2,7 @@
 
 #include "language/integer_arrays.h"
 #include "language/other_rings.h"
+#include "language/small_words.h"
 #include "numbers/num_assign.h"
 #include "storage/interrupt.h"
 namespace tolvex {
@@ -24,20 +25,16 @@ bool word_of_value(const quolynode* q, int32_t* word) {
     return *word == v;
 }
 
-static bool is_digit_word(int32_t word) { return word <= k_max_digit && word >= -k_max_digit; }
-
 void value_of_word(int32_t word, quolyptr n) {
+    if (!lintmode) {
+        value_of_long(word, n);
+        return;
+    }
     if (*n == nullptr || !(*n)->numb) {
         free_quoly(n);
         init_quoly_node(n);
     }
-    imptr x = (*n)->ncoef;
-    if (lintmode)
-        x->lint = word;
-    else if (x->size == 1 && is_digit_word(word))
-        x->head->value = word;
-    else
-        setvalue_any(word, x);
+    (*n)->ncoef->lint = word;
 }
 
 void write_word(nameptr node, int32_t word) {

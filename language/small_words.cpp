@@ -113,18 +113,18 @@ void go_on_at(nameptr at, nameptr* flag) {
     currentchar = at->next;
 }
 
-/// The comparison sign at *at, which is passed over: which orders make it true, bit 0 below, 1 equal, 2 above; 0: none.
-int32_t comparison_sign(nameptr* at) {
+}  // namespace
+
+uint32_t comparison_sign(nameptr* at) {
     unsigned char c = tok_char((*at)->let);
     if (c != '=' && c != '<' && c != '>') return 0;
-    int32_t orders = c == '=' ? 2 : c == '<' ? 1 : 4;
+    uint32_t orders = c == '=' ? k_equal : c == '<' ? k_below : k_above;
     *at = (*at)->next;
     unsigned char second = tok_char((*at)->let);
     if (c == '=' || (second != '=' && (c != '<' || second != '>'))) return orders;
     *at = (*at)->next;
-    return orders | (second == '=' ? 2 : 4);
+    return orders | (second == '=' ? k_equal : k_above);
 }
-}  // namespace
 
 bool small_expression(nameptr* flag, int64_t* v) {
     nameptr at = *flag;
@@ -139,9 +139,9 @@ bool small_comparison(nameptr* flag, bool* truth) {
     int64_t left = 0, right = 0;
     CHECK(same_name(at->let, token));
     if (!may_be_small() || !small_sum(&at, &left, 0)) return false;
-    int32_t orders = comparison_sign(&at);
+    uint32_t orders = comparison_sign(&at);
     if (orders == 0 || !small_sum(&at, &right, 0)) return false;
-    *truth = ((left < right ? 1 : left == right ? 2 : 4) & orders) != 0;
+    *truth = order_holds(orders, left, right);
     go_on_at(at, flag);
     return true;
 }

@@ -15,6 +15,13 @@ namespace tolvex {
 bool small_expression(nameptr* flag, int64_t* v);
 /// The same for a comparison of two of them: *truth.
 bool small_comparison(nameptr* flag, bool* truth);
+/// The orders of two numbers that make a comparison true.
+enum Orders : uint32_t { k_below = 1, k_equal = 2, k_above = 4 };
+/// The comparison sign at the node *at, which is passed over; 0: there is none.
+uint32_t comparison_sign(nameptr* at);
+inline bool order_holds(uint32_t orders, int64_t a, int64_t b) {
+    return (orders & (a < b ? k_below : a == b ? k_equal : k_above)) != 0;
+}
 /// *n := the value, in place if *n is a number.
 void value_of_long(int64_t v, quolyptr n);
 }  // namespace tolvex

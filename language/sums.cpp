@@ -197,7 +197,7 @@ void builtin_Sum(BuiltinCall& call) {
             u, [](void* what) { freename(static_cast<nameptr*>(what)); }, &copy.first);
         bool copied = copy_construct(copy);
         tokentipe last = token;
-        tok_set(token, k_end_token);
+        tok_set_end(token);
         append_token(copy);
         token = last;
         if (copied) {

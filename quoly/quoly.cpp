@@ -17,8 +17,7 @@ static void free_parts(quoly q) {
     }
 }
 
-void free_quoly(quolyptr q) {
-    if (*q == nullptr) return;
+void free_whole_quoly(quolyptr q) {
     free_parts(*q);
     free_quoly_record(q);
 }

@@ -53,7 +53,11 @@ inline void init_quoly_node(quolyptr q) {
     (*q)->numb = 1;
     newimag(&(*q)->ncoef);
 }
-void free_quoly(quolyptr q);  ///< nil is allowed; *q := nil
+void free_whole_quoly(quolyptr q);
+/// nil is allowed; *q := nil
+inline void free_quoly(quolyptr q) {
+    if (*q != nullptr) free_whole_quoly(q);
+}
 /// The same in constant time, for the elements of large arrays: the value waits until records are wanted.
 void free_quoly_later(quolyptr q);
 /// Gives back at most so many values of those that wait. True if some still do.

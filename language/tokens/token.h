@@ -87,6 +87,13 @@ inline void tok_set_char(tokentipe& t, unsigned char c) {
     t.address = -1;
 }
 
+/// t := the end mark.
+inline void tok_set_end(tokentipe& t) {
+    memset(t.name, 0, sizeof t.name);
+    memcpy(t.name, k_end_token, sizeof k_end_token);
+    t.address = -1;
+}
+
 /// Table index of a name: h := (h * 123 + c) mod n over its bytes, from 0; the empty name gives 0.
 int16_t hash(const unsigned char* s, int32_t n);
 inline constexpr int32_t k_variable_buckets = 151;
