@@ -152,9 +152,11 @@ bool read_fraction(Reader& r) {
 bool read_function(Reader& r) {
     boolean saved = eval_state.bar_closes;
     eval_state.bar_closes = 0;
+    nameptr node = *r.flag;
     if (!builtin_function(r.inf, r.n, r.flag)) {
-        tokentipe name = token;
-        evaluate(r.inf, name, r.n, r.flag);
+        tokentipe typed;
+        if (node == nullptr) typed = token;
+        evaluate(r.inf, node != nullptr ? node->let : typed, r.n, r.flag);
     }
     eval_state.bar_closes = saved;
     return true;

@@ -273,8 +273,8 @@ static bool after_argument(Call& c, const paramnode* p) {
     return true;
 }
 
-/// Reads the arguments; *after: the token behind the call.
-static void read_arguments(Call& c, tokentipe* after) {
+/// Reads the arguments; the token behind the call is the current one then.
+static void read_arguments(Call& c) {
     next_token(c.inf, c.flag);
     bool open = c.f->pars != nullptr && at_char('(');
     bool given = open;
@@ -288,7 +288,6 @@ static void read_arguments(Call& c, tokentipe* after) {
         given = given && after_argument(c, p);
     }
     if (open && at_char(')')) next_token(c.inf, c.flag);
-    *after = token;
 }
 
 /// Gives back variables and aliases that are not in the tables.
@@ -426,12 +425,14 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
     // arguments that have been read are values half computed: while one is open, the ring stays
     held_operand here = {n, n, eval_state.held};
     eval_state.held = &here;
-    tokentipe after;
     Unfinished u;
     begin_unfinished(
         u, [](void* what) { free_parameters(*static_cast<Call*>(what)); }, &c);
-    read_arguments(c, &after);
+    read_arguments(c);
     end_unfinished(u);
+    const nameptr behind = *flag;  // the token behind the call stands there, or is kept
+    tokentipe after;
+    if (behind == nullptr) after = token;
     eval_state.held = here.below;
     CallFrame frame = {f, c.targets, c.arrays, call_frames};
     call_frames = &frame;
@@ -442,7 +443,7 @@ void evaluate(FILE* inf, tokentipe& name, quolyptr n, nameptr* flag) {
     LostParameter lost = remove_args(&frame);
     syst_dump = 0;
     if (c.has_tables) scratch_release(c.mark);
-    token = after;
+    token = behind != nullptr ? behind->let : after;
     if (lost.p != nullptr) error(lost.code, tok_text(lost.p->let));
 }
 

@@ -227,11 +227,9 @@ int32_t random_of_words(WordReader& r, bool clocked) {
 /// A built-in function or a user's, evaluated as everywhere; its value must be a word.
 int32_t general_function(WordReader& r) {
     quoly n = nullptr;
+    nameptr node = r.at;
     give_back(r);
-    if (!builtin_function(r.inf, &n, r.flag)) {
-        tokentipe name = token;
-        evaluate(r.inf, name, &n, r.flag);
-    }
+    if (!builtin_function(r.inf, &n, r.flag)) evaluate(r.inf, node->let, &n, r.flag);
     return take_word(r, &n);
 }
 
