@@ -9,6 +9,9 @@ import os
 import re
 import sys
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+
 NO_EXAMPLE = {"Bell", "Time"}  # what they write is a sound, and the time
 PARTS = ["**Errors:**", "**Cost:**", "**Method:**"]
 WORDS = {"Compile": "language/control.cpp", "Integer": "language/control.cpp", "Adjoint": None, "Altmult": None,
@@ -66,10 +69,7 @@ def main():
         else:
             faults.append(f"{name}: no page docs/functions/{name}.md")
     faults.extend(f"{pages[name]}: the program has no {name}" for name in sorted(set(pages) - there))
-    for fault in faults:
-        print(fault)
-    print(f"{len(there)} functions, {len(pages)} pages, {len(faults)} faults")
-    return 1 if faults else 0
+    return trials.list_faults(faults, f"{len(there)} functions, {len(pages)} pages")
 
 
 if __name__ == "__main__":

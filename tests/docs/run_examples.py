@@ -5,17 +5,14 @@ usage: run_examples.py --tolvex PATH FILES...
 
 Lines that begin with '> ' are typed, the others are what the program writes; empty lines are left out on both sides.
 """
-import argparse
-import importlib.machinery
-import importlib.util
 import os
 import re
 import sys
 
-RUN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "transcripts", "run.py")
-LOADER = importlib.machinery.SourceFileLoader("transcript_run", RUN)
-transcripts = importlib.util.module_from_spec(importlib.util.spec_from_loader("transcript_run", LOADER))
-LOADER.exec_module(transcripts)
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [os.path.join(TESTS, "transcripts"), os.path.join(TESTS, "support")]
+import run as transcripts  # noqa: E402
+import trials  # noqa: E402
 
 
 def sessions(path):
@@ -34,19 +31,14 @@ def sessions(path):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("files", nargs="+")
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
+    args = trials.arguments("files")
     passed = failed = 0
     for case in (case for path in args.files for case in sessions(path)):
-        report = transcripts.run(case, binary, [], 10)
+        report = transcripts.run(case, args.tolvex, [], 10)
         passed, failed = passed + (not report), failed + bool(report)
         if report:
             print(f"FAILED {case.name}\n{report}")
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+    return trials.verdict(passed, failed)
 
 
 if __name__ == "__main__":

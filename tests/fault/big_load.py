@@ -11,13 +11,13 @@ Each kind of session tells how many bytes its records need: 24 a polynomial term
 each 28 bits of it, 40 a token of a function. The peak of the process, less that of an empty session, may exceed them by a
 quarter and 8 MB; where coefficients are long it may not exceed three times the file either.
 """
-import argparse
 import os
 import random
-import shutil
 import subprocess
 import sys
-import tempfile
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 TERM, VALUE, NUMBER, DIGIT, VARIABLE, SLOT, TOKEN = 24, 40, 32, 16, 64, 8, 40
 SMALL = NUMBER + DIGIT
@@ -176,25 +176,13 @@ def check(binary, directory, kind, megabytes, rate, rng):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--megabytes", type=float, default=100)
-    parser.add_argument("--rate", type=float, default=20)
-    parser.add_argument("--kinds", nargs="*")
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    directory = tempfile.mkdtemp(prefix="load-")
-    faults = 0
-    try:
-        with open(os.path.join(directory, "tolstart.txt"), "w") as handle:
-            handle.write("8000\n")
-        for kind in KINDS:
-            if args.kinds is None or kind.name in args.kinds:
-                faults += len(check(binary, directory, kind, args.megabytes, args.rate, random.Random(1)))
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
-    print("no faults" if not faults else f"{faults} faults")
-    return 1 if faults else 0
+    args = trials.arguments(megabytes=100.0, rate=20.0, kinds=[])
+    chosen = [kind for kind in KINDS if args.kinds is None or kind.name in args.kinds]
+    faults = []
+    with trials.folder("load", megabytes=8000) as directory:
+        for kind in chosen:
+            faults += check(args.tolvex, directory, kind, args.megabytes, args.rate, random.Random(1))
+    return trials.list_faults(faults, f"{len(chosen)} kinds")
 
 
 if __name__ == "__main__":

@@ -4,14 +4,14 @@ Each is an error with its number; the session goes on with its values, and what 
 
 usage: save_failures.py --tolvex PATH
 """
-import argparse
 import os
 import resource
-import shutil
 import subprocess
 import sys
-import tempfile
 import threading
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 NOT_WRITTEN, NOT_OPENED = b"The file could not be written.", b"The file could not be opened."
 OLD = b"x := 1;\n"
@@ -40,16 +40,11 @@ def leave_pipe(path):
     return thread
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    directory = tempfile.mkdtemp(prefix="failures-")
-    faults = 0
+def try_all(binary, directory):
+    """the titles of what went wrong"""
+    faults = []
 
     def check(title, lines, messages, limit=None, kept=("old",)):
-        nonlocal faults
         output, status = session(binary, directory, BUILD + lines + AFTER + "&q\n", limit)
         wrong = []
         if status != 0:
@@ -68,43 +63,42 @@ def main():
             wrong.append(f"left behind: {left}")
         print(f"{title}: {'; '.join(wrong) or 'good'}")
         if wrong:
-            faults += 1
+            faults.append(title)
             print(output[-800:].decode(errors="replace"))
 
-    try:
-        for name, text in (("tolstart.txt", b"500\n"), ("old", OLD)):
-            with open(os.path.join(directory, name), "wb") as handle:
-                handle.write(text)
-        os.mkdir(os.path.join(directory, "folder"))
-        os.mkfifo(os.path.join(directory, "pipe"))
-        check("a limit on files, over an old file", "&(S = 'old')\n&s\n", (1, 0), limit=8192)
-        check("a limit on files, a new file", "&(S = 'new')\n&s\n", (1, 0), limit=8192)
-        check("saved again where there is room", "&(S = 'new')\n&s\n&(S = '/dev/null')\n&s\n", (1, 0), limit=8192)
-        check("an output statement beyond the limit", "&(S = 'old')\n!(&o, p, p, p)\n&(S = '@')\n", (1, 0), limit=8192)
-        check("one image", "&(S = 'one')\n&s\n", (0, 0))
-        size = os.path.getsize(os.path.join(directory, "one"))
-        check("the second image beyond the limit", "&(S = 'two')\n&s\n&s\n", (1, 0), limit=size + 100000)
-        with open(os.path.join(directory, "one"), "rb") as one, open(os.path.join(directory, "two"), "rb") as two:
-            if one.read() != two.read():
-                print("the second image beyond the limit: the first is not whole")
-                faults += 1
-        if os.path.exists("/dev/full"):
-            check("a full device", "&(S = '/dev/full')\n&s\n&(S = '/dev/full')\n!(&o, p)\n&(S = '@')\n", (2, 0))
-        reader = leave_pipe(os.path.join(directory, "pipe"))
-        check("a pipe whose reader leaves", "&(S = 'pipe')\n&s\n", (1, 0))
-        reader.join(10)
-        check("paths that cannot be written",
-              "&(S = 'folder')\n&(S = 'no/such')\n&(S = 'old/x')\n&(S = '/proc/session')\n", (0, 4))
-        if os.geteuid() != 0:
-            os.chmod(os.path.join(directory, "folder"), 0o500)
-            check("a folder that cannot be written", "&(S = 'folder/x')\n", (0, 1))
-            os.chmod(os.path.join(directory, "folder"), 0o700)
-            os.chmod(os.path.join(directory, "old"), 0o400)
-            check("a file that cannot be written", "&(S = 'old')\n", (0, 1))
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
-    print("no faults" if not faults else f"{faults} faults")
-    return 1 if faults else 0
+    os.mkdir(os.path.join(directory, "folder"))
+    os.mkfifo(os.path.join(directory, "pipe"))
+    check("a limit on files, over an old file", "&(S = 'old')\n&s\n", (1, 0), limit=8192)
+    check("a limit on files, a new file", "&(S = 'new')\n&s\n", (1, 0), limit=8192)
+    check("saved again where there is room", "&(S = 'new')\n&s\n&(S = '/dev/null')\n&s\n", (1, 0), limit=8192)
+    check("an output statement beyond the limit", "&(S = 'old')\n!(&o, p, p, p)\n&(S = '@')\n", (1, 0), limit=8192)
+    check("one image", "&(S = 'one')\n&s\n", (0, 0))
+    size = os.path.getsize(os.path.join(directory, "one"))
+    check("the second image beyond the limit", "&(S = 'two')\n&s\n&s\n", (1, 0), limit=size + 100000)
+    with open(os.path.join(directory, "one"), "rb") as one, open(os.path.join(directory, "two"), "rb") as two:
+        if one.read() != two.read():
+            faults.append("the second image beyond the limit: the first is not whole")
+    if os.path.exists("/dev/full"):
+        check("a full device", "&(S = '/dev/full')\n&s\n&(S = '/dev/full')\n!(&o, p)\n&(S = '@')\n", (2, 0))
+    reader = leave_pipe(os.path.join(directory, "pipe"))
+    check("a pipe whose reader leaves", "&(S = 'pipe')\n&s\n", (1, 0))
+    reader.join(10)
+    check("paths that cannot be written",
+          "&(S = 'folder')\n&(S = 'no/such')\n&(S = 'old/x')\n&(S = '/proc/session')\n", (0, 4))
+    if os.geteuid() != 0:
+        os.chmod(os.path.join(directory, "folder"), 0o500)
+        check("a folder that cannot be written", "&(S = 'folder/x')\n", (0, 1))
+        os.chmod(os.path.join(directory, "folder"), 0o700)
+        os.chmod(os.path.join(directory, "old"), 0o400)
+        check("a file that cannot be written", "&(S = 'old')\n", (0, 1))
+    return faults
+
+
+def main():
+    binary = trials.arguments().tolvex
+    with trials.folder("failures", files={"old": OLD}) as directory:
+        faults = try_all(binary, directory)
+    return trials.list_faults(faults, "all tried")
 
 
 if __name__ == "__main__":

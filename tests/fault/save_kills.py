@@ -4,15 +4,15 @@ session every time.
 
 usage: save_kills.py --tolvex PATH [--count N] [--seed S]
 """
-import argparse
 import os
 import random
-import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 BUILD = b"""&(J = x)
 Func F(n) = for i = 1 to 400 do p := (x + i)^9*(x - i)^9; q := q + p*x^i od; q.
@@ -50,19 +50,12 @@ def content(directory):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--count", type=int, default=500)
-    parser.add_argument("--seed", type=int, default=random.randrange(10**6))
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
+    args = trials.arguments(count=500, seed=trials.any_seed())
+    binary = args.tolvex
     rng = random.Random(args.seed)
     print(f"seed {args.seed}")
-    directory = tempfile.mkdtemp(prefix="kills-")
-    path = os.path.join(directory, "session")
-    try:
-        with open(os.path.join(directory, "tolstart.txt"), "w") as handle:
-            handle.write("500\n")
+    with trials.folder("kills") as directory:
+        path = os.path.join(directory, "session")
         process = start(binary, directory)
         began = time.monotonic()
         save(process)
@@ -91,8 +84,6 @@ def main():
         print(f"{args.count} kills within {1.1 * span:.3f} s: {counts['old']} old, {counts['new']} new, "
               f"{len(new)} bytes")
         return 0
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
 
 
 if __name__ == "__main__":

@@ -6,14 +6,15 @@ usage: arrays.py --tolvex PATH [--seed N] [--count N]
 Each session makes arrays, dense and sparse, works on them, and shows all of them at the end; what is shown of a sparse
 array is read back as a literal and must be the same array. The seed of a session that differs is printed with its text.
 """
-import argparse
 import os
 import random
 import re
 import subprocess
 import sys
-import tempfile
 from fractions import Fraction
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 NAMES = ["a", "b", "c", "d", "s", "t"]
 
@@ -151,15 +152,9 @@ def run(tolvex, lines, directory):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--seed", type=int, default=int(os.environ.get("TOLVEX_SEED", "1")))
-    parser.add_argument("--count", type=int, default=100)
-    args = parser.parse_args()
+    args = trials.arguments(seed=int(os.environ.get("TOLVEX_SEED", "1")), count=100)
     print(f"seed {args.seed}")
-    with tempfile.TemporaryDirectory() as directory:
-        with open(os.path.join(directory, "tolstart.txt"), "w", encoding="utf-8") as handle:
-            handle.write("500\n")
+    with trials.folder("arrays") as directory:
         for i in range(args.count):
             session = Session(random.Random(args.seed * 1000003 + i))
             session.lines.append("&(_d = 10000):")

@@ -4,20 +4,14 @@ The load ends, by itself or with an error; what the session held before is there
 
 usage: damaged_files.py --tolvex PATH [--count N] [--seed S] [--scale F]
 """
-import argparse
-import importlib.util
 import os
-import random
 import re
-import shutil
 import subprocess
 import sys
-import tempfile
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-SPEC = importlib.util.spec_from_file_location("round_trip", os.path.join(HERE, "round_trip.py"))
-round_trip = importlib.util.module_from_spec(SPEC)
-SPEC.loader.exec_module(round_trip)
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+import round_trip  # noqa: E402, the neighbour
 
 PIECES = [b"\x00", b"\xff", b"\xc2\xa5", b";", b"'", b"{", b"}", b"(", b")", b"[", b"]", b"&", b"&(", b"@", b".", b":=", b"^", b"#",
           b"99999999999999999999", b"&_n ", b"Func ", b"Array ", b" fi", b" od", b" Sparse", b"\r\n", b"\n\n", b"`", b"/0", b"-"]
@@ -70,7 +64,7 @@ def attempt(binary, directory, rng, limit):
         done = subprocess.run([binary], cwd=directory, input=text.encode(), capture_output=True, timeout=limit)
     except subprocess.TimeoutExpired:
         return f"no end within {limit:g} s", content
-    if done.returncode != 0 or round_trip.TROUBLE.search(done.stderr):
+    if done.returncode != 0 or trials.TROUBLE.search(done.stderr):
         return f"status {done.returncode}: {done.stderr[-2000:].decode('latin-1')}", content
     answer = done.stdout[done.stdout.index(b"initializing"):]
     if b"Tolvex error" in answer:
@@ -81,32 +75,15 @@ def attempt(binary, directory, rng, limit):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--count", type=int, default=300)
-    parser.add_argument("--seed", type=int, default=random.randrange(10**6))
-    parser.add_argument("--scale", type=float, default=1.0)
-    parser.add_argument("--keep", help="a directory for the files that failed")
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    print(f"seed {args.seed}")
-    failed = 0
-    directory = tempfile.mkdtemp(prefix="damaged-")
-    try:
-        with open(os.path.join(directory, "tolstart.txt"), "w") as handle:
-            handle.write("500\n")
-        for k in range(args.count):
-            report, content = attempt(binary, directory, random.Random(f"{args.seed}:{k}"), 20 * args.scale)
-            if report:
-                failed += 1
-                print(f"FAILED file {k}: {report}", flush=True)
-                if args.keep:
-                    with open(os.path.join(args.keep, f"damaged-{args.seed}-{k}"), "wb") as handle:
-                        handle.write(content)
-        print(f"{args.count - failed} files left the session whole, {failed} did not")
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
-    return 1 if failed else 0
+    args = trials.arguments(count=300, seed=trials.any_seed(), scale=1.0, keep=str)
+
+    def judged(directory, rng):
+        report, content = attempt(args.tolvex, directory, rng, 20 * args.scale)
+        if report and args.keep:
+            trials.write_files(args.keep, {f"damaged-{args.seed}-{len(os.listdir(args.keep))}": content})
+        return report
+
+    return trials.random_trials(args, "damaged", judged, "files left the session whole", "did not")
 
 
 if __name__ == "__main__":

@@ -4,16 +4,18 @@
 usage: evaluators.py --tolvex PATH [--seed N] [--count N]
 
 The bodies use what means the same in all of them: words that stay small, quotients by "\\" and remainders, and in
-modular mode "/" as well. A difference prints the body and the answers. The seed is printed.
+modular mode "/" as well. Sums, products and remainders of integers of all sizes are typed, and run as bodies, as right
+sides, as arguments and in conditions, where stored lists have a way of their own for small values. A difference prints
+the body and the answers. The seed is printed.
 """
-import argparse
 import os
 import random
 import re
 import subprocess
 import sys
-import tempfile
-import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 NAMES = ["a", "b", "c", "loc"]
 WAYS = {"Plain": "", "Bound": "Compile; ", "Words": "Integer; ", "Both": "Integer; Compile; "}
@@ -78,9 +80,7 @@ class Bodies:
 
 
 def answers(binary, lines):
-    with tempfile.TemporaryDirectory() as directory:
-        with open(os.path.join(directory, "tolstart.txt"), "w", encoding="ascii") as handle:
-            handle.write("500\n")
+    with trials.folder("evaluators") as directory:
         done = subprocess.run([binary], input="\n".join(lines + ["&q", ""]).encode(), cwd=directory, capture_output=True,
                               timeout=120)
     text = done.stdout.decode("latin-1") + done.stderr.decode("latin-1")
@@ -94,15 +94,55 @@ def essence(answer):
     return [line for line in lines if re.match(r"-?\d+$|[A-Z].*\.$", line) and "Function was" not in line]
 
 
+EDGES = [0, 1, 2, 3, 7, 2**28 - 1, 2**28, 2**28 + 1, 2**31 - 1, 2**31, 2**32, 2**56 - 1, 2**56, 2**62, 2**63 - 1, 2**63, 10**25]
+OPERANDS = ["a", "b", "c", "f", "p", "x", "el[1]", "nobody"]
+
+
+def edge(rng):
+    value = rng.choice(EDGES) if rng.random() < 0.4 else rng.randrange(0, 100)
+    return value if rng.random() < 0.7 else -value
+
+
+def integer_expression(rng, depth):
+    if depth == 0 or rng.random() < 0.15:
+        rare = rng.random() < 0.03
+        return rng.choice(OPERANDS if rare else OPERANDS[:3]) if rng.random() < 0.6 else str(abs(edge(rng)))
+    left, right = integer_expression(rng, depth - 1), integer_expression(rng, depth - 1)
+    return rng.choice([f"{left} + {right}", f"{left} - {right}", f"{left}*{right}", f"({left})|{right}", f"({left} - {right})",
+                       f"-{left}", f"({left})*({right})", f"{left}|({right})", f"{left}*-3", f"({left})^2", f"{left} ({right})"])
+
+
+def typed_and_stored(binary, rng, count):
+    """differences between what is typed and what is run from a list"""
+    bad = 0
+    for setting in ("", "&|:", "&(p = 101):", "&(p = 10):"):
+        lines = ["&(J = x):", setting, "Array el[2];", "el[1] := 5:", "el[2] := 6:", "f := 1/3:", "p := x + 1:", "u := 0:"]
+        asked = []
+        for k in range(count):
+            e, g = integer_expression(rng, 3), integer_expression(rng, 2)
+            lines += [f"{name} := {edge(rng)}:" for name in "abc"]
+            sign = rng.choice(["=", "<", ">", "<=", ">=", "<>"])
+            lines += ["!('MARK'):", e, "!('MARK'):", f"Func G{k} = {e}.", f"G{k}",
+                      "!('MARK'):", f"Func H{k}(y) = y := {e}; y.", f"H{k}(7)",
+                      "!('MARK'):", "Func I(y) = y.", f"Func J{k} = I({e}).", f"J{k}",
+                      "!('MARK'):", f"if {e} {sign} {g} then 4 else 5 fi",
+                      "!('MARK'):", f"u := ({e}):", f"v := ({g}):", f"if u {sign} v then 4 else 5 fi"]
+            asked.append(e + f" {sign} " + g)
+        found = [[r for r in essence(one) if r != "0"] for one in answers(binary, lines)]
+        for k, what in enumerate(asked):
+            one = found[6 * k:6 * k + 6]
+            failed = any(not re.match(r"-?\d+$", r) for r in one[0] + one[5])
+            if any(r != one[0] for r in one[1:4]) or (not failed and one[4] != one[5]):
+                bad += 1
+                print("DIFFERENT", setting, what, one)
+    return bad
+
+
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--seed", type=int, default=int(time.time()))
-    parser.add_argument("--count", type=int, default=200)
-    args = parser.parse_args()
+    args = trials.arguments(seed=trials.any_seed(), count=200)
     print("seed", args.seed)
     rng = random.Random(args.seed)
-    binary, bad, errors = os.path.abspath(args.tolvex), 0, 0
+    binary, bad, errors = args.tolvex, 0, 0
     for modulus in (None, 101):
         lines = ["&(_d = 0):"] if modulus is None else [f"&(p = {modulus}):"]
         lines += ["Func Helper(u, v) = u - 2*v."]
@@ -127,6 +167,7 @@ def main():
             if any(r != results[0] for r in results):
                 bad += 1
                 print("DIFFERENT modulus", modulus, "\n ", body, *[f"\n  {w}: {r}" for w, r in zip(WAYS, results)])
+    bad += typed_and_stored(binary, rng, args.count)
     print(f"{2 * args.count} bodies, {errors} with errors, {bad} different")
     return 1 if bad else 0
 

@@ -4,14 +4,13 @@ read the file without an error, and both must display the same values, functions
 
 usage: round_trip.py --tolvex PATH [--count N] [--seed S]
 """
-import argparse
 import os
-import random
 import re
-import shutil
 import subprocess
 import sys
-import tempfile
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 SWITCHES = {"N": 1, "m": 2, "a": 9, "B": 1, "D": 30, "_l": 1, "t": 1, "V": 1, "W": 1, "_L": 1, "u": 5, "l": 1, "#": 200,
             "A": 2000, "E": 1, "H": 1, "K": 1, "X": 2000, "O": 1, "_d": 120, "_r": 50, "_s": 1, "_t": 1, "|": 1, "L": 9000,
@@ -22,7 +21,6 @@ MODULI = [2, 3, 7, 101, 32003, 65537, 2147483629, 12, 256, 65536]
 NAMES = ["a", "b", "c", "dd", "long_name1", "u2", "v", "w"]
 QUOTED = "'some text; {x}'"
 VARIABLES = ["x", "y", "z", "t_1"]
-TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:")
 
 
 class Session:
@@ -245,7 +243,7 @@ def attempt(binary, directory, lines):
     outs = [run(binary, directory, "\n".join(lines) + "\n" + save.format("one") + SHOW + "&q\n"),
             run(binary, directory, "&(R = 'one')\n" + SHOW + save.format("two") + "&q\n")]
     for status, _, errors in outs:
-        if status != 0 or TROUBLE.search(errors):
+        if status != 0 or trials.TROUBLE.search(errors):
             return f"status {status}: {errors[-2000:].decode('latin-1')}"
     if b"Inappropriate symbol" in outs[1][1]:
         return "an error while loading: " + outs[1][1][-1500:].decode("latin-1")
@@ -266,28 +264,14 @@ def attempt(binary, directory, lines):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--count", type=int, default=200)
-    parser.add_argument("--seed", type=int, default=random.randrange(10**6))
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    print(f"seed {args.seed}")
-    failed = 0
-    directory = tempfile.mkdtemp(prefix="round-")
-    try:
-        with open(os.path.join(directory, "tolstart.txt"), "w") as handle:
-            handle.write("500\n")
-        for k in range(args.count):
-            lines = Session(random.Random(f"{args.seed}:{k}")).lines()
-            report = attempt(binary, directory, lines)
-            if report:
-                failed += 1
-                print(f"FAILED session {k}\n" + "\n".join("  " + line for line in lines) + f"\n{report}")
-        print(f"{args.count - failed} sessions came back, {failed} did not")
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
-    return 1 if failed else 0
+    args = trials.arguments(count=200, seed=trials.any_seed())
+
+    def judged(directory, rng):
+        lines = Session(rng).lines()
+        report = attempt(args.tolvex, directory, lines)
+        return report and "".join("\n  " + line for line in lines) + "\n" + report
+
+    return trials.random_trials(args, "round", judged, "sessions came back", "did not")
 
 
 if __name__ == "__main__":

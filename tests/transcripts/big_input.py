@@ -5,14 +5,14 @@ usage: big_input.py --tolvex PATH [--scale F]
 
 Each case sends one line between `z := 5:` and `z`, and checks what it writes and that z keeps its value.
 """
-import argparse
 import os
 import re
 import subprocess
 import sys
-import tempfile
 
-TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+
 TOO_DEEP = b"nested too deeply"
 UNDEFINED = b"has not been defined"
 ENDED = b"should have ended before this symbol"
@@ -71,7 +71,7 @@ def run(binary, directory, line, limit):
         return f"no end within {limit:g} s"
     if done.returncode != 0:
         return f"exit status {done.returncode}"
-    if TROUBLE.search(done.stderr):
+    if trials.TROUBLE.search(done.stderr):
         return done.stderr[:2000].decode("latin-1")
     answer = done.stdout[done.stdout.index(b"\n>"):]
     if expected not in answer:
@@ -82,21 +82,15 @@ def run(binary, directory, line, limit):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--scale", type=float, default=1.0)
-    args = parser.parse_args()
-    binary, failed = os.path.abspath(args.tolvex), 0
-    with tempfile.TemporaryDirectory(prefix="big-input-") as directory:
-        with open(os.path.join(directory, "tolstart.txt"), "w", encoding="ascii") as script:
-            script.write("500\n")
+    args = trials.arguments(scale=1.0)
+    failed = 0
+    with trials.folder("big-input") as directory:
         for name, *line in CASES:
-            report = run(binary, directory, line, 20 * args.scale)
+            report = run(args.tolvex, directory, line, 20 * args.scale)
             if report:
                 failed += 1
                 print(f"FAILED {name}\n  {report}")
-    print(f"{len(CASES) - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return trials.verdict(len(CASES) - failed, failed)
 
 
 if __name__ == "__main__":

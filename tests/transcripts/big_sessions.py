@@ -5,14 +5,14 @@ usage: big_sessions.py --tolvex PATH [--scale F]
 
 The order of the tables is worked out here: buckets by the hash of the name, the newest entry of a bucket first.
 """
-import argparse
 import os
 import re
 import subprocess
 import sys
-import tempfile
 
-TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+
 BUCKETS, FUNCTION_BUCKETS = 151, 71
 TOO_DEEP = "Calls, parentheses or statements are nested too deeply."
 
@@ -53,7 +53,7 @@ class Session:
         done = subprocess.run([self.binary], cwd=self.directory, input=("\n".join(lines) + "\n&q\n").encode(),
                               capture_output=True, timeout=self.limit)
         check(done.returncode == 0, f"exit status {done.returncode}")
-        check(not TROUBLE.search(done.stderr), done.stderr[:2000].decode("latin-1"))
+        check(not trials.TROUBLE.search(done.stderr), done.stderr[:2000].decode("latin-1"))
         return re.split(r"^>", done.stdout.decode("latin-1"), flags=re.M)[1:]
 
 
@@ -170,23 +170,17 @@ CASES = [variables, many_names, functions, arrays, one_name, deep_calls]
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--scale", type=float, default=1.0)
-    args = parser.parse_args()
+    args = trials.arguments(scale=1.0)
     failed = 0
-    with tempfile.TemporaryDirectory(prefix="big-sessions-") as directory:
-        with open(os.path.join(directory, "tolstart.txt"), "w", encoding="ascii") as script:
-            script.write("500\n")
-        session = Session(os.path.abspath(args.tolvex), directory, 60 * args.scale)
+    with trials.folder("big-sessions") as directory:
+        session = Session(args.tolvex, directory, 60 * args.scale)
         for case in CASES:
             try:
                 case(session)
             except (Failure, subprocess.TimeoutExpired, IndexError) as report:
                 failed += 1
                 print(f"FAILED {case.__name__}: {report!s:.600}")
-    print(f"{len(CASES) - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return trials.verdict(len(CASES) - failed, failed)
 
 
 if __name__ == "__main__":

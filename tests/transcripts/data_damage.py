@@ -5,12 +5,14 @@ usage: data_damage.py --tolvex PATH [--scale F]
 
 chdat is left open for its reader; only its absence is noticed.
 """
-import argparse
 import os
 import shutil
 import subprocess
 import sys
 import tempfile
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
 
 FILES = ["chdat", "Qerrs", "pow228", "pprods", "primelist", "bprimes", "f256d", "f2t16d", "lrgpmes"]
 
@@ -43,10 +45,7 @@ def complaint(home, limit):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--scale", type=float, default=1.0)
-    args = parser.parse_args()
+    args = trials.arguments(scale=1.0)
     binary, cases, failed = os.path.realpath(args.tolvex), 0, 0
     with tempfile.TemporaryDirectory(prefix="data-damage-") as home:
         shutil.copy(binary, os.path.join(home, "tolvex"))
@@ -74,8 +73,7 @@ def main():
         if status != 0 or lines:
             failed += 1
             print(f"FAILED whole files: status {status}, {lines}")
-    print(f"{cases} cases, {failed} failed")
-    return 1 if failed else 0
+    return trials.verdict(cases - failed, failed)
 
 
 if __name__ == "__main__":

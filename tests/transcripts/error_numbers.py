@@ -12,6 +12,9 @@ import os
 import re
 import sys
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+
 FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 
 # Numbers that no transcript meets, and why.
@@ -48,12 +51,9 @@ def main():
             faults.append(f"{number} {name}: met by a transcript, and still waiting")
         elif number not in met and number not in WAITING:
             faults.append(f"{number} {name}: no transcript meets it")
-    for fault in faults:
-        print(fault)
     if unused:
         print("not raised by any source file:", ", ".join(unused))
-    print(f"{len(numbers)} numbers, {len(met)} met by transcripts, {len(WAITING)} waiting, {len(faults)} faults")
-    return 1 if faults else 0
+    return trials.list_faults(faults, f"{len(numbers)} numbers, {len(met)} met by transcripts, {len(WAITING)} waiting")
 
 
 if __name__ == "__main__":

@@ -10,17 +10,16 @@ both images must be the same; new names with the value 0 may have come (a name i
 lines are tried for each number (default 3), and one that changes nothing is wanted. CHANGING names the numbers whose
 statements end their work before they fail, with the reason.
 """
-import argparse
 import glob
 import os
 import re
 import subprocess
 import sys
-import tempfile
-
-import run
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "support"))
+import run  # noqa: E402, the neighbour
+import trials  # noqa: E402
 PROLOGUE = ["zzi := 5:", "zzr := 3/7:", "zzb := 7^60:", "Func Zzf(x) = x^2 + 1.", "Array zza[2,2]:", "[zza] := 4:",
             "Array zzs[3,3] Sparse:", "zzs[2,3] := 9:", "&(u = 3):", "&(_d = 70):", "&(m = 2):", "&c:"]
 MARK = "zzmark"
@@ -73,12 +72,7 @@ def image(name):
 def attempt(binary, case, prologue, before, between, scale):
     """The output in pieces around the marks and the two images; None if it did not get that far."""
     text = [line.encode() for line in prologue] + before + image(b"zzone") + between + image(b"zztwo") + [b"&q"]
-    with tempfile.TemporaryDirectory() as directory:
-        for name, content in {"tolstart.txt": "500\n", **case.files}.items():
-            path = os.path.join(directory, name)
-            os.makedirs(os.path.dirname(path), exist_ok=True)
-            with open(path, "w", encoding="utf-8") as handle:
-                handle.write(content)
+    with trials.folder("unchanged", files=case.files) as directory:
         try:
             done = subprocess.run([binary], cwd=directory, input=b"\n".join(text) + b"\n", capture_output=True,
                                   timeout=20 * scale)
@@ -127,16 +121,8 @@ def judge(binary, number, case, before, line, messages, scale):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--only", type=int)
-    parser.add_argument("--each", type=int, default=3)
-    parser.add_argument("--scale", type=float, default=1)
-    parser.add_argument("--verbose", action="store_true")
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    with open(os.path.join(os.path.dirname(os.path.realpath(binary)), "BACKWARD", "Qerrs"), encoding="utf-8") as handle:
-        messages = [line.rstrip("\n")[:65] for line in handle][:376]
+    args = trials.arguments(only=int, each=3, scale=1.0, verbose=False)
+    messages = trials.messages(args.tolvex)
     by_number = {}
     for path in sorted(glob.glob(os.path.join(HERE, "*", "*.script"))):
         for number, *rest in candidates(path):
@@ -147,7 +133,7 @@ def main():
             continue
         reports = []
         for case, before, line in found[:args.each]:
-            report = judge(binary, number, case, before, line, messages, args.scale)
+            report = judge(args.tolvex, number, case, before, line, messages, args.scale)
             reports.append(f"{os.path.relpath(case.name)}: {line.decode()}: {report}")
             if report == "":
                 break
@@ -157,10 +143,7 @@ def main():
             faults.append(f"error {number}: " + ("changes nothing, and stands among those that do" if good else "\n    ".join(reports)))
         if args.verbose:
             print(number, "unchanged" if good else reports, flush=True)
-    for fault in faults:
-        print(fault)
-    print(f"{len(by_number)} numbers met, {unchanged} change nothing, {len(CHANGING)} may, {len(faults)} faults")
-    return 1 if faults else 0
+    return trials.list_faults(faults, f"{len(by_number)} numbers met, {unchanged} change nothing, {len(CHANGING)} may")
 
 
 if __name__ == "__main__":

@@ -28,7 +28,6 @@ any number of lines. Prompts at line starts are removed.
 
 Anything on standard error that a checked build writes ("leak audit", "CHECK failed", sanitizer reports) fails the case.
 """
-import argparse
 import os
 import re
 import shutil
@@ -36,8 +35,11 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import trials  # noqa: E402
+
 HEADER = re.compile(r"^(startup|blank|eof|stdin|status|prompt|absent|quit|without|damage|nofile|time): ?(.*)$")
-TROUBLE = re.compile(r"leak audit|CHECK failed|Sanitizer|runtime error:")
+TROUBLE = re.compile(trials.TROUBLE.pattern.decode())
 FAREWELL = " bye"
 
 
@@ -248,49 +250,31 @@ def compare_files(session, directory, messages):
 
 
 def run(case, binary, messages, scale):
-    directory = tempfile.mkdtemp(prefix="transcript-")
-    try:
-        files = {"tolstart.txt": "500\n"}
-        files.update(case.files)
-        for name in case.lists["nofile"]:
-            files.pop(name, None)
-        for name, content in files.items():
-            path = os.path.join(directory, name)
-            os.makedirs(os.path.dirname(path), exist_ok=True)
-            with open(path, "w", encoding="utf-8") as handle:
-                handle.write(content)
+    left_out = case.lists["nofile"]
+    with trials.folder("transcript", None if "tolstart.txt" in left_out else 500,
+                       {name: text for name, text in case.files.items() if name not in left_out}) as directory:
         program = binary_for(case, binary, directory)
         for session in case.sessions:
             report = run_session(case, session, program, directory, messages, scale)
             if report:
                 return report
         return ""
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tolvex", required=True)
-    parser.add_argument("--only")
-    parser.add_argument("--scale", type=float, default=1.0)
-    parser.add_argument("files", nargs="+")
-    args = parser.parse_args()
-    binary = os.path.abspath(args.tolvex)
-    with open(os.path.join(os.path.dirname(os.path.realpath(binary)), "BACKWARD", "Qerrs"), encoding="utf-8") as handle:
-        messages = [line.rstrip("\n")[:65] for line in handle][:376]
+    args = trials.arguments("files", only=str, scale=1.0)
+    messages = trials.messages(args.tolvex)
     passed = failed = 0
     for case in (case for path in args.files for case in parse(path)):
         if args.only and not re.search(args.only, case.name):
             continue
-        report = run(case, binary, messages, args.scale)
+        report = run(case, args.tolvex, messages, args.scale)
         if report:
             failed += 1
             print(f"FAILED {case.name}\n{report}", flush=True)
         else:
             passed += 1
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed or not passed else 0
+    return trials.verdict(passed, failed)
 
 
 if __name__ == "__main__":
