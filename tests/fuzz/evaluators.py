@@ -63,7 +63,7 @@ class Bodies:
         if kind == 0:
             return f"{name} := ({e(2)})|{rng.choice(['1000', '97', '(c + 1)'])}"
         if kind == 1:
-            return f"{name}:{rng.choice('+-')}{rng.choice(['', '2', name, '(' + e(1) + ')|9'])}".replace("|9", "")
+            return f"{name}:{rng.choice('+-')}{rng.choice(['', '2', name, '(' + e(1) + ')'])}"
         if kind == 2:
             return e(2)
         if kind == 3:
