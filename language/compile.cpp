@@ -286,7 +286,8 @@ static void install(Compilation& c, funcptr f) {
 }
 
 static bool says_integer(const condnode* p) {
-    return p->kind == StatementKind::simple && tok_is(p->expr->let, "Integer") && tok_is(p->expr->next->let, k_end_token);
+    return p->kind == StatementKind::simple && tok_is(p->expr->let, "Integer") &&
+           tok_is(p->expr->next->let, k_end_token);
 }
 
 /// The first run: the list is read, the statements behind this one are bound.

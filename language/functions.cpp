@@ -186,12 +186,12 @@ struct Call {
     FILE* inf;
     nameptr* flag;
     funcptr f;
-    varptr first;        // the variables of the parameters read so far, in order, not in the table yet
-    varptr* link;        // where the next one goes
+    varptr first;           // the variables of the parameters read so far, in order, not in the table yet
+    varptr* link;           // where the next one goes
     ResultTarget* targets;  // see CallFrame
     arrptr* arrays;         // their aliases are not in the table yet
     int32_t place;
-    bool has_tables;   // scratch memory is in use from the mark on
+    bool has_tables;  // scratch memory is in use from the mark on
     ScratchMark mark;
 };
 }  // namespace
@@ -304,8 +304,8 @@ static void free_parameters(Call& c) {
 
 // ---- calls ---------------------------------------------------------------------------------------------
 
-/// The variables go to the heads of their buckets, where they hide others of the same name; what is compiled leads
-/// to them.
+/// The variables go to the heads of their buckets, where they hide others of the same name; what is compiled
+/// leads to them.
 static void push_parameters(const Call& c) {
     varptr first = c.first;
     const paramnode* p = c.f->pars;
@@ -353,8 +353,9 @@ struct LostParameter {
 };
 }  // namespace
 
-/// Ends the innermost call: its frame is off, its parameters are given back. The answer is a parameter by reference
-/// whose variable or array has gone, or an array parameter whose name the body has given to a new array.
+/// Ends the innermost call: its frame is off, its parameters are given back. The answer is a parameter by
+/// reference whose variable or array has gone, or an array parameter whose name the body has given to a new
+/// array.
 static LostParameter remove_args(CallFrame* frame) {
     LostParameter lost = {nullptr, Err{}};
     varptr v = unlink_parameters(frame->f);
@@ -363,9 +364,11 @@ static LostParameter remove_args(CallFrame* frame) {
     int32_t place = 0;
     for (const paramnode* p = frame->f->pars; p != nullptr; p = p->next, place++) {
         bool good = !p->result || give_back(frame->targets[place], &v->val);
-        if (frame->arrays != nullptr && frame->arrays[place] != nullptr) good = remove_alias(frame->arrays[place]);
-        if (!good) lost = {p, p->result && !is_element(frame->targets[place]) ? Err::target_gone
-                                                                             : Err::array_parameter_missing};
+        if (frame->arrays != nullptr && frame->arrays[place] != nullptr)
+            good = remove_alias(frame->arrays[place]);
+        if (!good)
+            lost = {p, p->result && !is_element(frame->targets[place]) ? Err::target_gone
+                                                                       : Err::array_parameter_missing};
         if (v->own != nullptr) end_parameter_binding(v);
         if (v->bound != nullptr) unbind(v);
         free_value(&v->val);

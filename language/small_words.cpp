@@ -12,7 +12,8 @@ namespace {
 
 enum class Follower : uint8_t { other, end, sum, product };
 
-/// By the first character of the token. Everything that the evaluator would take for a part of the term is `other`.
+/// By the first character of the token. Everything that the evaluator would take for a part of the term is
+/// `other`.
 struct FollowerTable {
     Follower of[256] = {};
     constexpr FollowerTable() {

@@ -1,17 +1,19 @@
 #pragma once
 /// language/small_words.h: expressions of small integers, worked out ahead on a stored list.
 ///
-/// Purpose    what programs compute most are sums, products and remainders of small integers: n - 1, s*7|m, k|2 = 0.
+/// Purpose    what programs compute most are sums, products and remainders of small integers: n - 1, s*7|m,
+/// k|2 = 0.
 ///            They are worked out on the nodes of the list, without a record and without a copy of a token.
 /// Invariant  nothing happens unless the whole expression is such a one: then the evaluator reads it from its
-///            beginning, with whatever reports it has. Values are exact: what leaves 64 bits is left to it too.
+///            beginning, with whatever reports it has. Values are exact: what leaves 64 bits is left to it
+///            too.
 /// Modes      numbers that are chains; in lintmode nothing is worked out here.
 /// Raises     nothing.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"
 namespace tolvex {
-/// *v := the value of the expression at the current token, which is then the one behind it. False: nothing has been
-/// read. Cost: a few instructions a token, a search of the table for a name that is not bound.
+/// *v := the value of the expression at the current token, which is then the one behind it. False: nothing
+/// has been read. Cost: a few instructions a token, a search of the table for a name that is not bound.
 bool small_expression(nameptr* flag, int64_t* v);
 /// The same for a comparison of two of them: *truth.
 bool small_comparison(nameptr* flag, bool* truth);

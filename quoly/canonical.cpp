@@ -1,7 +1,7 @@
 #include "quoly/canonical.h"
 
-#include "gcd/polygcd.h"
 #include "gcd/num_content.h"
+#include "gcd/polygcd.h"
 #include "numbers/limbs.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
@@ -16,8 +16,8 @@
 #include "poly/poly_scale.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
-#include "quoly/quoly_basic.h"
 #include "quoly/ports.h"
+#include "quoly/quoly_basic.h"
 #include "quoly/quoly_internal.h"
 #include "quoly/reduce.h"
 #include "storage/failure.h"
@@ -251,7 +251,8 @@ void normalise_parts(polyptrr numer, polyptrr denom, bool laur) {
 }
 
 void settle_fraction(polyptrr numer, polyptrr denom) {
-    if ((!laurent && pseudo_polynames == nullptr) || *denom == nullptr || poly_iszero(*denom) || poly_iszero(*numer))
+    if ((!laurent && pseudo_polynames == nullptr) || *denom == nullptr || poly_iszero(*denom) ||
+        poly_iszero(*numer))
         return;
     if (modout_above_field) {  // what was reduced may have a factor in common again
         Factor top = {*numer, true}, bottom = {*denom, true};

@@ -15,12 +15,12 @@
 #include "poly/poly_test.h"
 #include "poly/size_estimates.h"
 #include "quoly/canonical.h"
+#include "quoly/ports.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_fraction.h"
 #include "quoly/quoly_internal.h"
 #include "quoly/quoly_mult.h"
-#include "quoly/ports.h"
 #include "quoly/quoly_rats.h"
 #include "storage/failure.h"
 namespace tolvex {
@@ -116,8 +116,8 @@ static poly divided_part(poly part, poly m, char which) {
     return r;
 }
 
-/// True if m, no number, has a leading coefficient in the field tower (a number is in it): *degree in its main
-/// variable, *depth the level of that.
+/// True if m, no number, has a leading coefficient in the field tower (a number is in it): *degree in its
+/// main variable, *depth the level of that.
 static bool divides_in_field(const polynode* m, int32_t* degree, int32_t* depth) {
     if (field_depth == 0 || lintmode || is_number(m)) return false;
     for (*depth = 1; m->exp == 0 && !m->numb; m = m->pcoef) ++*depth;
