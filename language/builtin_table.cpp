@@ -60,6 +60,8 @@ struct BuiltinRoutines {
         of[15] = of[60] = of[80] = builtin_Divides;
         of[16] = builtin_Egcd;
         of[17] = of[18] = builtin_Equal;
+        of[19] = builtin_FFLU;
+        of[20] = builtin_FFLUC;
         of[22] = builtin_Ignore;
         of[24] = of[25] = builtin_Func;
         of[26] = builtin_GCD;
@@ -75,6 +77,7 @@ struct BuiltinRoutines {
         of[39] = of[69] = builtin_Lower;
         of[40] = builtin_Lterm;
         of[43] = of[44] = builtin_Mcoef;
+        of[45] = builtin_Minors;
         of[46] = builtin_Minpoly;
         of[47] = builtin_Modmode;
         of[48] = builtin_Modulus;
@@ -94,6 +97,7 @@ struct BuiltinRoutines {
         of[64] = builtin_Powermod;
         of[65] = builtin_Prime;
         of[66] = of[82] = builtin_Sum;
+        of[67] = builtin_Pseudet;
         of[68] = of[70] = builtin_Rand;
         of[71] = builtin_Rat;
         of[72] = builtin_Rcoef;

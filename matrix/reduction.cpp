@@ -1,5 +1,6 @@
 #include "matrix/reduction.h"
 
+#include "matrix/exact_quotient.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
@@ -58,6 +59,12 @@ void set_matrix_element(LineMatrix& m, int32_t r, int32_t c, quoly value) {
     quoly& slot = m.at[r + int64_t{c} * m.rows];
     free_quoly(&slot);
     slot = value;
+}
+
+void cut_columns(LineMatrix* m, int32_t cols) {
+    for (int64_t k = int64_t{cols} * m->rows; m->at != nullptr && k < int64_t{m->cols} * m->rows; k++)
+        free_quoly(&m->at[k]);
+    m->cols = cols;
 }
 
 void unflip_matrix(LineMatrix* m) {
@@ -202,6 +209,10 @@ void negate_line(LineMatrix& m, bool rows, int32_t k) {
     change_line(m, rows, k, [](quolyptr x) { quoly_inplace(*x); });
 }
 
+void divide_line(LineMatrix& m, bool rows, int32_t k, quoly d) {
+    change_line(m, rows, k, [d](quolyptr x) { exact_quotient(x, d); });
+}
+
 // ---- the record ----------------------------------------------------------------------------------------
 
 static LineMatrix identity_matrix(int32_t n, bool sparse) {
@@ -237,6 +248,11 @@ void drop_reduction(Reduction* r) {
     free_quoly(&r->value);
 }
 
+void fail_reduction(Reduction* r, Err code) {
+    r->failed = true;
+    error(code);
+}
+
 void transpose_reduction(Reduction* r) {
     transpose_matrix(&r->m);
     unflip_matrix(&r->m);
@@ -244,6 +260,7 @@ void transpose_reduction(Reduction* r) {
         if (is_present(m)) transpose_matrix(&m);
     std::swap(r->aux[k_alpha], r->aux[k_beta]);
     std::swap(r->aux[k_alphinv], r->aux[k_betinv]);
+    std::swap(r->row_number, r->column_number);
 }
 
 namespace {
@@ -266,6 +283,8 @@ void add_step(Reduction& r, bool rows, int32_t q, quoly f, int32_t k) {
 void exchange_step(Reduction& r, bool rows, int32_t i, int32_t j) {
     if (i == j) return;
     exchange_lines(r.m, rows, i, j);
+    if (int32_t* numbers = rows ? r.row_number : r.column_number; numbers != nullptr)
+        std::swap(numbers[i], numbers[j]);
     LineMatrix &steps = matrix_of_steps(r, rows), &inverse = inverse_of_steps(r, rows);
     if (is_present(steps)) exchange_lines(steps, rows, i, j);
     if (is_present(inverse)) exchange_lines(inverse, !rows, i, j);

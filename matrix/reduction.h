@@ -9,6 +9,7 @@
 /// Ownership  the record owns all elements; drop_reduction() gives them back, at any moment between two
 /// steps. Raises     poll_interrupt within steps; the record is whole then.
 #include "matrix/sparse.h"
+#include "storage/failure.h"
 
 #include <cstdint>
 namespace tolvex {
@@ -24,14 +25,16 @@ inline bool is_present(const LineMatrix& m) { return m.at != nullptr || m.spar !
 /// The matrices of operations, in the order in which the user names them.
 enum AuxMatrix : int32_t { k_alpha, k_beta, k_alphinv, k_betinv, k_aux_matrices };
 inline constexpr int32_t k_extra_matrices = 2;
+inline constexpr int32_t k_most_pivot_rows = 50000;  // rows and columns of a sparse matrix that is eliminated
 
 struct Reduction {
     LineMatrix m;
     LineMatrix aux[k_aux_matrices];
     LineMatrix extra[k_extra_matrices];  // further results of some reductions: pivots, lists of rows
     int32_t rank;
-    quoly value;  // the value of the function; nil: the rank
-    bool failed;  // an error has come back: nothing is to be stored
+    quoly value;                          // the value of the function; nil: the rank
+    bool failed;                          // an error has come back: nothing is to be stored
+    int32_t *row_number, *column_number;  // which rows and columns of A stand there now; nil: nobody asks
 };
 /// What stands behind the matrices, and the sign in front.
 struct ReductionOptions {
@@ -45,6 +48,10 @@ struct ReductionOptions {
 /// A dense matrix of zeros; a sparse one without entries.
 LineMatrix new_dense_matrix(int32_t rows, int32_t cols);
 LineMatrix new_sparse_matrix(int32_t rows, int32_t cols);
+/// One of the kind of `like`.
+inline LineMatrix new_matrix(const LineMatrix& like, int32_t rows, int32_t cols) {
+    return like.at != nullptr ? new_dense_matrix(rows, cols) : new_sparse_matrix(rows, cols);
+}
 /// Gives back the elements; absent afterwards.
 void drop_matrix(LineMatrix* m);
 /// Element (r, c), to be read only.
@@ -53,6 +60,8 @@ quoly matrix_element(const LineMatrix& m, int32_t r, int32_t c);
 void set_matrix_element(LineMatrix& m, int32_t r, int32_t c, quoly value);
 /// m := its transpose.
 void transpose_matrix(LineMatrix* m);
+/// The first columns alone stay; those behind them hold zeros.
+void cut_columns(LineMatrix* m, int32_t cols);
 /// A sparse matrix gets its own chain instead of that of its transpose.
 void unflip_matrix(LineMatrix* m);
 
@@ -62,6 +71,8 @@ void add_line(LineMatrix& m, bool rows, int32_t q, quoly f, int32_t k);
 void exchange_lines(LineMatrix& m, bool rows, int32_t i, int32_t j);
 void scale_line(LineMatrix& m, bool rows, int32_t k, quoly f);
 void negate_line(LineMatrix& m, bool rows, int32_t k);
+/// Every element is divided by d, exactly.
+void divide_line(LineMatrix& m, bool rows, int32_t k, quoly d);
 /// The row of a sparse chain at `to` += f times the row `from`.
 void sparse_row_add(colm_ptrptr to, const colnode* from, quoly f);
 
@@ -72,6 +83,8 @@ void begin_reduction(Reduction* r, const bool want[k_aux_matrices]);
 /// The chains of flipped matrices are turned: the results can be taken out.
 void settle_reduction(Reduction* r);
 void drop_reduction(Reduction* r);
+/// Raises the error; if that comes back the record has failed.
+void fail_reduction(Reduction* r, Err code);
 /// The reduction of the transpose of A: m becomes its transpose, alpha that of beta, and so on.
 void transpose_reduction(Reduction* r);
 

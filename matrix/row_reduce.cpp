@@ -1,10 +1,16 @@
 #include "matrix/row_reduce.h"
 
 #include "matrix/elimination_steps.h"
+#include "matrix/matrix_modes.h"
+#include "matrix/word_reduce.h"
+#include "numbers/residue.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
 #include "storage/failure.h"
+#include "storage/scratch.h"
+
+#include <climits>
 namespace tolvex {
 namespace {
 /// The record itself as a frame of values.
@@ -57,16 +63,25 @@ struct ValueFrame {
 };
 }  // namespace
 
-static void end_steps(Reduction* r, int32_t rank) {
+/// The steps, on words where the entries are residues.
+static void run_steps(Reduction* r, WordSteps steps, int32_t cut) {
+    if (r->m.at == nullptr && std::max(r->m.rows, r->m.cols) > k_most_pivot_rows)
+        return fail_reduction(r, Err::sparse_rows);
+    int32_t rank;
+    if (fits_words(*r)) {
+        rank = reduce_words(r, steps, cut);
+    } else {
+        ValueFrame f = {*r};
+        rank = steps == WordSteps::rows      ? row_steps(f, cut)
+               : steps == WordSteps::echelon ? echelon_steps(f)
+                                             : normal_steps(f);
+    }
     r->rank = std::max(rank, 0);
-    if (rank >= 0) return;
-    r->failed = true;
-    error(Err::not_invertible);
+    if (rank < 0) fail_reduction(r, Err::not_invertible);
 }
 
 void rowreduce(Reduction* r, const ReductionOptions* options) {
-    ValueFrame f = {*r};
-    end_steps(r, row_steps(f, std::max(0, options->count)));
+    run_steps(r, WordSteps::rows, std::max(0, options->count));
 }
 
 void colreduce(Reduction* r, const ReductionOptions* options) {
@@ -75,13 +90,46 @@ void colreduce(Reduction* r, const ReductionOptions* options) {
     transpose_reduction(r);
 }
 
-void red_row_ech(Reduction* r, const ReductionOptions*) {
-    ValueFrame f = {*r};
-    end_steps(r, echelon_steps(f));
+void red_row_ech(Reduction* r, const ReductionOptions*) { run_steps(r, WordSteps::echelon, 0); }
+
+void normalize(Reduction* r, const ReductionOptions*) { run_steps(r, WordSteps::normal, 0); }
+
+// ---- the pseudo-determinant ----------------------------------------------------------------------------
+
+static int32_t* first_numbers(int32_t n) {
+    auto* numbers = scratch_array<int32_t>(n);
+    for (int32_t k = 0; k < n; k++) numbers[k] = k;
+    return numbers;
 }
 
-void normalize(Reduction* r, const ReductionOptions*) {
-    ValueFrame f = {*r};
-    end_steps(r, normal_steps(f));
+/// The first `rank` numbers in rising order, as a column of at least one element.
+static LineMatrix column_of_numbers(int32_t* numbers, int32_t rank) {
+    LineMatrix m = new_sparse_matrix(std::max(rank, 1), 1);
+    std::sort(numbers, numbers + rank);
+    for (int32_t k = 0; k < rank; k++) {
+        quoly q = nullptr;
+        int32_t value = numbers[k] + addresser;
+        quoly_set(modularmode ? residue_of_int(value) : value, &q);
+        set_matrix_element(m, k, 0, q);
+    }
+    return m;
+}
+
+void pseudo_determinant(Reduction* r, const ReductionOptions*) {
+    if (r->m.at != nullptr) return fail_reduction(r, Err::sparse_matrix_needed);
+    ScratchMark mark = scratch_mark();
+    int32_t *rows = first_numbers(r->m.rows), *columns = first_numbers(r->m.cols);
+    r->row_number = rows;
+    r->column_number = columns;
+    run_steps(r, WordSteps::rows, INT32_MAX);
+    r->row_number = r->column_number = nullptr;
+    if (!r->failed) {
+        quoly_set(1, &r->value);
+        for (int32_t k = 0; k < r->rank; k++) fast_quoly_mult(&r->value, matrix_element(r->m, k, k));
+        if (!modularmode) quoly_abs(r->value);
+        r->extra[0] = column_of_numbers(rows, r->rank);
+        r->extra[1] = column_of_numbers(columns, r->rank);
+    }
+    scratch_release(mark);
 }
 }  // namespace tolvex

@@ -1,6 +1,7 @@
 #include "matrix/word_determinant.h"
 
 #include "matrix/float_lu.h"
+#include "matrix/word_rows.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
@@ -20,17 +21,6 @@ static void exchange_rows(uint32_t* a, int32_t n, int32_t r, int32_t s, int32_t 
 
 // ---- table fields --------------------------------------------------------------------------------------
 
-/// row := row + factor * pivot in GF(2^8): one row of the table of products serves all entries.
-static void add_multiple_256(uint32_t* row, const uint32_t* pivot, uint32_t factor, int32_t count) {
-    const int16_t* product = f256prod[factor & 255];
-    for (int32_t c = 0; c < count; c++) row[c] ^= static_cast<uint32_t>(product[pivot[c] & 255]);
-}
-
-/// The same in GF(2^16).
-static void add_multiple_wide(uint32_t* row, const uint32_t* pivot, uint32_t factor, int32_t count) {
-    for (int32_t c = 0; c < count; c++) row[c] ^= static_cast<uint32_t>(table_mult(factor, pivot[c]));
-}
-
 /// Characteristic 2: exchanges change no sign.
 static uint32_t table_determinant(const WordField& f, uint32_t* a, int32_t n) {
     uint32_t det = 1;
@@ -45,7 +35,7 @@ static uint32_t table_determinant(const WordField& f, uint32_t* a, int32_t n) {
             uint32_t* row = a + int64_t{r} * n;
             if (row[k] == 0) continue;
             uint32_t factor = wf_mul(f, row[k], inverse);
-            (f256 ? add_multiple_256 : add_multiple_wide)(row + k, pivot + k, factor, n - k);
+            add_row_multiple(f, row + k, pivot + k, factor, n - k);
         }
         poll_interrupt();
     }
@@ -57,14 +47,6 @@ uint32_t word_determinant(const WordField& f, uint32_t* a, int32_t n) {
 }
 
 // ---- composite moduli ----------------------------------------------------------------------------------
-
-/// row := row - factor * pivot modulo m.
-static void subtract_multiple(const WordField& f, uint32_t* row, const uint32_t* pivot, uint32_t factor,
-                              int32_t count) {
-    uint32_t minus = wf_neg(f, factor);
-    for (int32_t c = 0; c < count; c++)
-        row[c] = wf_reduce(f, static_cast<uint64_t>(minus) * pivot[c] + row[c]);
-}
 
 /// A unit of column k, if there is one among the rows from k on, goes to row k, else any entry that is not 0.
 /// False: the column is empty.
@@ -90,7 +72,7 @@ static void clear_by_remainders(const WordField& f, uint32_t* a, int32_t n, int3
                                 bool* negative) {
     uint32_t *pivot = a + int64_t{k} * n, *row = a + int64_t{r} * n;
     while (row[k] != 0) {
-        subtract_multiple(f, row + k, pivot + k, row[k] / pivot[k], n - k);
+        add_row_multiple(f, row + k, pivot + k, wf_neg(f, row[k] / pivot[k]), n - k);
         if (row[k] == 0) return;
         exchange_rows(a, n, r, k, k);
         *negative = !*negative;

@@ -1,10 +1,14 @@
 // Reductions: alpha A beta is the matrix that is left, and the inverses are inverses, after steps at random
 // and after every reduction, dense and sparse, in several rings.
+#include "matrix/determinant.h"
+#include "matrix/fraction_free.h"
+#include "matrix/pivots.h"
 #include "matrix/products.h"
 #include "matrix/row_reduce.h"
-#include "numbers/ring_switch.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
+#include "tests/support/random_poly.h"
 #include "tests/unit/matrix/matrix_support.h"
 
 #include <climits>
@@ -54,7 +58,11 @@ void expect_invariant(const Reduction& r, Values& start) {
     for (Values* v : {&alpha, &beta, &alphinv, &betinv, &now, &left, &both}) free_values(*v);
 }
 
-int32_t in_ring(int32_t n) { return modularmode ? (n % modulus + modulus) % modulus : n; }
+int32_t in_ring(int32_t n) {
+    if (finf) return n < 0 ? -n : n;
+    if (!modularmode) return n;
+    return n < 0 ? (modulus + n % modulus) % modulus : n % modulus;
+}
 
 LineMatrix random_matrix(Rng& rng, int32_t rows, int32_t cols, bool sparse) {
     LineMatrix m = sparse ? new_sparse_matrix(rows, cols) : new_dense_matrix(rows, cols);
@@ -68,6 +76,7 @@ LineMatrix random_matrix(Rng& rng, int32_t rows, int32_t cols, bool sparse) {
     return m;
 }
 
+using Reducer = void (*)(Reduction* r, const ReductionOptions* options);
 constexpr bool k_all[k_aux_matrices] = {true, true, true, true};
 
 void random_step(Rng& rng, Reduction& r) {
@@ -84,7 +93,7 @@ void random_step(Rng& rng, Reduction& r) {
         (rows ? reduction_exchange_rows : reduction_exchange_columns)(r, i, j);
         break;
     case 2:
-        if (!quoly_iszero(f)) (rows ? reduction_scale_row : reduction_scale_column)(r, i, f);
+        if (can_be_pivot(f)) (rows ? reduction_scale_row : reduction_scale_column)(r, i, f);
         break;
     default:
         (rows ? reduction_negate_row : reduction_negate_column)(r, i);
@@ -92,14 +101,33 @@ void random_step(Rng& rng, Reduction& r) {
     free_quoly(&f);
 }
 
-/// The ring of a round: the integers, or residues modulo a prime.
+/// The ring of a round, every ring in turn.
 void enter_ring_of(int round) {
-    static constexpr int32_t primes[] = {0, 2, 7, 32003};
     set_up_matrices();
-    if (int32_t p = primes[round / 2 % 4]; p != 0) ring_enter_prime(p);
+    use_ring(all_rings[round / 2 % all_ring_count]);
 }
+bool composite() { return modularmode && !finf && !mod_is_prime; }
 
-using Reducer = void (*)(Reduction* r, const ReductionOptions* options);
+/// m with the same elements, and the operations that are asked for.
+Reduction reduction_of(const Values& start, int32_t rows, int32_t cols, bool sparse, const bool want[4]) {
+    Reduction r = {};
+    r.m = sparse ? new_sparse_matrix(rows, cols) : new_dense_matrix(rows, cols);
+    for (int32_t k = 0; k < rows * cols; k++) {
+        quoly copy = nullptr;
+        quoly_assign(start[static_cast<size_t>(k)], &copy);
+        set_matrix_element(r.m, k % rows, k / rows, copy);
+    }
+    begin_reduction(&r, want);
+    return r;
+}
+/// Reduces; false if an error has been raised, which must be that of a pivot over a composite modulus.
+bool run(Reducer reduce, Reduction* r) {
+    ReductionOptions options = {INT32_MAX, nullptr, false};
+    bool raised = RAISES(reduce(r, &options));
+    EXPECT_TRUE(!raised || (composite() && caught.code == 85)) << caught.code << ' ' << caught.text;
+    if (!raised) settle_reduction(r);
+    return !raised;
+}
 
 /// The reduced matrix has the shape that its reduction promises.
 void expect_form(const Reduction& r, Reducer reduce) {
@@ -116,8 +144,7 @@ void expect_form(const Reduction& r, Reducer reduce) {
 }
 }  // namespace
 
-PROPERTY(steps_keep_the_invariant, 120) {
-    RingState ring = ring_save();
+PROPERTY(steps_keep_the_invariant, 200) {
     enter_ring_of(round);
     Reduction r = {};
     r.m = random_matrix(rng, 1 + static_cast<int32_t>(rng() % 5), 1 + static_cast<int32_t>(rng() % 5),
@@ -135,36 +162,121 @@ PROPERTY(steps_keep_the_invariant, 120) {
     expect_invariant(r, start);
     free_values(start);
     drop_reduction(&r);
-    ring_restore(ring);
+    use_integers();
 }
 
-PROPERTY(forms_and_transformations, 240) {
-    RingState ring = ring_save();
-    enter_ring_of(round);
-    int32_t rows = 1 + static_cast<int32_t>(rng() % 6), cols = 1 + static_cast<int32_t>(rng() % 6);
-    LineMatrix first = random_matrix(rng, rows, cols, round % 2 == 1);
-    Values start = values_of(first);
-    int32_t rank = -1;
-    for (Reducer reduce : {rowreduce, colreduce, red_row_ech, normalize}) {
-        Reduction r = {};
-        r.m = round % 2 == 1 ? new_sparse_matrix(rows, cols) : new_dense_matrix(rows, cols);
-        for (int32_t k = 0; k < rows * cols; k++) {
-            quoly copy = nullptr;
-            quoly_assign(start[static_cast<size_t>(k)], &copy);
-            set_matrix_element(r.m, k % rows, k / rows, copy);
+/// Elements of the ring, or polynomials, or quotients of them.
+Values random_values(Rng& rng, int32_t count, int round) {
+    uint64_t kind = composite() ? 0 : rng() % 4, zeros = 1 + rng() % 3;
+    Values v;
+    for (int32_t k = 0; k < count; k++) {
+        quoly q = number_value(in_ring(static_cast<int32_t>(rng() % 11) - 5));
+        if (rng() % 4 < zeros && round % 3 != 0) quoly_set(0, &q);
+        if (kind >= 2 && !quoly_iszero(q) && rng() % 3 == 0) {
+            poly p = random_nonzero_poly(rng, 2, 2, 2);
+            quoly f = nullptr;
+            poly_to_quoly(&p, &f);
+            if (kind == 2)
+                fast_quoly_mult(&q, f);
+            else
+                fast_quoly_quot(&q, f, 0);
+            free_quoly(&f);
         }
-        begin_reduction(&r, k_all);
-        ReductionOptions options = {INT32_MAX, nullptr, false};
-        reduce(&r, &options);
-        settle_reduction(&r);
-        EXPECT_FALSE(r.failed);
-        if (rank < 0) rank = r.rank;
-        EXPECT_EQ(r.rank, rank);
-        expect_form(r, reduce);
-        expect_invariant(r, start);
+        v.push_back(q);
+    }
+    return v;
+}
+
+PROPERTY(forms_and_transformations, 400) {
+    enter_ring_of(round);
+    use_variables(2);
+    int32_t rows = random_int(rng, 1, 5), cols = random_int(rng, 1, 5), rank = -1;
+    Values start = random_values(rng, rows * cols, round);
+    for (Reducer reduce : {rowreduce, colreduce, red_row_ech, normalize}) {
+        Reduction r = reduction_of(start, rows, cols, round % 2 == 1, k_all);
+        if (run(reduce, &r)) {
+            EXPECT_FALSE(r.failed);
+            if (rank < 0) rank = r.rank;
+            EXPECT_EQ(r.rank, rank);
+            expect_form(r, reduce);
+            expect_invariant(r, start);
+        }
         drop_reduction(&r);
     }
     free_values(start);
-    drop_matrix(&first);
-    ring_restore(ring);
+    use_variables(0);
+    use_integers();
+}
+
+/// Row i of L D^-1 U against row i of the permuted start.
+void expect_product(const Reduction& r, const Values& start, const int32_t* row, const int32_t* column) {
+    const LineMatrix &pivots = r.extra[0], &lower = r.extra[1];
+    for (int32_t i = 0; i < r.m.rows; i++)
+        for (int32_t c = 0; c < r.m.cols; c++) {
+            quoly sum = number_value(0);
+            for (int32_t k = 0; k < r.rank; k++) {
+                quoly term = nullptr;
+                quoly_mult(matrix_element(lower, i, k), matrix_element(r.m, k, c), &term);
+                fast_quoly_quot(&term, matrix_element(pivots, k, 0), 0);
+                if (k > 0) fast_quoly_quot(&term, matrix_element(pivots, k - 1, 0), 0);
+                best_quoly_add(&sum, term);
+            }
+            EXPECT_TRUE(quoly_equal(sum, start[static_cast<size_t>(row[i] + column[c] * r.m.rows)]));
+            free_quoly(&sum);
+        }
+}
+
+PROPERTY(fraction_free_decompositions, 300) {
+    enter_ring_of(round);
+    use_variables(2);
+    int32_t rows = random_int(rng, 1, 5), cols = random_int(rng, 1, 5);
+    Values start = random_values(rng, rows * cols, round);
+    for (quoly& q : start)
+        if (!q->numb && q->denom != nullptr) quoly_set(1, &q);
+    for (Reducer reduce : {fract_free_lu, fract_free_lu_columns}) {
+        Reduction r = reduction_of(start, rows, cols, round % 2 == 1, k_all);
+        int32_t row[5] = {0, 1, 2, 3, 4}, column[5] = {0, 1, 2, 3, 4};
+        r.row_number = row;
+        r.column_number = column;
+        if (run(reduce, &r)) {
+            expect_invariant(r, start);
+            if (reduce == fract_free_lu_columns || r.rank == std::min(rows, cols))
+                expect_product(r, start, row, column);
+            for (int32_t k = 0; k < r.rank; k++)
+                EXPECT_TRUE(quoly_equal(matrix_element(r.extra[0], k, 0), matrix_element(r.m, k, k)));
+        }
+        drop_reduction(&r);
+    }
+    free_values(start);
+    use_variables(0);
+    use_integers();
+}
+
+PROPERTY(pseudo_determinants, 200) {
+    enter_ring_of(round);
+    if (modularmode && modulus < 8) use_integers();  // the numbers of the rows are residues
+    use_variables(2);
+    int32_t rows = random_int(rng, 1, 6), cols = random_int(rng, 1, 6);
+    Values start = random_values(rng, rows * cols, 1);
+    constexpr bool none[k_aux_matrices] = {};
+    Reduction r = reduction_of(start, rows, cols, true, none);
+    if (run(pseudo_determinant, &r)) {
+        Values minor;
+        for (int32_t c = 0; c < r.rank; c++)
+            for (int32_t i = 0; i < r.rank; i++) {
+                int32_t row = word_of(matrix_element(r.extra[0], i, 0)) - 1,
+                        column = word_of(matrix_element(r.extra[1], c, 0)) - 1;
+                minor.push_back(start[static_cast<size_t>(row + column * rows)]);
+            }
+        quoly det = number_value(1), minus = nullptr;
+        if (r.rank > 0) dense_determinant(minor.data(), r.rank, &det);
+        quoly_makeneg(det, &minus);
+        EXPECT_TRUE(!quoly_iszero(det) && (quoly_equal(det, r.value) || quoly_equal(minus, r.value)));
+        free_quoly(&det);
+        free_quoly(&minus);
+    }
+    drop_reduction(&r);
+    free_values(start);
+    use_variables(0);
+    use_integers();
 }
