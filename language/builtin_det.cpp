@@ -6,12 +6,16 @@
 #include "language/ports.h"
 #include "matrix/determinant.h"
 #include "matrix/matrix_modes.h"
+#include "numbers/num_assign.h"
 #include "numbers/ring_switch.h"
+#include "poly/poly_basic.h"
 #include "poly/poly_shape.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
-#include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
+#include "storage/progress.h"
+
+#include <cstdio>
 namespace tolvex {
 namespace {
 constexpr int32_t k_not_given = -1;
@@ -20,6 +24,7 @@ constexpr int32_t k_not_given = -1;
 struct DetArguments {
     Value fct;  // a divisor of the determinant of its own, held; own nil: none
     int32_t degree, degree2, power;
+    int32_t numprimes;  // of SDet, 0: all that are needed
     bool bad;  // an error came back
 };
 }  // namespace
@@ -63,8 +68,11 @@ static void read_power(BuiltinCall& call, DetArguments* args) {
     if ((args->power & (args->power - 1)) != 0) {
         warning(k_warn_det_even_power, nullptr);
         args->power = k_not_given;
+    } else if (args->power > 2) {
+        args->power /= 2;
     } else {
-        args->power = args->power == 2 ? k_not_given : args->power / 2;
+        if (verbose) printf(" Warning. Setting power = 2 has no effect.\n");
+        args->power = k_not_given;
     }
 }
 
@@ -82,6 +90,8 @@ static void read_det_arguments(BuiltinCall& call, DetArguments* args) {
             read_degree(call, args);
         } else if (k == 2) {
             args->degree2 = read_integer(call);
+            if (verbose && args->degree2 < 2)
+                printf(" Warning. specified second degree, %d, is unrealistic.\n", args->degree2);
         } else {
             read_power(call, args);
         }
@@ -90,13 +100,19 @@ static void read_det_arguments(BuiltinCall& call, DetArguments* args) {
 
 // ---- the determinant -----------------------------------------------------------------------------------
 
-/// *n := *n / fct, which is exact; else error 305, and 0.
-static void divide_fct(quolyptr n, quoly fct) {
-    if (quoly_iszero(*n)) return;
-    fast_quoly_quot(n, fct, false);
-    if ((*n)->denom == nullptr) return;
-    quoly_set(0, n);
-    error(Err::given_factor);
+/// The divisor as a polynomial of its own; nil: none.
+static poly divisor_of(const DetArguments& args) {
+    const quolynode* q = args.fct.own;
+    poly fct = nullptr;
+    if (q == nullptr) return nullptr;
+    if (!q->numb) {
+        poly_assign(q->numer, &fct);
+        return fct;
+    }
+    newpoly(&fct);
+    init_poly_node(fct);
+    num_assign(q->ncoef, fct->ncoef);
+    return fct;
 }
 
 static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetArguments& args) {
@@ -104,9 +120,23 @@ static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetAr
         error(Err::matrix_not_square);
         return;
     }
-    if (is_sparse(v) && !expand_to_dense(v)) return;
-    dense_determinant(elements_of(v), v.facts.rows, call.n);
-    if (args.fct.own != nullptr) divide_fct(call.n, args.fct.own);
+    poly fct = divisor_of(args);
+    Err fault = {};
+    DeterminantRequest request = {fct, args.degree, args.degree2, args.power, args.numprimes, &fault};
+    int32_t m = v.facts.rows;
+    bool done = is_sparse(v) && m > 3 && interpolation_is_on() && sparse_lagrange(v.spar, m, request, call.n);
+    if (!done && (!is_sparse(v) || expand_to_dense(v))) dense_determinant(elements_of(v), m, request, call.n);
+    free_poly(&fct);
+    if (fault != Err{}) error(fault);
+}
+
+/// v := an expression; the arguments behind it, up to the closing parenthesis.
+static void read_matrix_and_arguments(BuiltinCall& call, ArrOperand& v, DetArguments* args) {
+    ArrReader r = {call.inf, call.flag, {}, false};
+    arr_expre(r, v);
+    if (args->numprimes > 0 && !is_sparse(v)) return refuse(args, Err::sparse_needed);
+    read_det_arguments(call, args);
+    if (!args->bad) expect(call.inf, call.flag, ')', Err::close_paren_expected);
 }
 
 /// v := one factor, or in parentheses an expression and the arguments behind it.
@@ -114,18 +144,20 @@ static void read_matrix(BuiltinCall& call, ArrOperand& v, DetArguments* args) {
     ArrReader r = {call.inf, call.flag, {}, false};
     if (!at_char('(')) return arr_fact(r, v);
     next_token(call.inf, call.flag);
-    arr_expre(r, v);
-    read_det_arguments(call, args);
-    if (!args->bad) expect(call.inf, call.flag, ')', Err::close_paren_expected);
+    read_matrix_and_arguments(call, v, args);
 }
 
-static void determinant_form(BuiltinCall& call) {
+/// numprimes: of SDet, whose matrix and arguments are what follows; 0: Det.
+static void determinant_form(BuiltinCall& call, int32_t numprimes) {
     ArrOperand v;
     if (!begin_operand(v)) return;
-    DetArguments args = {{}, k_not_given, k_not_given, k_not_given, false};
+    DetArguments args = {{}, k_not_given, k_not_given, k_not_given, numprimes, false};
     args.fct.hold.at = args.fct.hold.own = &args.fct.own;
     hold(&args.fct);
-    read_matrix(call, v, &args);
+    if (numprimes > 0)
+        read_matrix_and_arguments(call, v, &args);
+    else
+        read_matrix(call, v, &args);
     if (!args.bad) determinant_of_operand(call, v, args);
     drop_data(&args.fct);
     end_operand(v);
@@ -277,7 +309,24 @@ void builtin_Det(BuiltinCall& call) {
     else if (form == '^' || form == '_')
         extreme_form(call, form == '^');
     else
-        determinant_form(call);
+        determinant_form(call, 0);
+    refuse_determinant(call);
+}
+
+/// SDet(k, [m], fct, degree, degree2, power), [m] sparse: on the route of interpolation k primes decide.
+void builtin_SDet(BuiltinCall& call) {
+    constexpr int32_t k_least = 2;
+    quoly_set(0, call.n);
+    next_token(call.inf, call.flag);
+    if (!expect(call.inf, call.flag, '(', Err::builtin_open_paren)) return;
+    int32_t numprimes = read_integer(call);
+    Err fault = numprimes < k_least ? Err::prime_count : modularmode ? Err::not_in_word_mode : Err{};
+    if (fault != Err{}) {
+        error(fault);
+        return;
+    }
+    if (!expect(call.inf, call.flag, ',', Err::builtin_comma)) return;
+    determinant_form(call, numprimes);
     refuse_determinant(call);
 }
 

@@ -107,6 +107,7 @@ struct BuiltinRoutines {
         of[76] = builtin_Reverse;
         of[77] = builtin_Rname;
         of[78] = builtin_Rowreduce;
+        of[79] = builtin_SDet;
         of[81] = builtin_STrans;
         of[84] = builtin_Sort;
         of[86] = builtin_Splice;

@@ -82,6 +82,7 @@ void builtin_Reverse(BuiltinCall& call);
 void builtin_Rname(BuiltinCall& call);
 void builtin_Sort(BuiltinCall& call);
 void builtin_Splice(BuiltinCall& call);
+void builtin_SDet(BuiltinCall& call);
 void builtin_STrans(BuiltinCall& call);
 void builtin_Split(BuiltinCall& call);
 void builtin_Sqfree(BuiltinCall& call);

@@ -1,17 +1,26 @@
 #include "matrix/determinant.h"
 
 #include "matrix/bareiss.h"
+#include "matrix/denominators.h"
+#include "matrix/interpolated.h"
 #include "matrix/int_determinant.h"
 #include "matrix/matrix_modes.h"
 #include "matrix/minors.h"
 #include "matrix/word_determinant.h"
 #include "numbers/ring_switch.h"
+#include "poly/field_shape.h"
+#include "poly/packed.h"
+#include "poly/size_estimates.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
+#include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
+#include "storage/progress.h"
 #include "storage/scratch.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdio>
 namespace tolvex {
 namespace {
 enum class Entries { words, integers, rationals, functions };
@@ -24,9 +33,9 @@ Entries kind_of(const quoly* a, int64_t count) {
     }
     return modularmode ? Entries::words : fractions ? Entries::rationals : Entries::integers;
 }
-
-bool ring_is_composite() { return modularmode && !finf && !mod_is_prime; }
 }  // namespace
+
+static bool ring_is_composite() { return modularmode && !finf && !mod_is_prime; }
 
 // ---- numbers -------------------------------------------------------------------------------------------
 
@@ -56,10 +65,20 @@ static void determinant_of_integers(const quoly* a, int32_t m, quolyptr det) {
 
 // ---- polynomials and rational functions ----------------------------------------------------------------
 
-/// Rows from which minors take over.
+namespace {
+/// A matrix of functions: copies of the elements, and what they are.
+struct Functions {
+    quoly* a;
+    int32_t m;
+    bool allpolys;  // as they were given
+    bool tower;     // some use the field tower
+};
+enum class Engine { interpolation, minors, elimination };
+}  // namespace
+
+/// Rows from which minors finish an elimination.
 static int32_t minors_from(int32_t m) {
-    constexpr int32_t k_minors_alone = 5, k_composite_minors = 8;
-    if (ring_is_composite() && m <= k_composite_minors) return m;
+    constexpr int32_t k_minors_alone = 5;
     if (detcutoff >= 0) return std::min(detcutoff, k_most_block_rows);
     if (m <= k_minors_alone) return m;
     return m == k_minors_alone + 1 ? m - 2 : 0;
@@ -82,44 +101,181 @@ static void free_elements(quoly* a, int64_t count) {
     }
 }
 
+static void survey(Functions& f) {
+    int64_t count = int64_t{f.m} * f.m;
+    f.allpolys = true;
+    f.tower = false;
+    for (int64_t k = 0; k < count; k++) {
+        const quolynode* q = f.a[k];
+        if (q->numb) continue;
+        f.allpolys = f.allpolys && q->denom == nullptr;
+        f.tower = f.tower || exists_field_element(q->numer, 1) ||
+                  (q->denom != nullptr && exists_field_element(q->denom, 1));
+        poll_every<1024>(k);
+    }
+}
+
+// ---- the work of an expansion --------------------------------------------------------------------------
+
+/// The terms of a k-rowed minor are at most the products of so many entries' terms, and at most the monomials of
+/// their degrees.
+static double minor_terms(const PackMeasure& box, int32_t k, double row_terms) {
+    double products = 1, monomials = 1;
+    for (int32_t i = 1; i <= k; i++) products *= std::max(1.0, i * row_terms);
+    for (int32_t i = 0; i < box.levels; i++) {
+        double degree = static_cast<double>(k) * (box.most[i] - box.least[i]);
+        monomials *= degree + 1;
+    }
+    return std::min(products, monomials);
+}
+
+/// About the nanoseconds of an expansion by minors.
+static double minors_work(const Functions& f) {
+    constexpr double k_term = 30, k_product = 300;
+    constexpr int32_t k_most_rows = 24;
+    if (f.m > k_most_rows) return 1e30;
+    int64_t count = int64_t{f.m} * f.m, terms = 0, entries = 0;
+    PackMeasure box = {};
+    for (int64_t k = 0; k < count; k++) {
+        if (quoly_iszero(f.a[k])) continue;
+        PackMeasure m = {};
+        m.terms = 1;
+        if (!f.a[k]->numb) pack_measure(f.a[k]->numer, &m);
+        terms += m.terms;
+        entries++;
+        for (int32_t i = box.levels; i < m.levels; i++) box.most[i] = box.least[i] = 0;
+        box.levels = std::max(box.levels, m.levels);
+        for (int32_t i = 0; i < m.levels; i++) {
+            box.most[i] = std::max(box.most[i], m.most[i]);
+            box.least[i] = std::min(box.least[i], m.least[i]);
+        }
+        poll_interrupt();
+    }
+    double filled = static_cast<double>(entries) / static_cast<double>(count),
+           entry_terms = static_cast<double>(terms) / static_cast<double>(std::max<int64_t>(entries, 1));
+    double work = 0, choices = 1;
+    for (int32_t k = 1; k <= f.m; k++) {
+        choices *= static_cast<double>(f.m - k + 1) / k;
+        work += choices * k * filled *
+                (k_product + k_term * entry_terms * minor_terms(box, k - 1, filled * entry_terms));
+    }
+    return work;
+}
+
+static Engine choose_engine(const Functions& f) {
+    if (detcutoff >= 0 || gauss_cutoff == 1 || f.tower || f.m == 1) return Engine::elimination;
+    double expansion = minors_work(f), images = interpolation_work(f.a, f.m);
+    if (images >= 0 && images < expansion) return Engine::interpolation;
+    constexpr int32_t k_most_expanded = 12;
+    return f.m <= k_most_expanded ? Engine::minors : Engine::elimination;
+}
+
+// ---- methods -------------------------------------------------------------------------------------------
+
 /// Modulo a composite number elimination would meet divisors of 0: the determinant of the entries lifted to
 /// the integers is reduced.
-static void lifted_determinant(quoly* a, int32_t m, quolyptr det) {
-    int64_t count = int64_t{m} * m;
+static void lifted_determinant(Functions& f, quolyptr det) {
+    int64_t count = int64_t{f.m} * f.m;
     free_quoly(det);
-    for (int64_t k = 0; k < count; k++) quoly_change_from_mod(&a[k]);
+    for (int64_t k = 0; k < count; k++) quoly_change_from_mod(&f.a[k]);
     RingState ring = ring_save();
     ring_enter_integers();
-    bareiss_determinant(a, m, minors_from(m), det);
-    free_elements(a, count);
+    bareiss_determinant(f.a, f.m, minors_from(f.m), det);
     ring_restore(ring);
     quoly_change_to_mod(det);
 }
 
-static void determinant_of_functions(const quoly* a, int32_t m, quolyptr det) {
-    ScratchMark mark = scratch_mark();
-    int64_t count = int64_t{m} * m;
-    quoly* copy = copy_elements(a, count);
-    int32_t minors = minors_from(m);
-    if (ring_is_composite() && minors < m) {
-        lifted_determinant(copy, m, det);
-    } else {
-        bareiss_determinant(copy, m, minors, det);
-        free_elements(copy, count);
+static void eliminate(Functions& f, quolyptr det) {
+    if (verbose) {
+        bool to_the_end = gauss_cutoff == 1 && f.allpolys;
+        dumpitt(to_the_end ? "Gauss-Bareiss method, size " : "Standard G.E. method, rank ", f.m, true, false, false);
     }
+    int32_t minors = gauss_cutoff == 1 && f.allpolys ? 0 : minors_from(f.m);
+    if (ring_is_composite() && minors < f.m) return lifted_determinant(f, det);
+    bareiss_determinant(f.a, f.m, minors, det);
+}
+
+/// The determinant of polynomials by the engine of least work.
+static void compute(Functions& f, quolyptr det) {
+    static const InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
+    Engine engine = choose_engine(f);
+    if (engine == Engine::interpolation && interpolate_determinant(f.a, f.m, k_plain, det) == Interpolated::done) return;
+    if (engine == Engine::minors)
+        small_determ(f.a, f.m, f.m, det);
+    else
+        eliminate(f, det);
+}
+
+bool interpolation_is_on() { return rat_det_method_cut == 1 && detcutoff < 0; }
+
+static int64_t size_in_bits(const number* x) {
+    int32_t top = x->head->value;
+    return int64_t{k_digit_bits} * (x->size - 1) + std::bit_width(static_cast<uint32_t>(top < 0 ? -top : top));
+}
+
+/// The sum of the sizes of the entries exceeds the limit.
+static bool mass_exceeds_limit(const Functions& f) {
+    constexpr int32_t k_most = 268435456;
+    int64_t limit = lintmode ? mod_det_method_cut : std::min(rat_det_method_cut, k_most), sum = 0;
+    for (int64_t k = 0; k < int64_t{f.m} * f.m && sum <= limit; k++) {
+        const quolynode* q = f.a[k];
+        if (!q->numb)
+            sum += poly_mass(q->numer, 2, number_polys);
+        else
+            sum += lintmode ? 1 : (size_in_bits(q->ncoef) - 1) / 2;
+    }
+    return sum > limit;
+}
+
+/// The interpolation route by the switch. False: another method is to be taken.
+static bool interpolate_by_switch(const Functions& f, const DeterminantRequest& request, quolyptr det) {
+    constexpr int32_t k_least_rows = 4, k_always = 7;
+    if (!interpolation_is_on() || !f.allpolys || f.m < k_least_rows) return false;
+    if (f.m < k_always && !mass_exceeds_limit(f)) return false;
+    if (verbose && request.degree2 >= 0)
+        printf("Warning: second degree argument (fourth) is ignored when matrix is not sparse.\n");
+    if (verbose && (request.power > 1 || request.power < -1))
+        printf("Warning: power argument (fifth) is ignored when matrix is not sparse.\n");
+    DeterminantRequest used = {.fct = request.fct, .degree = request.degree, .fault = request.fault};
+    return modularmode ? mod_poly_determ(f.a, f.m, used, laurent, det) : rat_poly_determ(f.a, f.m, used, laurent, det);
+}
+
+static void determinant_of_functions(const quoly* a, const DeterminantRequest& request, int32_t m, quolyptr det) {
+    ScratchMark mark = scratch_mark();
+    Functions f = {copy_elements(a, int64_t{m} * m), m, true, false};
+    survey(f);
+    // above the field what is modded out may have zero divisors: the determinant is that of plain polynomials,
+    // reduced once
+    boolean plain = plain_above_field;
+    plain_above_field = 1;
+    if (interpolate_by_switch(f, request, det)) {
+        free_elements(f.a, int64_t{m} * m);
+    } else {
+        quoly divisor = nullptr;
+        quoly_set(1, &divisor);
+        if (!f.allpolys) clear_columns(f.a, m, &divisor);
+        compute(f, det);
+        free_elements(f.a, int64_t{m} * m);
+        if (!quoly_equal(divisor, quol_num_1)) fast_quoly_quot(det, divisor, false);
+        free_quoly(&divisor);
+        plain_above_field = plain;
+        if (modout_above_field) (void)quoly_mod_out(det);
+        divide_fct(det, request);
+    }
+    plain_above_field = plain;
+    if (modout_above_field) (void)quoly_mod_out(det);
     scratch_release(mark);
 }
 
-void dense_determinant(const quoly* a, int32_t m, quolyptr det) {
-    switch (kind_of(a, int64_t{m} * m)) {
-    case Entries::words:
-        return determinant_of_words(a, m, det);
-    case Entries::integers:
-        return determinant_of_integers(a, m, det);
-    case Entries::rationals:
-        return rational_determinant(a, m, det);
-    case Entries::functions:
-        return determinant_of_functions(a, m, det);
-    }
+void dense_determinant(const quoly* a, int32_t m, const DeterminantRequest& request, quolyptr det) {
+    Entries kind = kind_of(a, int64_t{m} * m);
+    if (kind == Entries::functions) return determinant_of_functions(a, request, m, det);
+    if (kind == Entries::words)
+        determinant_of_words(a, m, det);
+    else if (kind == Entries::integers)
+        determinant_of_integers(a, m, det);
+    else
+        rational_determinant(a, m, det);
+    divide_fct(det, request);
 }
 }  // namespace tolvex

@@ -3,18 +3,24 @@
 ///
 ///   numbers      residues modulo a prime, a composite number, of a table field    matrix/word_determinant.h
 ///                integers, rational numbers                                        matrix/int_determinant.h
-///   else         few rows: minors; more: fraction-free elimination                 matrix/minors.h,
-///   bareiss.h
+///   else         values at points and interpolation                                matrix/interpolated.h
+///                few rows: minors                                                  matrix/minors.h
+///                field towers, many variables: fraction-free elimination           matrix/bareiss.h
 ///
-/// Switches   detcutoff (&D): rows from which elimination is finished by minors; negative: up to 5 rows by
-/// minors alone,
-///            the last 4 of 6 rows, and none of more.
+/// Switches   detcutoff (&D): rows from which elimination is finished by minors, 0: never. gauss_cutoff (&K = 1):
+///            elimination of polynomials to the end. rat_det_method_cut (&L = 1): interpolation of polynomials as
+///            in matrix/interpolation.h. Without them the estimated work decides. The value is the same.
 /// Ownership  the elements are only read.
+/// Raises     poll_interrupt; request.fault as in matrix/interpolation.h.
+#include "matrix/interpolation.h"
 #include "quoly/quoly.h"
 
 #include <cstdint>
 namespace tolvex {
-/// *det := the determinant of a, m by m, m >= 1, column by column, no element nil. What *det held is given
-/// back.
-void dense_determinant(const quoly* a, int32_t m, quolyptr det);
+/// *det := the determinant of a, m by m, m >= 1, column by column, no element nil, divided by request.fct. What
+/// *det held is given back.
+void dense_determinant(const quoly* a, int32_t m, const DeterminantRequest& request, quolyptr det);
+inline void dense_determinant(const quoly* a, int32_t m, quolyptr det) { dense_determinant(a, m, {}, det); }
+/// True if the interpolation route is open by the switches.
+bool interpolation_is_on();
 }  // namespace tolvex

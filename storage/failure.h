@@ -243,6 +243,7 @@ enum class Err : int32_t {
     parameter_shape = 297,
     prime_modulus_needed = 301,
     listing_terminator = 303,
+    no_free_point = 304,
     given_factor = 305,
     no_pth_root = 308,
     expansion_running = 309,
