@@ -5,6 +5,7 @@
 #include "numbers/primes.h"
 #include "storage/scratch.h"
 
+#include <algorithm>
 #include <cstring>
 namespace tolvex {
 namespace {
@@ -85,6 +86,19 @@ static void make_images(const WordGcdEnv& env, ImagePass* p, const polynode* ope
     pass(*p, operand, 0, m.levels, 1);
 }
 
+static bool is_monomial(const polynode* p) {
+    while (p->next == nullptr && !p->numb) p = p->pcoef;
+    return p->next == nullptr;
+}
+
+// What divides p and is free of its main variable divides every coefficient: true if one of them is a
+// monomial, so that it can only be one.
+static bool has_monomial_coefficient(const polynode* p) {
+    for (; p != nullptr; p = p->next)
+        if (p->numb || is_monomial(p->pcoef)) return true;
+    return false;
+}
+
 // One round of images; true if every bound is 0.
 static bool one_point(WordGcdEnv& env, const WordField& f) {
     ScratchMark mark = scratch_mark();
@@ -107,7 +121,9 @@ static bool one_point(WordGcdEnv& env, const WordField& f) {
             if (degree >= 0) env.bound[i] = minn(env.bound[i], degree);
         }
         all_zero = all_zero && env.bound[i] == 0;
+        if (i == 0 && all_zero && (has_monomial_coefficient(env.u) || has_monomial_coefficient(env.v))) break;
     }
+    if (all_zero) std::fill_n(env.bound, env.levels, 0);
     scratch_release(mark);
     return all_zero;
 }

@@ -1,11 +1,10 @@
 #pragma once
 /// language/small_words.h: expressions of small integers, worked out ahead on a stored list.
 ///
-/// Purpose    what programs compute most are sums, products and remainders of small integers: n - 1, s*7|m,
-/// k|2 = 0.
-///            They are worked out on the nodes of the list, without a record and without a copy of a token.
-/// Invariant  nothing happens unless the whole expression is such a one: then the evaluator reads it from its
-///            beginning, with whatever reports it has. Values are exact: what leaves 64 bits is left to it
+/// Purpose    what programs compute most are sums, products and remainders of small integers: n - 1, k|2 = 0.
+///            They are worked out on the nodes of the list, without a record or a copy of a token.
+/// Invariant  nothing happens unless the whole expression is such a one: else the evaluator reads it from its
+///            beginning, with whatever reports it has. Values are exact; what leaves 64 bits is left to it
 ///            too.
 /// Modes      numbers that are chains; in lintmode nothing is worked out here.
 /// Raises     nothing.
