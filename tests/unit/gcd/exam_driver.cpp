@@ -305,30 +305,23 @@ TEST_F(Driver, operands_may_be_used_up) {
 }
 
 TEST_F(Driver, counters_come_back) {
-    alg_c_count = 2;
-    original_depth = 3;
-    c_cntcount = 11;
-    g_cutoff = 44;
+    struct Counter {
+        int32_t& at;
+        int32_t value, cleared;
+    } counters[] = {{alg_c_count, 2, 0}, {original_depth, 3, 1}, {c_cntcount, 11, 0}, {g_cutoff, 44, 10}};
+    for (const Counter& c : counters) c.at = c.value;
     tripval = 16384;
     lookupgcd = 2;
     gcd_unproved = gcd_sure = 1;
     gcd_attempt = 2;
     GcdCounters saved = gcd_counters_save();
     gcd_counters_clear();
-    EXPECT_EQ(alg_c_count, 0);
-    EXPECT_EQ(original_depth, 1);
-    EXPECT_EQ(c_cntcount, 0);
-    EXPECT_EQ(g_cutoff, 10);
-    EXPECT_EQ(tripval, 20);
-    EXPECT_EQ(lookupgcd, 2);
+    for (const Counter& c : counters) EXPECT_EQ(c.at, c.cleared) << &c - counters;
+    EXPECT_TRUE(tripval == 20 && lookupgcd == 2);
     EXPECT_FALSE(gcd_unproved || gcd_sure || gcd_attempt);
     gcd_counters_restore(saved);
-    EXPECT_EQ(alg_c_count, 2);
-    EXPECT_EQ(original_depth, 3);
-    EXPECT_EQ(c_cntcount, 11);
-    EXPECT_EQ(g_cutoff, 44);
-    EXPECT_EQ(tripval, 16384);
-    EXPECT_TRUE(gcd_unproved && gcd_sure && gcd_attempt == 2);
+    for (const Counter& c : counters) EXPECT_EQ(c.at, c.value) << &c - counters;
+    EXPECT_TRUE(tripval == 16384 && gcd_unproved && gcd_sure && gcd_attempt == 2);
     gcd_counters_clear();
     lookupgcd = 0;
 }
