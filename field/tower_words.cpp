@@ -216,9 +216,7 @@ static void element_products(const TowerWords& t, int32_t h, const uint32_t* a, 
     scratch_release(mark);
 }
 
-/// Reduces the polynomial c of the given degree over the height below, from the top down; what is left stands
-/// in its lowest n coefficients.
-static void reduce_chain(const TowerWords& t, int32_t h, uint32_t* c, int32_t degree) {
+void tw_reduce(const TowerWords& t, int32_t h, uint32_t* c, int32_t degree) {
     const TowerLevel& level = t.at[h];
     const int64_t size = t.at[h - 1].size;
     const int32_t used = level.binomial ? 1 : level.n;
@@ -245,7 +243,7 @@ void tw_mul(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t* b
     } else {
         element_products(t, h, a, b, product);
     }
-    reduce_chain(t, h, product, 2 * n - 2);
+    tw_reduce(t, h, product, 2 * n - 2);
     copy(product, t.at[h].size, out);
     scratch_release(mark);
 }
@@ -257,7 +255,7 @@ void tw_shift(const TowerWords& t, int32_t h, uint32_t* a) {
     auto* shifted = scratch_array<uint32_t>((level.n + 1) * size);
     clear(shifted, size);
     copy(a, level.size, shifted + size);
-    reduce_chain(t, h, shifted, level.n);
+    tw_reduce(t, h, shifted, level.n);
     copy(shifted, level.size, a);
     scratch_release(mark);
 }

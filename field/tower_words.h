@@ -50,6 +50,9 @@ void tw_sub(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t* b
 void tw_submul(const TowerWords& t, int32_t h, const uint32_t* a, const uint32_t* b, uint32_t* acc);
 /// a := a times the variable of height h.
 void tw_shift(const TowerWords& t, int32_t h, uint32_t* a);
+/// c := the polynomial c of the given degree over the height below, reduced; it stands in its lowest n
+/// coefficients, the others are spoilt.
+void tw_reduce(const TowerWords& t, int32_t h, uint32_t* c, int32_t degree);
 /// out := a^e, e >= 0.
 void tw_power(const TowerWords& t, int32_t h, const uint32_t* a, uint64_t e, uint32_t* out);
 bool tw_iszero(const TowerWords& t, int32_t h, const uint32_t* a);

@@ -40,8 +40,8 @@ static void divide_out(polyptrr n, poly m, polypt pt) {
     *n = q;
 }
 
-/// The same for two polynomials whose ratio must stay: over a tower over Q the quotients are multiplied by one
-/// number.
+/// The same for two polynomials whose ratio must stay: over a tower over Q the quotients are multiplied by
+/// one number.
 static void divide_both(polyptrr n, polyptrr m, poly g, polypt pt) {
     if (lintmode || !exists_field_element(g, pt->depth)) {
         divide_out(n, g, pt);
@@ -92,25 +92,40 @@ static bool take_element_root(polyptrr c, polypt pt) {
     return tower_pth_root(c, pt);
 }
 
-/// *x := its p-th root, term by term. False after an error: some coefficient has none that could be taken.
-static bool take_pth_root(polyptrr x, int32_t p, polypt pt) {
+/// *v := its p-th root. In Z/p every number is its own.
+static void take_number_root(int32_t* v) {
+    if (finf) *v = f256 ? f256sqr[*v] : f2t16sqr[*v];
+}
+
+/// *x := its p-th root, term by term. False: some coefficient has none that could be taken; *x is spoilt.
+static bool take_pth_root(polyptrr x, int32_t p, polypt pt, Err* why) {
     for (poly t = *x; t != nullptr; t = t->next) {
         t->exp /= p;
-        if (!t->numb && !is_number(t->pcoef) && is_field_element(t->pcoef, pt->depth + 1)) {
-            if (take_element_root(&t->pcoef, pt->next)) continue;
-            error(Err::pth_root_needs_field);
-            return false;
+        if (!t->numb && !is_number(t->pcoef)) {
+            *why = finf ? Err::no_pth_root : Err::pth_root_needs_field;
+            if (!is_field_element(t->pcoef, pt->depth + 1) || !take_element_root(&t->pcoef, pt->next))
+                return false;
+        } else {
+            take_number_root(&(t->numb ? t : t->pcoef)->ncoef->lint);
         }
-        const polynode* c = t->numb ? t : t->pcoef;
-        if (!is_number(c) && !t->numb) {
-            error(finf ? Err::no_pth_root : Err::pth_root_needs_field);
-            return false;
-        }
-        int32_t& v = c->ncoef->lint;
-        if (finf) v = f256 ? f256sqr[v] : f2t16sqr[v];  // in Z/p every number is its own root
     }
     fix_top(x);
     return true;
+}
+
+bool poly_pth_root(polyptrr x, Err* why) {
+    const int32_t p = finf ? 2 : modulus;
+    if (is_number(*x)) {
+        take_number_root(&(*x)->ncoef->lint);
+        return true;
+    }
+    polypt pt = polynames;
+    for (; (*x)->exp == 0 && !(*x)->numb && (*x)->next == nullptr; x = &(*x)->pcoef) pt = pt->next;
+    *why = finf ? Err::no_pth_root : Err::pth_root_needs_field;
+    if (field_depth > 0 && pt->depth >= field_depth) return tower_pth_root(x, pt);
+    for (const polynode* t = *x; t != nullptr; t = t->next)
+        if (t->exp % p != 0) return false;
+    return take_pth_root(x, p, pt, why);
 }
 
 /// Separates the factors of x whose multiplicity m is no multiple of p; they are listed with m * mult. What
@@ -151,7 +166,12 @@ void square_free_factor(poly x, polyptrr sq, int32_t* count, polypt pt) {
             rest = c;
         }
         free_poly(&d);
-        if (!has_degree(rest) || !take_pth_root(&rest, p, pt)) break;
+        if (!has_degree(rest)) break;
+        Err why = Err::no_pth_root;
+        if (!take_pth_root(&rest, p, pt, &why)) {
+            error(why);
+            break;
+        }
         mult *= p;
     }
     free_poly(&rest);

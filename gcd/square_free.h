@@ -10,6 +10,7 @@
 /// Musser's method
 ///            with p-th roots (Geddes, Czapor and Labahn, Algorithms for Computer Algebra, 8.3).
 #include "poly/poly.h"
+#include "storage/failure.h"
 namespace tolvex {
 /// x, kept, is primitive in the variable of pt. Errors 308, 352: a coefficient has no p-th root that can be
 /// taken, the factors found so far stand in the list.
@@ -19,5 +20,8 @@ void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt);
 /// All levels: contents recursively, then one of the above. *x is changed: its content is divided out. first:
 /// *count begins at 0.
 void total_sq_free(polyptrr x, polyptrr sq, int32_t* count, boolean first, polypt pt);
+/// *x := its root of degree p, the characteristic: of a number, a field element, or a polynomial in one
+/// variable above the field. False: *why is 352, in table fields 308; *x is spoilt.
+bool poly_pth_root(polyptrr x, Err* why);
 void free_factor_list(polyptrr sq);
 }  // namespace tolvex

@@ -6,6 +6,7 @@
 #include "language/symbols.h"
 #include "numbers/num_assign.h"
 #include "numbers/residue.h"
+#include "poly/poly_shape.h"
 #include "poly/poly_vars.h"
 namespace tolvex {
 void open_call(BuiltinCall& call, Err missing) {
@@ -156,6 +157,13 @@ poly polynomial_of(const quolynode* q, polynode* leaf, Err fraction) {
     }
     if (q->denom == nullptr) return q->numer;
     error(fraction);
+    return nullptr;
+}
+
+poly plain_polynomial(const quolynode* q, polynode* leaf) {
+    poly p = polynomial_of(q, leaf, Err::rational_function_argument);
+    if (p == nullptr || !has_negative_exponent(p)) return p;
+    error(Err::negative_powers);
     return nullptr;
 }
 }  // namespace tolvex

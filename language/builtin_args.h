@@ -73,4 +73,6 @@ void return_poly(BuiltinCall& call, polyptrr p);
 /// The value v as a polynomial to be read: its numerator, or its number as a leaf in `leaf`. A denominator is
 /// error `fraction`, and the answer nil.
 poly polynomial_of(const quolynode* q, polynode* leaf, Err fraction);
+/// The same without negative exponents: nil after error 186 or 198.
+poly plain_polynomial(const quolynode* q, polynode* leaf);
 }  // namespace tolvex

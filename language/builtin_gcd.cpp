@@ -1,20 +1,16 @@
-// Built-in functions of common divisors, contents and square-free factors.
+// Built-in functions of common divisors and contents.
 #include "gcd/content.h"
 #include "gcd/gcd_modes.h"
 #include "gcd/num_content.h"
 #include "gcd/polygcd.h"
-#include "gcd/square_free.h"
 #include "gcd/word_gcd.h"
 #include "gcd/word_lane.h"
-#include "language/array_operand.h"
-#include "language/array_statement.h"
 #include "language/builtin_parts.h"
 #include "language/builtin_table.h"
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_gcd.h"
 #include "numbers/num_mult.h"
-#include "poly/div_general.h"
 #include "poly/field_shape.h"
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
@@ -29,14 +25,6 @@
 #include "quoly/quoly_scalar.h"
 #include "storage/progress.h"
 namespace tolvex {
-/// The argument as a polynomial without negative exponents, nil after error 186 or 198.
-static poly plain_polynomial(const quolynode* q, polynode* leaf) {
-    poly p = polynomial_of(q, leaf, Err::rational_function_argument);
-    if (p == nullptr || !has_negative_exponent(p)) return p;
-    error(Err::negative_powers);
-    return nullptr;
-}
-
 // ---- greatest common divisor ---------------------------------------------------------------------------
 
 /// The gcd of all numbers in p and g, in words.
@@ -191,128 +179,5 @@ void builtin_Content(BuiltinCall& call) {
         call_content(p, named ? level : main_level(p), &r);
     drop_data(&v);
     return_poly(call, &r);
-}
-
-// ---- square-free factors
-// -----------------------------------------------------------------------------------
-
-/// The rows by rising multiplicity, those of one multiplicity as they came.
-static void sort_by_multiplicity(polyptrr list) {
-    poly sorted = nullptr;
-    while (*list != nullptr) {
-        poly f = *list;
-        *list = f->next;
-        polyptrr at = &sorted;
-        while (*at != nullptr && (*at)->exp <= f->exp) at = &(*at)->next;
-        f->next = *at;
-        *at = f;
-    }
-    *list = sorted;
-}
-
-/// c := the number by which p differs from the product of the powers: that of the leading numbers.
-static void constant_factor(poly p, const polynode* list, imptr c) {
-    number product = {}, power = {};
-    setvalue(1, &product);
-    for (; list != nullptr; list = list->next) {
-        num_assign(leading_coef(list->pcoef)->ncoef, &power);
-        number_power(&power, list->exp);
-        int_mult(&product, &power, &product);
-    }
-    quot(leading_coef(p)->ncoef, &product, c);
-    free_num(&product);
-    free_num(&power);
-}
-
-/// The same over a field tower, where the factor is a field element.
-static void constant_element(poly p, const polynode* list, quolyptr c) {
-    poly copy = nullptr;
-    poly_assign(p, &copy);
-    poly_to_quoly(&copy, c);
-    for (; list != nullptr; list = list->next) {
-        quoly power = nullptr;
-        poly_assign(list->pcoef, &copy);
-        poly_to_quoly(&copy, &power);
-        quoly_compute_power(&power, list->exp);
-        fast_quoly_quot(c, power, 0);
-        free_quoly(&power);
-    }
-}
-
-/// The square-free factors of p with their multiplicities, and the constant c with which their product is p.
-static void square_free_rows(poly p, polyptrr list, quolyptr c) {
-    poly x = nullptr;
-    int32_t count = 0;
-    poly_assign(p, &x);
-    alg_c_count = 0;
-    original_depth = 1;
-    total_sq_free(&x, list, &count, 1, polynames);
-    free_poly(&x);
-    sort_by_multiplicity(list);
-    if (exists_field_element(p, 1)) {
-        constant_element(p, *list, c);
-    } else {
-        quoly_set(1, c);
-        constant_factor(p, *list, (*c)->ncoef);
-    }
-}
-
-/// The array `name` becomes the matrix of the rows factor, multiplicity: the constant, unless it is 1 and not
-/// alone, and the list, both used up. Returns the number of rows.
-static int32_t store_rows(tokentipe& name, quolyptr constant, polyptrr list) {
-    const bool with_constant = *list == nullptr || !quoly_equal(*constant, quol_num_1);
-    const int32_t rows = (with_constant ? 1 : 0) + (*list == nullptr ? 0 : poly_length(*list));
-    ArrOperand matrix;
-    if (!begin_operand(matrix)) return rows;
-    if (make_dense(matrix, rows, 2)) {
-        int32_t row = 0;
-        if (with_constant) {
-            elements_of(matrix)[0] = *constant;
-            *constant = nullptr;
-            quoly_set(1, &elements_of(matrix)[rows]);
-            row++;
-        }
-        for (; row < rows; row++) {
-            poly f = *list;
-            *list = f->next;
-            poly_to_quoly(&f->pcoef, &elements_of(matrix)[row]);
-            quoly_set(modularmode ? residue_of_int(f->exp) : f->exp, &elements_of(matrix)[row + rows]);
-            free_node(f);
-        }
-        arrptr a = nullptr;
-        fastestlookup(name, &a);
-        assign_whole(name, a, matrix);
-    }
-    end_operand(matrix);
-    return rows;
-}
-
-/// Sqfree(p, [a]): [a] becomes the square-free factors of p with their multiplicities; the value is their
-/// number.
-void builtin_Sqfree(BuiltinCall& call) {
-    open_call(call);
-    Value v;
-    get_the_data(call, &v);
-    need_comma(call);
-    tokentipe name = {};
-    bool good = read_array_name(call, &name);
-    if (good) close_call(call);
-    if (good && ring_is_composite()) {
-        error(Err::prime_modulus_needed);
-        good = false;
-    }
-    polynode leaf;
-    poly list = nullptr;
-    quoly constant = nullptr;
-    poly p = good ? plain_polynomial(value_of(&v), &leaf) : nullptr;
-    int32_t rows = 0;
-    if (p != nullptr) {
-        square_free_rows(p, &list, &constant);
-        rows = store_rows(name, &constant, &list);
-    }
-    free_factor_list(&list);
-    free_quoly(&constant);
-    drop_data(&v);
-    return_word(call, rows);
 }
 }  // namespace tolvex

@@ -62,10 +62,12 @@ struct BuiltinRoutines {
         of[17] = of[18] = builtin_Equal;
         of[19] = builtin_FFLU;
         of[20] = builtin_FFLUC;
+        of[21] = builtin_Factor;
         of[22] = builtin_Ignore;
         of[24] = of[25] = builtin_Func;
         of[26] = builtin_GCD;
         of[28] = builtin_Height;
+        of[30] = builtin_Irred;
         of[31] = builtin_Isprime;
         of[32] = builtin_Iszero;
         of[33] = builtin_Killden;
@@ -93,6 +95,7 @@ struct BuiltinRoutines {
         of[57] = builtin_Numcon;
         of[58] = builtin_Numer;
         of[59] = builtin_Numvars;
+        of[61] = builtin_Pth;
         of[63] = builtin_Poly;
         of[64] = builtin_Powermod;
         of[65] = builtin_Prime;

@@ -41,10 +41,8 @@ static void school_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const 
     }
 }
 
-// g[0..n) := 1/h mod t^n by doubling the precision, h[0] a unit of the given inverse (von zur Gathen,
-// Gerhard, "Modern Computer Algebra", 9.1).
-static void power_series_inverse(const WordField& f, const uint32_t* h, int32_t n, uint32_t inverse,
-                                 uint32_t* g) {
+// The precision doubles (von zur Gathen, Gerhard, "Modern Computer Algebra", 9.1).
+void wf_series_inverse(const WordField& f, const uint32_t* h, int32_t n, uint32_t inverse, uint32_t* g) {
     constexpr int32_t first = 32;
     g[0] = inverse;
     int32_t have = 1;
@@ -78,7 +76,7 @@ static void newton_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const 
     auto* part = scratch_array<uint32_t>(block);
     auto* product = scratch_array<uint32_t>(int64_t{ydeg} + block);
     for (int32_t i = 0; i < block; i++) reversed[i] = y[ydeg - i];
-    power_series_inverse(f, reversed, block, inverse, series);
+    wf_series_inverse(f, reversed, block, inverse, series);
     while (left > 0) {
         if (xdeg >= k_dense_entries) poll_interrupt();
         int32_t n = block < left ? block : left;

@@ -18,4 +18,7 @@ void onevar_array_div_mod(int32_t* x, const int32_t* y, int32_t* q, int32_t* xde
 /// the degree of the remainder. q has xdeg - ydeg + 1 entries.
 int32_t wf_div_mod(const WordField& f, uint32_t* x, int32_t xdeg, const uint32_t* y, int32_t ydeg,
                    uint32_t inverse, uint32_t* q);
+/// g[0..n) := the power series 1/h modulo t^n by Newton's iteration; h[0..n), h[0] a unit, `inverse` its
+/// inverse. Some products of n entries.
+void wf_series_inverse(const WordField& f, const uint32_t* h, int32_t n, uint32_t inverse, uint32_t* g);
 }  // namespace tolvex

@@ -9,15 +9,6 @@
 #include <algorithm>
 namespace tolvex {
 namespace {
-constexpr int32_t k_primes = 2;
-
-/// What products of one length over one ring need to know.
-struct Frame {
-    FloatLength length;
-    int32_t primes;
-    int32_t m;
-    FloatModulus modulus;
-};
 /// Mixed radix: the value is r0 + p0 t, t = (r1 - r0) / p0 modulo p1 (Garner).
 struct Garner {
     FloatModulus p1, m;
@@ -26,16 +17,15 @@ struct Garner {
 };
 }  // namespace
 
-// A coefficient is a sum of at most `terms` products.
-static Frame frame_for(const WordField& f, int64_t entries, int64_t terms) {
+NttFrame ntt_frame(const WordField& f, FloatLength length, int64_t terms) {
     uint64_t half = f.p / 2;
     unsigned __int128 bound = static_cast<unsigned __int128>(half * half) * static_cast<uint64_t>(terms);
     // 4 times the bound has to fit, for the residues are balanced only roughly
     int32_t primes = bound >> (float_bits(1) - 2) == 0 ? 1 : 2;
-    return {float_length(entries), primes, static_cast<int32_t>(f.p), float_modulus(f.p)};
+    return {length, primes, static_cast<int32_t>(f.p), float_modulus(f.p)};
 }
 
-static void values(const Frame& frame, int32_t prime, NttOperand a, double* x) {
+void ntt_values(const NttFrame& frame, int32_t prime, NttOperand a, double* x) {
     balanced_floats(a.c, x, a.n, frame.m);
     scratch_clear(x + a.n, static_cast<size_t>(frame.length.n() - a.n) * sizeof(double));
     if (a.n > 0) float_values(x, frame.length, prime);
@@ -61,15 +51,14 @@ WIDE_VECTORS static void combine_2(const double* __restrict r0, const double* __
     }
 }
 
-static Garner garner(const Frame& frame) {
+static Garner garner(const NttFrame& frame) {
     FloatModulus p1 = float_modulus(k_float_prime[1]);
     int64_t p0 = k_float_prime[0] % frame.m;
     return {p1, frame.modulus, float_factor(float_inverse(k_float_prime[0], k_float_prime[1]), p1),
             float_factor(p0 > frame.m / 2 ? p0 - frame.m : p0, frame.modulus)};
 }
 
-// c[0..n) from the coefficients modulo the primes.
-static void combine(const Frame& frame, double* const* image, uint32_t* c, int32_t n) {
+void ntt_combine(const NttFrame& frame, double* const* image, uint32_t* c, int32_t n) {
     constexpr int32_t stretch = 1 << 16;
     Garner g = garner(frame);
     for (int32_t from = 0; from < n; from += stretch) {
@@ -83,34 +72,34 @@ static void combine(const Frame& frame, double* const* image, uint32_t* c, int32
 }
 
 void ntt_mult(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn, uint32_t* c) {
-    Frame frame = frame_for(f, int64_t{an} + bn - 1, std::min(an, bn));
+    NttFrame frame = ntt_frame(f, float_length(int64_t{an} + bn - 1), std::min(an, bn));
     ScratchMark mark = scratch_mark();
     bool square = a == b && an == bn;
     double* y = square ? nullptr : scratch_array<double>(frame.length.n());
-    double* image[k_primes] = {};
+    double* image[k_ntt_primes] = {};
     for (int32_t i = 0; i < frame.primes; i++) {
         double* x = image[i] = scratch_array<double>(frame.length.n());
-        values(frame, i, {a, an}, x);
-        if (!square) values(frame, i, {b, bn}, y);
+        ntt_values(frame, i, {a, an}, x);
+        if (!square) ntt_values(frame, i, {b, bn}, y);
         float_products(x, square ? x : y, frame.length, i);
         float_coefficients(x, frame.length, i);
     }
-    combine(frame, image, c, an + bn - 1);
+    ntt_combine(frame, image, c, an + bn - 1);
     scratch_release(mark);
 }
 
 void ntt_matrix_mult(const WordField& f, const NttOperand (&a)[2][2], const NttOperand (&b)[2][k_ntt_columns],
                      int32_t columns, uint32_t* const (&c)[2][k_ntt_columns], int32_t n) {
-    Frame frame = frame_for(f, n, int64_t{2} * n);
+    NttFrame frame = ntt_frame(f, float_length(n), int64_t{2} * n);
     ScratchMark mark = scratch_mark();
     auto room = [&] { return scratch_array<double>(frame.length.n()); };
     double *x[2][2] = {{room(), room()}, {room(), room()}}, *y[2] = {room(), room()};
-    double* image[2][k_ntt_columns][k_primes];
+    double* image[2][k_ntt_columns][k_ntt_primes];
     for (int32_t p = 0; p < frame.primes; p++) {
         for (int i = 0; i < 2; i++)
-            for (int k = 0; k < 2; k++) values(frame, p, a[i][k], x[i][k]);
+            for (int k = 0; k < 2; k++) ntt_values(frame, p, a[i][k], x[i][k]);
         for (int32_t j = 0; j < columns; j++) {
-            for (int k = 0; k < 2; k++) values(frame, p, b[k][j], y[k]);
+            for (int k = 0; k < 2; k++) ntt_values(frame, p, b[k][j], y[k]);
             for (int i = 0; i < 2; i++) {
                 image[i][j][p] = room();
                 float_products_2(image[i][j][p], x[i][0], y[0], x[i][1], y[1], frame.length, p);
@@ -119,7 +108,7 @@ void ntt_matrix_mult(const WordField& f, const NttOperand (&a)[2][2], const NttO
         }
     }
     for (int i = 0; i < 2; i++)
-        for (int32_t j = 0; j < columns; j++) combine(frame, image[i][j], c[i][j], n);
+        for (int32_t j = 0; j < columns; j++) ntt_combine(frame, image[i][j], c[i][j], n);
     scratch_release(mark);
 }
 }  // namespace tolvex
