@@ -1,5 +1,6 @@
 #pragma once
 /// tests/unit/field/tower_support.h: towers for tests.
+#include "field/field_modes.h"
 #include "field/modding.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_test.h"
@@ -13,6 +14,7 @@ struct TowerSetting {
         use_ring(ring, table_field);
         use_variables(levels);
         reset_pseudo_poly();
+        tower_ring = modularmode ? modulus : -1;
     }
     ~TowerSetting() {
         for (polypt v = polynames; v != nullptr; v = v->next)
@@ -20,6 +22,7 @@ struct TowerSetting {
         use_integers();
         use_variables(0);
         reset_pseudo_poly();
+        tower_ring = -1;
     }
     TowerSetting(const TowerSetting&) = delete;
     TowerSetting& operator=(const TowerSetting&) = delete;
