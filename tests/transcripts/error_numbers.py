@@ -20,7 +20,6 @@ FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 # Numbers that no transcript meets, and why.
 WAITING = {
     71: "takes a list of more than a million values: big_input.py",
-    308: "p-th roots of coefficients in another variable, over a table field",
     314: "subscripts that may not be negative, which no command asks for yet",
     371: "takes an interrupt in a sort: tests/fault/interrupt_places.py",
 }
