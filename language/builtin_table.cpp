@@ -66,6 +66,7 @@ struct BuiltinRoutines {
         of[22] = builtin_Ignore;
         of[24] = of[25] = builtin_Func;
         of[26] = builtin_GCD;
+        of[27] = builtin_Hamilton;
         of[28] = builtin_Height;
         of[30] = builtin_Irred;
         of[31] = builtin_Isprime;

@@ -38,6 +38,7 @@ void builtin_Factor(BuiltinCall& call);
 void builtin_Fterms(BuiltinCall& call);
 void builtin_Func(BuiltinCall& call);
 void builtin_GCD(BuiltinCall& call);
+void builtin_Hamilton(BuiltinCall& call);
 void builtin_Height(BuiltinCall& call);
 void builtin_Ignore(BuiltinCall& call);
 void builtin_Isprime(BuiltinCall& call);

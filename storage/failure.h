@@ -32,6 +32,7 @@ enum class Err : int32_t {
     no_function_to_delete = 20,
     delete_form = 21,
     division_by_zero = 22,
+    graph_matrix = 23,
     close_bracket_expected = 24,
     array_store_full = 26,
     index_out_of_range = 27,
