@@ -6,6 +6,7 @@
 #include "language/ports.h"
 #include "matrix/determinant.h"
 #include "matrix/matrix_modes.h"
+#include "matrix/sparse_determinant.h"
 #include "numbers/num_assign.h"
 #include "numbers/ring_switch.h"
 #include "poly/poly_basic.h"
@@ -16,6 +17,7 @@
 #include "storage/progress.h"
 
 #include <cstdio>
+#include <numeric>
 namespace tolvex {
 namespace {
 constexpr int32_t k_not_given = -1;
@@ -115,6 +117,32 @@ static poly divisor_of(const DetArguments& args) {
     return fct;
 }
 
+/// A power is of use over the integers and over a prime modulus that it suits; else a warning.
+static void check_power(int32_t power) {
+    if (power >= -1 && power <= 1) return;
+    int32_t size = power < 0 ? -power : power;
+    if (!lintmode) return;
+    if (!modularmode)
+        warning(k_warn_det_power_ring, nullptr);
+    else if (size % 2 != 0 && std::gcd(size, modulus - 1) != 1)
+        warning(k_warn_det_odd_power, nullptr);
+    else if (size % 2 == 0 && (modulus % 4 != 3 || (size & (size - 1)) != 0))
+        warning(k_warn_det_even_power, nullptr);
+}
+
+/// After a jump no expansion by minors is under way.
+static void forget_expansion(void*) { sp_total_cnt = 0; }
+
+static void determinant_of_sparse(ArrOperand& v, const DeterminantRequest& request, quolyptr n) {
+    check_power(request.power);
+    make_private(v);
+    Unfinished u;
+    bool first = sp_total_cnt == 0;
+    if (first) begin_unfinished(u, forget_expansion, nullptr);
+    sparse_determinant(v.spar, v.facts.rows, request, n);
+    if (first) end_unfinished(u);
+}
+
 static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetArguments& args) {
     if (is_scalar(v) || !is_square(v)) {
         error(Err::matrix_not_square);
@@ -124,8 +152,10 @@ static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetAr
     Err fault = {};
     DeterminantRequest request = {fct, args.degree, args.degree2, args.power, args.numprimes, &fault};
     int32_t m = v.facts.rows;
-    bool done = is_sparse(v) && m > 3 && interpolation_is_on() && sparse_lagrange(v.spar, m, request, call.n);
-    if (!done && (!is_sparse(v) || expand_to_dense(v))) dense_determinant(elements_of(v), m, request, call.n);
+    if (is_sparse(v))
+        determinant_of_sparse(v, request, call.n);
+    else
+        dense_determinant(elements_of(v), m, request, call.n);
     free_poly(&fct);
     if (fault != Err{}) error(fault);
 }

@@ -85,4 +85,17 @@ Components strong_components(const MatrixPattern& m) {
     scratch_release(mark);
     return out;
 }
+
+bool odd_permutation(int32_t* to, int32_t n) {
+    bool odd = false;
+    for (int32_t r = 0; r < n; r++) {
+        while (to[r] != r) {
+            int32_t other = to[r];
+            to[r] = to[other];
+            to[other] = other;
+            odd = !odd;
+        }
+    }
+    return odd;
+}
 }  // namespace tolvex

@@ -22,4 +22,6 @@ struct Components {
 };
 /// In scratch memory of the caller. Linear in places and rows.
 Components strong_components(const MatrixPattern& m);
+/// True if the permutation of 0..n-1 is odd. It is used up. Linear.
+bool odd_permutation(int32_t* to, int32_t n);
 }  // namespace tolvex

@@ -85,6 +85,30 @@ static void symmetric_value(Crt& crt, imptr det) {
         chain_from_limbs(det, crt.x, crt.xn, false);
 }
 
+void integer_from_images(int64_t bits, uint32_t (*image)(const WordField& f, void* context), void* context,
+                         imptr det) {
+    ScratchMark mark = scratch_mark();
+    int64_t room = bits / 64 + 3;
+    Crt crt = {scratch_array<limb>(room), scratch_array<limb>(room), 0, 1};
+    crt.product[0] = 1;
+    uint32_t p = k_first_image_prime;
+    for (; entry_bits({crt.product, crt.productn, false}) <= bits; p = image_prime_below(p)) {
+        WordField f = word_field_prime(p);
+        take_image(crt, f, image(f, context));
+        poll_interrupt();
+    }
+    symmetric_value(crt, det);
+    scratch_release(mark);
+}
+
+namespace {
+/// A matrix, and room for its image.
+struct DenseImages {
+    const IntMatrix* m;
+    uint32_t* residues;
+};
+}  // namespace
+
 /// The determinant of at least one row.
 static void determinant_of(const IntMatrix& m, imptr det) {
     int64_t bits = determinant_bits(m);
@@ -92,17 +116,12 @@ static void determinant_of(const IntMatrix& m, imptr det) {
         chain_set_int64(det, 0);
         return;
     }
-    auto* residues = scratch_array<uint32_t>(int64_t{m.n} * m.n);
-    int64_t room = bits / 64 + 3;
-    Crt crt = {scratch_array<limb>(room), scratch_array<limb>(room), 0, 1};
-    crt.product[0] = 1;
-    uint32_t p = k_first_image_prime;
-    for (; entry_bits({crt.product, crt.productn, false}) <= bits; p = image_prime_below(p)) {
-        WordField f = word_field_prime(p);
-        take_image(crt, f, image_of(f, m, residues));
-        poll_interrupt();
-    }
-    symmetric_value(crt, det);
+    DenseImages images = {&m, scratch_array<uint32_t>(int64_t{m.n} * m.n)};
+    auto image = [](const WordField& f, void* context) {
+        auto* x = static_cast<DenseImages*>(context);
+        return image_of(f, *x->m, x->residues);
+    };
+    integer_from_images(bits, image, &images, det);
 }
 
 void int_determinant(const number* const* entries, int32_t n, imptr det) {

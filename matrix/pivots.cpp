@@ -1,11 +1,13 @@
 #include "matrix/pivots.h"
 
 #include "gcd/word_gcd.h"
+#include "matrix/sparse_pivot.h"
 #include "numbers/num_compare.h"
 #include "numbers/num_sign.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mass.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
 
 #include <algorithm>
 #include <bit>
@@ -100,20 +102,26 @@ static void search_dense(const LineMatrix& m, const OpenBlock& b, BestPivot* bes
     }
 }
 
-static void search_sparse(const LineMatrix& m, const OpenBlock& b, BestPivot* best) {
-    SparseWalk w = walk_sparse(m.spar, m.rows);
-    while (colm_ptrptr t = next_row(w)) {
-        if (w.row < b.first_row || w.row >= b.last_row) continue;
-        poll_interrupt();
-        for (const colnode* p = *get_sparse_colm(t, b.first_col + 1); p != nullptr && p->coord <= b.last_col;
-             p = p->next)
-            if (consider(best, p->val, w.row, p->coord - 1)) return;
+/// Of a sparse matrix the rule that pseudet_heur chooses.
+static PivotSearch search_sparse(const LineMatrix& m, const OpenBlock& b, int32_t* row, int32_t* column) {
+    ScratchMark mark = scratch_mark();
+    PivotTable t = new_pivot_table(m.spar, m.rows, m.cols, b.first_row, b.first_col);
+    PivotSearch found;
+    if (b.last_col == b.first_col + 1 && m.cols > b.last_col) {
+        *column = b.last_col;
+        found = sparse_colfindbest(t, b.last_col, row);
+    } else {
+        found = sparse_findbest(t, false, row, column);
     }
+    --*column;
+    scratch_release(mark);
+    return found;
 }
 
 PivotSearch findbest(const LineMatrix& m, const OpenBlock& b, int32_t* row, int32_t* column) {
+    if (m.at == nullptr) return search_sparse(m, b, row, column);
     BestPivot best = {nullptr, -1, 0, 0, 0, 0, false};
-    m.at != nullptr ? search_dense(m, b, &best) : search_sparse(m, b, &best);
+    search_dense(m, b, &best);
     if (best.least == nullptr && best.mass < 0)
         return best.not_zero ? PivotSearch::no_unit : PivotSearch::none;
     *row = best.least != nullptr ? best.number_row : best.other_row;
