@@ -136,8 +136,7 @@ static void square_free_list(poly p, polyptrr list) {
     poly x = nullptr;
     int32_t count = 0;
     poly_assign(p, &x);
-    alg_c_count = 0;
-    original_depth = 1;
+    gcd_counters_reset();  // in a body too it is a computation of its own
     total_sq_free(&x, list, &count, 1, polynames);
     free_poly(&x);
 }

@@ -157,8 +157,7 @@ static void call_content(poly p, int32_t level, polyptrr r) {
             gcd_coefs(p, r);
         return;
     }
-    alg_c_count = 0;
-    original_depth = 1;
+    gcd_counters_reset();  // in a body too it is a computation of its own
     *r = content_in_level(p, level, polynames);
 }
 
