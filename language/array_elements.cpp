@@ -1,6 +1,7 @@
 #include "language/array_elements.h"
 
 #include "language/array_values.h"
+#include "language/small_words.h"
 #include "language/symbols.h"
 #include "language/tokens/look_ahead.h"
 #include "matrix/matrix_modes.h"
@@ -24,6 +25,7 @@ static int64_t word_of(const number* x) {
 }
 
 bool read_plain_integer(FILE* inf, nameptr* flag, Err not_a_number, int64_t* value) {
+    if (*flag != nullptr && small_expression(flag, value)) return true;
     boolean was_modular = 0;
     if (modularmode) check_modular(&was_modular);
     Value v;
@@ -208,6 +210,15 @@ static void store_entry(arrptr a, int64_t index, quolyptr value) {
         *link = newcolm(col, nullptr, *link);
     (*link)->val = *value;
     *value = nullptr;
+}
+
+quolyptr number_to_change(const ElementTarget& target) {
+    arrptr a = array_of(target);
+    if (a == nullptr || a->spar != nullptr || a->ring != modulus || borrowed_operands > 0) return nullptr;
+    quolyptr slot = place_slot(a, target.index);
+    if (*slot == nullptr || !(*slot)->numb) return nullptr;
+    own_value(slot);
+    return slot;
 }
 
 bool store_element(const ElementTarget& target, quolyptr value) {

@@ -461,17 +461,25 @@ static varptr store_in_target(Target& t, quoly value) {
     return p;
 }
 
-/// The variable takes the small integer, in place if it has a number already.
-static void store_small(Target& t, int64_t v) {
+/// Where the number of the target is, if a new number may overwrite it in place; else nil.
+static quolyptr number_of_target(Target& t) {
+    if (t.is_element) return number_to_change(t.element);
     varptr p = find_target(t);
-    if (p != nullptr && away_list == nullptr && p->val != nullptr && p->val->numb) {
-        own_value(&p->val);
-        value_of_long(v, &p->val);
-        return;
-    }
+    if (p == nullptr || away_list != nullptr || p->val == nullptr || !p->val->numb) return nullptr;
+    own_value(&p->val);
+    return &p->val;
+}
+
+/// The target takes the small integer.
+static void store_small(Target& t, int64_t v) {
     quoly value = nullptr;
-    value_of_long(v, &value);
-    store_in_target(t, value);
+    quolyptr at = number_of_target(t);
+    value_of_long(v, at != nullptr ? at : &value);
+    if (at != nullptr) return;
+    if (t.is_element)
+        store_element(t.element, &value);
+    else
+        store_in_target(t, value);
 }
 
 /// The location of the target; a variable is created with the value 0 if it has gone meanwhile, for an array
@@ -555,7 +563,7 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
     next_token(inf, flag);
     *qp = n;
     int64_t small = 0;
-    if (!name.is_element && *flag != nullptr && small_expression(flag, &small)) {
+    if (*flag != nullptr && small_expression(flag, &small)) {
         store_small(name, small);
         quoly_set(0, n);
         return;

@@ -74,14 +74,10 @@ int32_t word_of_element(const ElementTarget& target) {
 }
 
 void write_word_element(const ElementTarget& target, int32_t word) {
-    arrptr a = array_of(target);
-    if (a != nullptr && a->spar == nullptr && a->ring == modulus && borrowed_operands == 0) {
-        quolyptr slot = place_slot(a, target.index);
-        if (*slot != nullptr && (*slot)->numb) {
-            own_value(slot);
-            value_of_word(word, slot);
-            return;
-        }
+    quolyptr slot = number_to_change(target);
+    if (slot != nullptr) {
+        value_of_word(word, slot);
+        return;
     }
     quoly value = nullptr;
     value_of_word(word, &value);

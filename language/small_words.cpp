@@ -1,5 +1,7 @@
 #include "language/small_words.h"
 
+#include "language/array_elements.h"
+#include "language/array_values.h"
 #include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/other_rings.h"
@@ -33,20 +35,56 @@ Follower follower_at(const namenode* at) {
 
 // ---- operands ------------------------------------------------------------------------------------------
 
-constexpr int32_t k_nesting = 8;
+constexpr int32_t k_nesting = 8;  // parentheses and subscripts
 bool small_sum(nameptr* at, int64_t* v, int32_t depth);
 
-/// The value of a variable, if it is an integer of at most two digits.
-bool small_variable(nameptr node, int64_t* v) {
-    if (!node->compiled && number_polys > 0 && its_a_polyname(node->let) != 0) return false;
-    if (is_bound_element(node)) return false;
-    varptr p = var_at(node);
-    if (p == nullptr || p->val == nullptr || !p->val->numb || p->val->arr_arg) return false;
-    const number* x = p->val->ncoef;
+/// The value, if it is an integer of at most two digits.
+bool small_value(const quolynode* q, int64_t* v) {
+    if (q == nullptr || !q->numb || q->arr_arg) return false;
+    const number* x = q->ncoef;
     if (x->size > 2) return false;
     *v = x->head->value;
     if (x->size == 2) *v = (*v << k_digit_bits) + x->tail->value;
     return true;
+}
+
+/// The subscripts from the "[" at *at on, up to and over the "]".
+bool small_subscripts(nameptr* at, Subscripts* s, int32_t depth) {
+    *at = (*at)->next;
+    if (depth == k_nesting || !small_sum(at, &s->i, depth + 1)) return false;
+    s->j = 0;
+    s->two = tok_char((*at)->let) == ',';
+    if (s->two) {
+        *at = (*at)->next;
+        if (!small_sum(at, &s->j, depth + 1)) return false;
+    }
+    if (tok_char((*at)->let) != ']') return false;
+    *at = (*at)->next;
+    return true;
+}
+
+/// An element of a dense array, the "[" behind its name being at *at.
+bool small_element(nameptr* at, nameptr node, int64_t* v, int32_t depth) {
+    Subscripts s;
+    arrptr a = nullptr;
+    int64_t index = 0;
+    if (interrupt_levels > 0 || !small_subscripts(at, &s, depth)) return false;
+    fastestlookup(node->let, &a);
+    if (a == nullptr) return false;
+    a = array_itself(a);
+    return a->spar == nullptr && a->ring == modulus && is_place(a, s.i, s.j, s.two, &index) &&
+           small_value(*place_slot(a, index), v);
+}
+
+/// A variable or an element; what Compile has bound to an element is left to the evaluator.
+bool small_name(nameptr* at, int64_t* v, int32_t depth) {
+    nameptr node = *at;
+    if (!node->compiled && number_polys > 0 && its_a_polyname(node->let) != 0) return false;
+    if (is_bound_element(node)) return false;
+    *at = node->next;
+    if (tok_char((*at)->let) == '[') return small_element(at, node, v, depth);
+    varptr p = var_at(node);
+    return p != nullptr && small_value(p->val, v);
 }
 
 bool small_operand(nameptr* at, int64_t* v, int32_t depth) {
@@ -57,10 +95,7 @@ bool small_operand(nameptr* at, int64_t* v, int32_t depth) {
         *at = node->last->next;
         return true;
     }
-    if (is_lower(c)) {
-        *at = node->next;
-        return small_variable(node, v);
-    }
+    if (is_lower(c)) return small_name(at, v, depth);
     if (c != '(' || depth == k_nesting) return false;
     *at = node->next;
     if (!small_sum(at, v, depth + 1) || tok_char((*at)->let) != ')') return false;

@@ -60,14 +60,18 @@ static bool out_of_range(const tokentipe& name) {
     return false;
 }
 
-bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, int64_t* index) {
+bool is_place(const arrnode* a, int64_t r, int64_t c, bool two, int64_t* index) {
     r -= addresser;
     c = two ? c - addresser : 0;
-    if (r < 0 || c < 0 || (two && r >= a->rows)) return out_of_range(name);
+    if (r < 0 || c < 0 || (two && r >= a->rows)) return false;
     // a column beyond any array is caught before it is multiplied
-    if (c >= a->sizearr || c > INT32_MAX) return out_of_range(name);
+    if (c >= a->sizearr || c > INT32_MAX) return false;
     *index = r + c * a->rows;
-    return *index < a->sizearr || out_of_range(name);
+    return *index < a->sizearr;
+}
+
+bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, int64_t* index) {
+    return is_place(a, r, c, two, index) || out_of_range(name);
 }
 
 quolyptr place_slot(const arrnode* a, int64_t index) {

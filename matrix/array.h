@@ -82,6 +82,8 @@ quolyptr dense_slot(const arrnode* a, int32_t k);
 /// Resolves the subscripts r, c, or r alone, as the user counts them, in the array itself: *index counts the
 /// elements from 0, column by column. False after error 27, which names `name`.
 bool find_place(const arrnode* a, int64_t r, int64_t c, bool two, const tokentipe& name, int64_t* index);
+/// The same without a report.
+bool is_place(const arrnode* a, int64_t r, int64_t c, bool two, int64_t* index);
 /// The row from 0 and the column from 1 of an element.
 inline int32_t row_of_place(const arrnode* a, int64_t index) { return static_cast<int32_t>(index % a->rows); }
 inline int32_t column_of_place(const arrnode* a, int64_t index) {

@@ -5,7 +5,7 @@ usage: evaluators.py --tolvex PATH [--seed N] [--count N]
 
 The bodies use what means the same in all of them: words that stay small, quotients by "\\" and remainders, and in
 modular mode "/" as well. Sums, products and remainders of integers of all sizes are typed, and run as bodies, as right
-sides, as arguments and in conditions, where stored lists have a way of their own for small values. A difference prints
+sides, as elements, as arguments and in conditions, where stored lists have a way of their own for small values. A difference prints
 the body and the answers. The seed is printed.
 """
 import os
@@ -95,7 +95,8 @@ def essence(answer):
 
 
 EDGES = [0, 1, 2, 3, 7, 2**28 - 1, 2**28, 2**28 + 1, 2**31 - 1, 2**31, 2**32, 2**56 - 1, 2**56, 2**62, 2**63 - 1, 2**63, 10**25]
-OPERANDS = ["a", "b", "c", "f", "p", "x", "el[1]", "nobody"]
+OPERANDS = ["a", "b", "c", "el[1]", "q[2, 1]", "el[el[3]-1]"]
+RARE = ["f", "p", "x", "nobody", "sp[1]", "el[a]", "q[b, 1]", "none[1]", "el[x]"]
 
 
 def edge(rng):
@@ -106,7 +107,7 @@ def edge(rng):
 def integer_expression(rng, depth):
     if depth == 0 or rng.random() < 0.15:
         rare = rng.random() < 0.03
-        return rng.choice(OPERANDS if rare else OPERANDS[:3]) if rng.random() < 0.6 else str(abs(edge(rng)))
+        return rng.choice(RARE if rare else OPERANDS) if rng.random() < 0.6 else str(abs(edge(rng)))
     left, right = integer_expression(rng, depth - 1), integer_expression(rng, depth - 1)
     return rng.choice([f"{left} + {right}", f"{left} - {right}", f"{left}*{right}", f"({left})|{right}", f"({left} - {right})",
                        f"-{left}", f"({left})*({right})", f"{left}|({right})", f"{left}*-3", f"({left})^2", f"{left} ({right})"])
@@ -116,7 +117,8 @@ def typed_and_stored(binary, rng, count):
     """differences between what is typed and what is run from a list"""
     bad = 0
     for setting in ("", "&|:", "&(p = 101):", "&(p = 10):"):
-        lines = ["&(J = x):", setting, "Array el[2];", "el[1] := 5:", "el[2] := 6:", "f := 1/3:", "p := x + 1:", "u := 0:"]
+        lines = ["&(J = x):", setting, "Array el[3], q[2, 2], sp[2, 2] Sparse;", "el[1] := 5:", "el[2] := 6:", "el[3] := 2:", "q[2, 1] := -7:",
+                 "sp[1, 1] := 3:", "f := 1/3:", "p := x + 1:", "u := 0:"]
         asked = []
         for k in range(count):
             e, g = integer_expression(rng, 3), integer_expression(rng, 2)
@@ -125,14 +127,15 @@ def typed_and_stored(binary, rng, count):
             lines += ["!('MARK'):", e, "!('MARK'):", f"Func G{k} = {e}.", f"G{k}",
                       "!('MARK'):", f"Func H{k}(y) = y := {e}; y.", f"H{k}(7)",
                       "!('MARK'):", "Func I(y) = y.", f"Func J{k} = I({e}).", f"J{k}",
+                      "!('MARK'):", f"Func K{k} = el[2] := {e}; el[2].", f"K{k}",
                       "!('MARK'):", f"if {e} {sign} {g} then 4 else 5 fi",
                       "!('MARK'):", f"u := ({e}):", f"v := ({g}):", f"if u {sign} v then 4 else 5 fi"]
             asked.append(e + f" {sign} " + g)
         found = [[r for r in essence(one) if r != "0"] for one in answers(binary, lines)]
         for k, what in enumerate(asked):
-            one = found[6 * k:6 * k + 6]
-            failed = any(not re.match(r"-?\d+$", r) for r in one[0] + one[5])
-            if any(r != one[0] for r in one[1:4]) or (not failed and one[4] != one[5]):
+            one = found[7 * k:7 * k + 7]
+            failed = any(not re.match(r"-?\d+$", r) for r in one[0] + one[6])
+            if any(r != one[0] for r in one[1:5]) or (not failed and one[5] != one[6]):
                 bad += 1
                 print("DIFFERENT", setting, what, one)
     return bad
