@@ -155,6 +155,12 @@ static void diag_factor(ArrReader& r, ArrOperand& v) {
     extract_diagonal(v);
 }
 
+static void adjoint_factor(ArrReader& r, ArrOperand& v) {
+    next_token(r.inf, r.flag);
+    arr_fact(r, v);
+    adjoint_operand(v);
+}
+
 static void integer_part(quolyptr value, void*) { quoly_great_int(value); }
 static void absolute_value(quolyptr value, void*) { quoly_abs(*value); }
 
@@ -277,6 +283,7 @@ using FactorReader = void (*)(ArrReader& r, ArrOperand& v);
 static FactorReader reader_of_name() {
     if (tok_is(token, "Trans")) return trans_factor;
     if (tok_is(token, "Diag")) return diag_factor;
+    if (tok_is(token, "Adjoint")) return adjoint_factor;
     if (tok_is(token, "Altmult")) return altmult_factor;
     if (tok_is(token, "Altpower")) return altpower_factor;
     if (tok_is(token, "MPowermod")) return powermod_factor;

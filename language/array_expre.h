@@ -7,7 +7,7 @@
 ///
 ///   expression   term { ("+" | "-") term }
 ///   term         factor { ("*" | "/" | "|" | "\" | "_" | nothing) factor }        all of one rank, left to
-///   right factor       ("-" | "$" | Trans | Diag) factor | primary ["^" e | "#" ...]
+///   right factor       ("-" | "$" | Trans | Diag | Adjoint) factor | primary ["^" e | "#" ...]
 ///
 /// Raises     1, 2, 24, 40, 43, 45, 56..59, 63, 71, 72, 74, 78..80, 82, 83, 105, 110, 142, 172..175, 188,
 /// 202, 244,

@@ -181,10 +181,21 @@ static void multiply_matrices(ArrOperand& left, ArrOperand& right) {
     end_operand(result);
 }
 
-/// v := its inverse. Error 44.
-static void invert_operand(ArrOperand& v) {
-    bool sparse = is_sparse(v);
-    if (!expand_to_dense(v)) return;
+/// True if 1, ..., n are units of the ring in force.
+static bool counts_are_units(int32_t n) {
+    if (!modularmode) return true;
+    if (finf) return n < 2;
+    for (int32_t k = 2; k <= n; k++) {
+        if (modulus % k == 0) return false;
+        if (int64_t{k} * k > modulus) return modulus > n;
+    }
+    return true;
+}
+
+using MatrixMap = bool (*)(workptr a, workptr result, int32_t n);
+
+/// v, a square matrix, := what the map makes of it; 44 if that fails.
+static void map_dense(ArrOperand& v, MatrixMap map) {
     ArrOperand result;
     if (first_available > k_work_arrays) {
         fail_operand(v, Err::no_work_array_inverse);
@@ -193,13 +204,38 @@ static void invert_operand(ArrOperand& v) {
     if (!begin_operand(result)) return;
     make_private(v);
     make_dense(result, v.facts.rows, v.facts.rows);
-    bool good = invert_by_elimination(elements_of(v), elements_of(result), v.facts.rows);
+    bool good = map(elements_of(v), elements_of(result), v.facts.rows);
     swap_operands(v, result);
     end_operand(result);
-    if (!good)
-        fail_operand(v, Err::singular_matrix);
-    else if (sparse)
-        contract_to_sparse(v);
+    if (!good) fail_operand(v, Err::singular_matrix);
+}
+
+/// v := its inverse. Error 44; 36 for a sparse matrix of more rows than the modulus allows.
+static void invert_operand(ArrOperand& v) {
+    bool sparse = is_sparse(v);
+    if (sparse && !counts_are_units(v.facts.rows)) {
+        fail_operand(v, Err::rows_below_modulus);
+        return;
+    }
+    if (!expand_to_dense(v)) return;
+    map_dense(v, invert_matrix);
+    if (sparse && !is_scalar(v)) contract_to_sparse(v);
+}
+
+static bool take_adjoint(workptr a, workptr result, int32_t n) {
+    adjoint_matrix(a, result, n);
+    return true;
+}
+
+void adjoint_operand(ArrOperand& v) {
+    Err fault = is_scalar(v)    ? Err::matrix_needed
+                : is_sparse(v)  ? Err::sparse_not_allowed
+                : !is_square(v) ? Err::matrix_not_square
+                                : Err{};
+    if (fault != Err{})
+        fail_operand(v, fault);
+    else
+        map_dense(v, take_adjoint);
 }
 
 /// Element by element: left is a matrix of the shape of right.

@@ -4,7 +4,7 @@
 /// Ownership  the left operand takes the result; what is private in either is used where it can be. The right
 /// one
 ///            is left in any state that end_operand accepts.
-/// Raises     39 shapes; 22, 85 quotients; 43, 250 size; 44 inverse; 72, 74, 172, 191, 241, 242 kinds of
+/// Raises     39 shapes; 22, 85 quotients; 43, 250 size; 36, 44 inverse; 72, 74, 172, 191, 241, 242 kinds of
 /// operands.
 #include "language/array_operand.h"
 namespace tolvex {
@@ -18,6 +18,8 @@ void negate_operand(ArrOperand& v);
 void transpose_operand(ArrOperand& v);
 /// v := its diagonal as a column. Error 74 for a scalar.
 void extract_diagonal(ArrOperand& v);
+/// v := its adjoint. Errors 72, 241, 242.
+void adjoint_operand(ArrOperand& v);
 /// v := v^e. Error 172 if v is a matrix that is not square; 44 if e is negative and v singular.
 void matrix_power(ArrOperand& v, const number* e);
 /// v := v^e for a square matrix, the elements reduced modulo the polynomial m. Error 44, 188.

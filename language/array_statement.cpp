@@ -414,7 +414,7 @@ static void diagonal_statement(ArrReader& r, ArrOperand& v, quolyptr n) {
 }
 
 bool begins_array_statement() {
-    return tok_is(token, "Trans") || tok_is(token, "Diag") || tok_is(token, "Altmult") ||
+    return tok_is(token, "Trans") || tok_is(token, "Diag") || tok_is(token, "Adjoint") || tok_is(token, "Altmult") ||
            tok_is(token, "Altpower") || tok_is(token, "MPowermod");
 }
 

@@ -27,7 +27,7 @@ struct DetArguments {
     Value fct;  // a divisor of the determinant of its own, held; own nil: none
     int32_t degree, degree2, power;
     int32_t numprimes;  // of SDet, 0: all that are needed
-    bool bad;  // an error came back
+    bool bad;           // an error came back
 };
 }  // namespace
 

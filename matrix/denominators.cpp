@@ -6,7 +6,8 @@
 #include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
 namespace tolvex {
-void take_denominator(quolyptr multiple, quoly q) {
+/// *multiple := the least common multiple of it and the denominator of q.
+static void take_denominator(quolyptr multiple, quoly q) {
     if (q->denom == nullptr) return;
     quoly over = nullptr, factor = nullptr, denom = nullptr;
     poly copy = nullptr;
@@ -23,17 +24,19 @@ void take_denominator(quolyptr multiple, quoly q) {
     free_quoly(&denom);
 }
 
+void clear_line(quoly* line, int32_t m, quolyptr multiple) {
+    quoly_set(1, multiple);
+    for (int32_t r = 0; r < m; r++) take_denominator(multiple, line[r]);
+    if (quoly_equal(*multiple, quol_num_1)) return;
+    for (int32_t r = 0; r < m; r++)
+        if (!quoly_iszero(line[r])) fast_quoly_mult(&line[r], *multiple);
+}
+
 void clear_columns(quoly* a, int32_t m, quolyptr divisor) {
     for (int32_t c = 0; c < m; c++) {
-        quoly* column = a + int64_t{c} * m;
         quoly multiple = nullptr;
-        quoly_set(1, &multiple);
-        for (int32_t r = 0; r < m; r++) take_denominator(&multiple, column[r]);
-        if (!quoly_equal(multiple, quol_num_1)) {
-            for (int32_t r = 0; r < m; r++)
-                if (!quoly_iszero(column[r])) fast_quoly_mult(&column[r], multiple);
-            fast_quoly_mult(divisor, multiple);
-        }
+        clear_line(a + int64_t{c} * m, m, &multiple);
+        if (!quoly_equal(multiple, quol_num_1)) fast_quoly_mult(divisor, multiple);
         free_quoly(&multiple);
         poll_interrupt();
     }

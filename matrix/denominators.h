@@ -4,9 +4,8 @@
 
 #include <cstdint>
 namespace tolvex {
-/// *multiple := the least common multiple of it and the denominator of q.
-void take_denominator(quolyptr multiple, quoly q);
-/// The columns of a, m by m, column by column, become free of denominators; *divisor is multiplied by what each
-/// of them has been multiplied by.
+/// The m entries of a line become free of denominators, multiplied by what goes to *multiple.
+void clear_line(quoly* line, int32_t m, quolyptr multiple);
+/// All columns of a, m by m, column by column; *divisor is multiplied by what each of them has been multiplied by.
 void clear_columns(quoly* a, int32_t m, quolyptr divisor);
 }  // namespace tolvex

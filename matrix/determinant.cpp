@@ -2,8 +2,8 @@
 
 #include "matrix/bareiss.h"
 #include "matrix/denominators.h"
-#include "matrix/interpolated.h"
 #include "matrix/int_determinant.h"
+#include "matrix/interpolated.h"
 #include "matrix/matrix_modes.h"
 #include "matrix/minors.h"
 #include "matrix/word_determinant.h"
@@ -129,33 +129,32 @@ static double minor_terms(const PackMeasure& box, int32_t k, double row_terms) {
     return std::min(products, monomials);
 }
 
-/// About the nanoseconds of an expansion by minors.
-static double minors_work(const Functions& f) {
+double determinant_work(const quoly* a, int32_t m, int32_t n) {
     constexpr double k_term = 30, k_product = 300;
     constexpr int32_t k_most_rows = 24;
-    if (f.m > k_most_rows) return 1e30;
-    int64_t count = int64_t{f.m} * f.m, terms = 0, entries = 0;
+    if (m > k_most_rows) return 1e30;
+    int64_t count = int64_t{n} * n, terms = 0, entries = 0;
     PackMeasure box = {};
     for (int64_t k = 0; k < count; k++) {
-        if (quoly_iszero(f.a[k])) continue;
-        PackMeasure m = {};
-        m.terms = 1;
-        if (!f.a[k]->numb) pack_measure(f.a[k]->numer, &m);
-        terms += m.terms;
+        if (quoly_iszero(a[k])) continue;
+        PackMeasure here = {};
+        here.terms = 1;
+        if (!a[k]->numb) pack_measure(a[k]->numer, &here);
+        terms += here.terms;
         entries++;
-        for (int32_t i = box.levels; i < m.levels; i++) box.most[i] = box.least[i] = 0;
-        box.levels = std::max(box.levels, m.levels);
-        for (int32_t i = 0; i < m.levels; i++) {
-            box.most[i] = std::max(box.most[i], m.most[i]);
-            box.least[i] = std::min(box.least[i], m.least[i]);
+        for (int32_t i = box.levels; i < here.levels; i++) box.most[i] = box.least[i] = 0;
+        box.levels = std::max(box.levels, here.levels);
+        for (int32_t i = 0; i < here.levels; i++) {
+            box.most[i] = std::max(box.most[i], here.most[i]);
+            box.least[i] = std::min(box.least[i], here.least[i]);
         }
         poll_interrupt();
     }
     double filled = static_cast<double>(entries) / static_cast<double>(count),
            entry_terms = static_cast<double>(terms) / static_cast<double>(std::max<int64_t>(entries, 1));
     double work = 0, choices = 1;
-    for (int32_t k = 1; k <= f.m; k++) {
-        choices *= static_cast<double>(f.m - k + 1) / k;
+    for (int32_t k = 1; k <= m; k++) {
+        choices *= static_cast<double>(m - k + 1) / k;
         work += choices * k * filled *
                 (k_product + k_term * entry_terms * minor_terms(box, k - 1, filled * entry_terms));
     }
@@ -164,7 +163,7 @@ static double minors_work(const Functions& f) {
 
 static Engine choose_engine(const Functions& f) {
     if (detcutoff >= 0 || gauss_cutoff == 1 || f.tower || f.m == 1) return Engine::elimination;
-    double expansion = minors_work(f), images = interpolation_work(f.a, f.m);
+    double expansion = determinant_work(f.a, f.m, f.m), images = interpolation_work(f.a, f.m, false);
     if (images >= 0 && images < expansion) return Engine::interpolation;
     constexpr int32_t k_most_expanded = 12;
     return f.m <= k_most_expanded ? Engine::minors : Engine::elimination;
@@ -188,7 +187,8 @@ static void lifted_determinant(Functions& f, quolyptr det) {
 static void eliminate(Functions& f, quolyptr det) {
     if (verbose) {
         bool to_the_end = gauss_cutoff == 1 && f.allpolys;
-        dumpitt(to_the_end ? "Gauss-Bareiss method, size " : "Standard G.E. method, rank ", f.m, true, false, false);
+        dumpitt(to_the_end ? "Gauss-Bareiss method, size " : "Standard G.E. method, rank ", f.m, true, false,
+                false);
     }
     int32_t minors = gauss_cutoff == 1 && f.allpolys ? 0 : minors_from(f.m);
     if (ring_is_composite() && minors < f.m) return lifted_determinant(f, det);
@@ -199,7 +199,9 @@ static void eliminate(Functions& f, quolyptr det) {
 static void compute(Functions& f, quolyptr det) {
     static const InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
     Engine engine = choose_engine(f);
-    if (engine == Engine::interpolation && interpolate_determinant(f.a, f.m, k_plain, det) == Interpolated::done) return;
+    if (engine == Engine::interpolation &&
+        interpolate_determinant(f.a, f.m, k_plain, det) == Interpolated::done)
+        return;
     if (engine == Engine::minors)
         small_determ(f.a, f.m, f.m, det);
     else
@@ -210,7 +212,8 @@ bool interpolation_is_on() { return rat_det_method_cut == 1 && detcutoff < 0; }
 
 static int64_t size_in_bits(const number* x) {
     int32_t top = x->head->value;
-    return int64_t{k_digit_bits} * (x->size - 1) + std::bit_width(static_cast<uint32_t>(top < 0 ? -top : top));
+    return int64_t{k_digit_bits} * (x->size - 1) +
+           std::bit_width(static_cast<uint32_t>(top < 0 ? -top : top));
 }
 
 /// The sum of the sizes of the entries exceeds the limit.
@@ -237,10 +240,12 @@ static bool interpolate_by_switch(const Functions& f, const DeterminantRequest& 
     if (verbose && (request.power > 1 || request.power < -1))
         printf("Warning: power argument (fifth) is ignored when matrix is not sparse.\n");
     DeterminantRequest used = {.fct = request.fct, .degree = request.degree, .fault = request.fault};
-    return modularmode ? mod_poly_determ(f.a, f.m, used, laurent, det) : rat_poly_determ(f.a, f.m, used, laurent, det);
+    return modularmode ? mod_poly_determ(f.a, f.m, used, laurent, det)
+                       : rat_poly_determ(f.a, f.m, used, laurent, det);
 }
 
-static void determinant_of_functions(const quoly* a, const DeterminantRequest& request, int32_t m, quolyptr det) {
+static void determinant_of_functions(const quoly* a, const DeterminantRequest& request, int32_t m,
+                                     quolyptr det) {
     ScratchMark mark = scratch_mark();
     Functions f = {copy_elements(a, int64_t{m} * m), m, true, false};
     survey(f);

@@ -21,6 +21,9 @@ namespace tolvex {
 /// *det held is given back.
 void dense_determinant(const quoly* a, int32_t m, const DeterminantRequest& request, quolyptr det);
 inline void dense_determinant(const quoly* a, int32_t m, quolyptr det) { dense_determinant(a, m, {}, det); }
+/// About the nanoseconds of a determinant of m rows of functions without denominators like those of a, n by n,
+/// without interpolation: by minors.
+double determinant_work(const quoly* a, int32_t m, int32_t n);
 /// True if the interpolation route is open by the switches.
 bool interpolation_is_on();
 }  // namespace tolvex

@@ -1,5 +1,6 @@
 #include "matrix/interpolated.h"
 
+#include "matrix/int_entries.h"
 #include "matrix/poly_matrix.h"
 #include "numbers/num_divide.h"
 #include "numbers/primes.h"
@@ -17,8 +18,8 @@ namespace tolvex {
 namespace {
 constexpr int64_t k_most_points = int64_t{1} << 22;
 constexpr int64_t k_most_digits = int64_t{1} << 28;  // words of all coefficients together
-constexpr uint32_t k_first_prime = (1u << 23) - 15;  // the largest below 2^23: images are fastest up to there
 constexpr int32_t k_probes = 3;
+constexpr InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
 
 /// One determinant under way.
 struct Work {
@@ -26,7 +27,8 @@ struct Work {
     const InterpolationPlan* plan;
     PolyMatrix m;
     Lattice l;
-    PackPlan out;       // the determinant's exponents
+    bool adjoint;       // all elements of the adjoint are wanted
+    PackPlan out;       // the result's exponents
     int64_t* index;     // of the terms of the lattice, falling
     int64_t* position;  // where in the lattice each of them stands
     PackTerms image;
@@ -48,20 +50,23 @@ static void take_promised_degrees(Work& w) {
     }
 }
 
+static int64_t results(const Work& w) { return w.adjoint ? int64_t{w.m.n} * w.m.n : 1; }
+
 /// out, index and position: the lattice in the order of terms.
 static bool arrange_terms(Work& w) {
     const PolyMatrix& m = w.m;
     int32_t low[k_levels], high[k_levels];
     int64_t weight[k_lattice_vars] = {};
-    for (int32_t i = 0; i < m.levels; i++) low[i] = high[i] = m.low[i] * m.n;
+    for (int32_t i = 0; i < m.levels; i++) low[i] = high[i] = m.low[i] * (w.adjoint ? m.n - 1 : m.n);
     for (int32_t v = 0; v < m.vars; v++) high[m.level[v]] += w.l.degree[v];
-    if (!pack_plan(low, high, m.levels, &w.out)) return false;
+    if (!pack_plan(low, high, m.levels, &w.out) || w.out.box > (int64_t{1} << 61) / results(w)) return false;
     for (int32_t v = 0; v < m.vars; v++)
         for (int32_t k = 0; k < w.out.count; k++)
             if (w.out.level[k] == m.level[v]) weight[v] = w.out.weight[k];
     w.index = scratch_array<int64_t>(w.l.count);
     w.position = scratch_array<int64_t>(w.l.count);
-    w.image = {0, scratch_array<int64_t>(w.l.count), {scratch_array<uint32_t>(w.l.count)}};
+    int64_t terms = results(w) * w.l.count;
+    w.image = {0, scratch_array<int64_t>(terms), {scratch_array<uint32_t>(terms)}};
     ScratchMark mark = scratch_mark();
     auto* at = scratch_array<int64_t>(w.l.count);
     int32_t exp[k_lattice_vars] = {};
@@ -89,7 +94,12 @@ static bool arrange_terms(Work& w) {
 
 /// Matrix, lattice and order of terms. w.m.zero: the determinant is 0.
 static bool prepare(Work& w, int32_t n) {
-    if (!make_poly_matrix(&w.m, w.a, n, w.plan->divisor, w.plan->root > 1)) return false;
+    PolyPurpose purpose = w.adjoint          ? PolyPurpose::adjoint
+                          : w.plan->root > 1 ? PolyPurpose::root
+                                             : PolyPurpose::determinant;
+    if (!make_poly_matrix(&w.m, w.a, n, w.plan->divisor, purpose)) return false;
+    if (w.adjoint)
+        return make_lattice(&w.l, w.m.minor_degree, w.m.vars, w.m.minor_total, k_most_points / results(w));
     take_promised_degrees(w);
     int32_t degree[k_lattice_vars];
     for (int32_t v = 0; v < w.m.vars; v++) degree[v] = w.m.degree[v] / w.plan->root;
@@ -116,7 +126,8 @@ static double log_norm(const number* const* leaf, int64_t count) {
         if (lintmode)
             v = leaf[t]->lint;
         else
-            for (const numnode* d = leaf[t]->head; d != nullptr; d = d->next) v = v * k_base + std::abs(d->value);
+            for (const numnode* d = leaf[t]->head; d != nullptr; d = d->next)
+                v = v * k_base + std::abs(d->value);
         sum += v;
     }
     return std::log2(sum) + 1e-9;
@@ -128,6 +139,7 @@ static double hadamard_bits(const double* norm, int32_t n, int64_t line_step, in
     for (int64_t line = 0; line < n; line++) {
         double most = -1, sum = 0;
         for (int64_t k = 0; k < n; k++) most = std::max(most, norm[line * line_step + k * step]);
+        if (most < 0) continue;  // a line of zeros: minors without it
         for (int64_t k = 0; k < n; k++) {
             double v = norm[line * line_step + k * step];
             if (v >= 0) sum += std::exp2(2 * (v - most));
@@ -171,16 +183,18 @@ static uint64_t root_exponent(int32_t root, uint32_t p) {
     return 0;
 }
 
-/// w.image := the determinant over f.
+/// w.image := the determinant over f; of elements of the adjoint, one box of exponents after the other.
 static bool image_over(Work& w, PolyImages& i, const WordField& f) {
     if (i.root_exponent == 0 || !interpolate_image(&i, f)) return false;
     w.image.count = 0;
-    for (int64_t k = 0; k < w.l.count; k++) {
-        uint32_t v = i.value[w.position[k]];
-        if (v == 0) continue;
-        w.image.index[w.image.count] = w.index[k];
-        w.image.residue[w.image.count++] = v;
-    }
+    int64_t count = results(w);
+    for (int64_t e = 0; e < count; e++)
+        for (int64_t k = 0; k < w.l.count; k++) {
+            uint32_t v = i.value[e * w.l.count + w.position[k]];
+            if (v == 0) continue;
+            w.image.index[w.image.count] = (count - 1 - e) * w.out.box + w.index[k];
+            w.image.residue[w.image.count++] = v;
+        }
     return true;
 }
 
@@ -209,7 +223,7 @@ static bool probe_image(Work& w, const WordField& f) {
     Lattice l;
     make_lattice(&l, none, w.m.vars, 0, 2);
     PolyImages probe;
-    open_images(&probe, &w.m, &l);
+    open_images(&probe, &w.m, &l, false);
     bool good = true;
     for (int32_t k = 0; good && k < k_probes; k++) {
         if (!interpolate_image(&probe, f)) break;
@@ -228,7 +242,7 @@ static void give_determinant(quolyptr det, poly p) {
 static Interpolated over_field(Work& w, quolyptr det) {
     WordField f = word_field_ring();
     PolyImages i;
-    open_images(&i, &w.m, &w.l);
+    open_images(&i, &w.m, &w.l, false);
     i.root_exponent = f.table ? w.plan->root == 1 : root_exponent(w.plan->root, f.p);
     if (!image_over(w, i, f)) return Interpolated::declined;
     if (w.plan->probe && !probe_image(w, f)) return Interpolated::broken_promise;
@@ -237,12 +251,6 @@ static Interpolated over_field(Work& w, quolyptr det) {
 }
 
 // ---- primes --------------------------------------------------------------------------------------------
-
-static uint32_t prime_below(uint32_t p) {
-    do p -= 2;
-    while (!is_prime(static_cast<int32_t>(p)));
-    return p;
-}
 
 /// The primes that are combined where their number is fixed: of 16 bits.
 static uint32_t listed_prime(int32_t k, int32_t rows) {
@@ -265,9 +273,10 @@ static void reduce_terms(Work& w, CrtTerms& t, uint32_t m) {
     }
 }
 
-static void give_combined(Work& w, CrtTerms& t, quolyptr det) {
+/// Terms that some images had and the value has not.
+static void drop_zeros(CrtTerms& t) {
     int64_t out = 0;
-    for (int64_t k = 0; k < t.count; k++) {  // terms that some images had and the value has not
+    for (int64_t k = 0; k < t.count; k++) {
         bool zero = std::all_of(t.digit + k * t.capacity, t.digit + k * t.capacity + t.primes,
                                 [](uint32_t d) { return d == 0; });
         if (zero) continue;
@@ -275,6 +284,10 @@ static void give_combined(Work& w, CrtTerms& t, quolyptr det) {
         std::copy_n(t.digit + k * t.capacity, t.primes, t.digit + out++ * t.capacity);
     }
     t.count = out;
+}
+
+static void give_combined(Work& w, CrtTerms& t, quolyptr det) {
+    drop_zeros(t);
     if (!modularmode)
         return give_determinant(det, pack_tree(w.out, nullptr, t.index, t.count, leaf_of_crt, &t));
     reduce_terms(w, t, static_cast<uint32_t>(modulus));
@@ -286,16 +299,16 @@ static Interpolated over_primes(Work& w, quolyptr det) {
     auto needed = static_cast<int64_t>(bits / 22.9) + 2;
     if (needed * w.l.count > k_most_digits) return Interpolated::declined;
     PolyImages i;
-    open_images(&i, &w.m, &w.l);
+    open_images(&i, &w.m, &w.l, false);
     CrtTerms t = crt_open(static_cast<int32_t>(std::max<int64_t>(needed, w.plan->images + 1)));
     int32_t fixed = w.plan->images, quiet = 0, taken = 0;
-    uint32_t p = k_first_prime;
+    uint32_t p = k_first_image_prime;
     for (int32_t k = 0; fixed > 0 ? taken < fixed : have <= bits; k++) {
         if (fixed > 0) p = listed_prime(k, w.m.n);
         if (p < 3) return Interpolated::declined;
         WordField f = word_field_prime(p);
         i.root_exponent = root_exponent(w.plan->root, p);
-        if (fixed == 0) p = prime_below(p);
+        if (fixed == 0) p = image_prime_below(p);
         if (i.root_exponent == 0) continue;
         if (!image_over(w, i, f)) return Interpolated::declined;
         if (w.plan->probe && fixed > 0 && !probe_image(w, f)) return Interpolated::broken_promise;
@@ -306,7 +319,8 @@ static Interpolated over_primes(Work& w, quolyptr det) {
         // one image 0 after another says less than a coefficient that stays
         if (w.plan->one_confirms && quiet >= (t.count > 0 ? 1 : 2)) break;
     }
-    if (w.plan->probe && fixed == 0) {  // modulo another prime: what divides modulo one need not divide over Z
+    if (w.plan->probe &&
+        fixed == 0) {  // modulo another prime: what divides modulo one need not divide over Z
         reduce_terms(w, t, p);
         if (!probe_image(w, word_field_prime(p))) return Interpolated::broken_promise;
     }
@@ -316,7 +330,9 @@ static Interpolated over_primes(Work& w, quolyptr det) {
 
 // ---- the whole -----------------------------------------------------------------------------------------
 
+/// True over Z.
 static bool field_is_large_enough(const Work& w) {
+    if (over_integers()) return true;
     for (int32_t v = 0; v < w.m.vars; v++)
         if (w.l.degree[v] >= modulus) return false;
     return true;
@@ -353,21 +369,94 @@ Interpolated interpolate_determinant(const quoly* a, int32_t n, const Interpolat
     return outcome;
 }
 
-double interpolation_work(const quoly* a, int32_t n) {
-    constexpr double k_term = 4, k_product = 0.6, k_element = 8, k_step = 8;
-    static const InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
+// ---- adjoints ------------------------------------------------------------------------------------------
+
+namespace {
+/// The terms of one element among those of all.
+struct Part {
+    void* terms;
+    int64_t from;
+};
+}  // namespace
+
+static void leaf_of_part(void* source, int64_t i, imptr leaf) {
+    const Part& p = *static_cast<Part*>(source);
+    (lintmode ? leaf_of_residue : leaf_of_crt)(p.terms, p.from + i, leaf);
+}
+
+/// adj[row + column n] := the elements, whose terms are those of w.image, or of t.
+static void give_elements(Work& w, CrtTerms* t, quoly* adj) {
+    int64_t count = results(w), total = t != nullptr ? t->count : w.image.count, n = w.m.n;
+    int64_t *index = t != nullptr ? t->index : w.image.index, at = 0;
+    Part part = {t != nullptr ? static_cast<void*>(t) : &w.image, 0};
+    for (int64_t e = 0; e < count; e++) {
+        part.from = at;
+        int64_t base = (count - 1 - e) * w.out.box;
+        for (; at < total && index[at] >= base; at++) index[at] -= base;
+        poly p = pack_tree(w.out, nullptr, index + part.from, at - part.from, leaf_of_part, &part);
+        poly_to_quoly(&p, &adj[e / n + e % n * n]);
+        poll_interrupt();
+    }
+}
+
+static bool adjoint_over_field(Work& w, quoly* adj) {
+    PolyImages i;
+    open_images(&i, &w.m, &w.l, true);
+    if (!image_over(w, i, word_field_ring())) return false;
+    give_elements(w, nullptr, adj);
+    return true;
+}
+
+static bool adjoint_over_primes(Work& w, quoly* adj) {
+    double bits = coefficient_bits(w), have = 0;
+    auto needed = static_cast<int64_t>(bits / 22.9) + 2;
+    if (needed * w.l.count * results(w) > k_most_digits) return false;
+    PolyImages i;
+    open_images(&i, &w.m, &w.l, true);
+    CrtTerms t = crt_open(static_cast<int32_t>(needed));
+    for (uint32_t p = k_first_image_prime; have <= bits; p = image_prime_below(p)) {
+        WordField f = word_field_prime(p);
+        if (!image_over(w, i, f)) return false;
+        bool grown;
+        crt_add(&t, w.image, f, &grown);
+        have += std::log2(p);
+    }
+    drop_zeros(t);
+    give_elements(w, &t, adj);
+    return true;
+}
+
+bool interpolate_adjoint(const quoly* a, int32_t n, quoly* adj) {
+    if (modularmode && !finf && !mod_is_prime) return false;
     ScratchMark mark = scratch_mark();
     Work w = {};
     w.a = a;
+    w.adjoint = true;
+    w.plan = &k_plain;
+    bool done = prepare(w, n) && field_is_large_enough(w) && arrange_terms(w) &&
+                (modularmode ? adjoint_over_field(w, adj) : adjoint_over_primes(w, adj));
+    scratch_release(mark);
+    return done;
+}
+
+// ---- estimates -----------------------------------------------------------------------------------------
+
+double interpolation_work(const quoly* a, int32_t n, bool adjoint) {
+    constexpr double k_term = 4, k_product = 0.6, k_adjoint_product = 5, k_element = 8, k_step = 8;
+    ScratchMark mark = scratch_mark();
+    Work w = {};
+    w.a = a;
+    w.adjoint = adjoint;
     w.plan = &k_plain;
     double work = -1;
     if (prepare(w, n)) {
-        double images = over_integers() || !field_is_large_enough(w) ? coefficient_bits(w) / 22.9 + 1 : 1;
-        double points = static_cast<double>(w.l.count), side = n, steps = 0;
+        bool images_over_z = over_integers() || !field_is_large_enough(w);
+        double images = images_over_z ? coefficient_bits(w) / 22.9 + 1 : 1, side = n, steps = 0;
         for (int32_t v = 0; v < w.m.vars; v++) steps += w.l.degree[v];
-        double a_point = side * side * side / 3 * k_product + side * side * k_element + steps * k_step +
+        double one = adjoint ? side * side * side * k_adjoint_product : side * side * side / 3 * k_product;
+        double a_point = one + side * side * k_element + static_cast<double>(results(w)) * steps * k_step +
                          static_cast<double>(w.m.stage[w.m.vars - 1].count) * k_term;
-        work = images * points * a_point;
+        work = images * static_cast<double>(w.l.count) * a_point;
         if (finf && !field_is_large_enough(w)) work = -1;
     } else if (w.m.zero) {
         work = 0;

@@ -16,10 +16,10 @@
 #include <numeric>
 namespace tolvex {
 namespace {
-constexpr int32_t k_most_sparse_rows = 65535;    // of the method as such
-constexpr int32_t k_most_interpolated = 1500;    // rows whose images are kept as whole matrices
-constexpr uint32_t k_large_field = 1u << 20;     // elements from which on a few points test a promise
-int32_t neg_exponent_warning = 0;                // warnings given
+constexpr int32_t k_most_sparse_rows = 65535;  // of the method as such
+constexpr int32_t k_most_interpolated = 1500;  // rows whose images are kept as whole matrices
+constexpr uint32_t k_large_field = 1u << 20;   // elements from which on a few points test a promise
+int32_t neg_exponent_warning = 0;              // warnings given
 }  // namespace
 
 // ---- which matrices ------------------------------------------------------------------------------------
@@ -79,7 +79,8 @@ static bool vanishes_everywhere(const polynode* fct) {
         uint32_t sum = 0;
         for (const polynode* t = fct; t != nullptr; t = t->next) {
             const number* c = t->numb ? t->ncoef : t->pcoef->ncoef;
-            sum = wf_add(f, sum, wf_mul(f, wf_of_number(f, c), wf_power(f, x, static_cast<uint64_t>(t->exp))));
+            sum =
+                wf_add(f, sum, wf_mul(f, wf_of_number(f, c), wf_power(f, x, static_cast<uint64_t>(t->exp))));
         }
         if (sum != 0) return false;
         poll_interrupt();
@@ -123,15 +124,17 @@ static void take_reduced_variables(quoly q, int32_t k) {
 // ---- the route -----------------------------------------------------------------------------------------
 
 /// The determinant of entries without divisor, tower and negative exponents.
-static bool interpolate(const quoly* a, int32_t m, const DeterminantRequest& request, int32_t root, const char* head,
-                        quolyptr q) {
+static bool interpolate(const quoly* a, int32_t m, const DeterminantRequest& request, int32_t root,
+                        const char* head, quolyptr q) {
     bool large = !modularmode || (!finf && static_cast<uint32_t>(modulus) >= k_large_field);
     bool used = large && request.fct != nullptr && !is_number(request.fct);
-    InterpolationPlan plan = {used ? request.fct : nullptr, request.degree, request.degree2, root,
-                              request.numprimes,             true,           true,            verbose ? head : nullptr};
+    InterpolationPlan plan = {
+        used ? request.fct : nullptr, request.degree, request.degree2, root, request.numprimes, true, true,
+        verbose ? head : nullptr};
     if (request.fct != nullptr && !large) plan.degree = plan.degree2 = -1;
-    Interpolated outcome = plan.divisor != nullptr || root == 1 || large ? interpolate_determinant(a, m, plan, q)
-                                                                         : Interpolated::broken_promise;
+    Interpolated outcome = plan.divisor != nullptr || root == 1 || large
+                               ? interpolate_determinant(a, m, plan, q)
+                               : Interpolated::broken_promise;
     if (outcome == Interpolated::done) {
         if (plan.divisor == nullptr) divide_fct(q, request);
         return true;
@@ -143,8 +146,8 @@ static bool interpolate(const quoly* a, int32_t m, const DeterminantRequest& req
 }
 
 /// What all matrices have to pass.
-static bool route(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent, int32_t root,
-                  const char* head, quolyptr q) {
+static bool route(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
+                  int32_t root, const char* head, quolyptr q) {
     int64_t count = int64_t{m} * m;
     if (meets_tower(a, count)) return false;
     if (check_laurent && has_negative_entry(a, count)) {
@@ -160,11 +163,13 @@ static bool route(const quoly* a, int32_t m, const DeterminantRequest& request, 
     return interpolate(a, m, request, root, head, q);
 }
 
-bool mod_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent, quolyptr q) {
+bool mod_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
+                     quolyptr q) {
     return route(a, m, request, check_laurent, 1, "LaGrange interpolation, degree ", q);
 }
 
-bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent, quolyptr q) {
+bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
+                     quolyptr q) {
     if (verbose) dumpitt("LaGrange interpolation over Z, rows ", m, true, false, false);
     return route(a, m, request, check_laurent, 1, "LaGrange interpolation, degree ", q);
 }

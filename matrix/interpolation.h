@@ -15,18 +15,20 @@
 namespace tolvex {
 /// What has been asked of a determinant beside its matrix.
 struct DeterminantRequest {
-    const polynode* fct = nullptr;       // a polynomial other than 0 that it is divided by
-    int32_t degree = -1, degree2 = -1;   // bounds in its first two variables, divisor included; -1: none
-    int32_t power = -1;                  // k > 1: it is a k-th power, the base is wanted; -k < -1: a polynomial
-                                         // in k-th powers of the variables, which are to be replaced
-    int32_t numprimes = 0;               // over Z so many primes decide, 0: as many as are needed
-    Err* fault = nullptr;                // nil only without fct
+    const polynode* fct = nullptr;      // a polynomial other than 0 that it is divided by
+    int32_t degree = -1, degree2 = -1;  // bounds in its first two variables, divisor included; -1: none
+    int32_t power = -1;     // k > 1: it is a k-th power, the base is wanted; -k < -1: a polynomial
+                            // in k-th powers of the variables, which are to be replaced
+    int32_t numprimes = 0;  // over Z so many primes decide, 0: as many as are needed
+    Err* fault = nullptr;   // nil only without fct
 };
 /// *q := the determinant of the m by m matrix a, column by column, divided by request.fct: modulo a prime or in a
 /// table field, and over Z. Power is ignored. check_laurent: negative exponents are looked for. False: no
 /// result, *q as it was.
-bool mod_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent, quolyptr q);
-bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent, quolyptr q);
+bool mod_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
+                     quolyptr q);
+bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
+                     quolyptr q);
 /// The same for a sparse matrix over either ground ring; power counts.
 bool sparse_lagrange(sparseptr spar, int32_t m, const DeterminantRequest& request, quolyptr q);
 /// *n := *n / request.fct, if there is one.

@@ -25,12 +25,14 @@ template <bool wide> INTO_CLONES void reduce_lanes(double* __restrict x, FloatMo
     for (int32_t l = 0; l < k_lanes; l++) x[l] = float_sum_rest(x[l], m);
 }
 
-template <bool wide> INTO_CLONES void multiply_lanes(double* __restrict x, const double* __restrict y, FloatModulus m) {
+template <bool wide>
+INTO_CLONES void multiply_lanes(double* __restrict x, const double* __restrict y, FloatModulus m) {
     for (int32_t l = 0; l < k_lanes; l++) x[l] = times<wide>(x[l], y[l], m);
 }
 
 /// inverse := the power p - 2 of x.
-template <bool wide> INTO_CLONES void invert_lanes(const double* x, uint32_t p, FloatModulus m, double* inverse) {
+template <bool wide>
+INTO_CLONES void invert_lanes(const double* x, uint32_t p, FloatModulus m, double* inverse) {
     for (int32_t l = 0; l < k_lanes; l++) inverse[l] = x[l];
     uint32_t e = p - 2;
     for (int32_t bit = e > 1 ? 30 - __builtin_clz(e) : -1; bit >= 0; bit--) {
@@ -41,8 +43,8 @@ template <bool wide> INTO_CLONES void invert_lanes(const double* x, uint32_t p, 
 
 /// row := row - factor * pivot, entry by entry; entries are 16 numbers.
 template <bool wide>
-INTO_CLONES void subtract_lanes(double* __restrict row, const double* __restrict pivot, const double* __restrict factor,
-                           int32_t entries, FloatModulus m) {
+INTO_CLONES void subtract_lanes(double* __restrict row, const double* __restrict pivot,
+                                const double* __restrict factor, int32_t entries, FloatModulus m) {
     for (int32_t c = 0; c < entries; c++)
         for (int32_t l = 0; l < k_lanes; l++) {
             double product = factor[l] * pivot[c * k_lanes + l];
@@ -84,8 +86,8 @@ INTO_CLONES uint32_t eliminate(double* a, int32_t n, uint32_t p, FloatModulus m,
 }
 
 template <bool wide>
-INTO_CLONES void add_values(const double* coef, const int32_t* exp, int64_t count, const double* power, FloatModulus m,
-                       double* __restrict sum) {
+INTO_CLONES void add_values(const double* coef, const int32_t* exp, int64_t count, const double* power,
+                            FloatModulus m, double* __restrict sum) {
     for (int32_t l = 0; l < k_lanes; l++) sum[l] = 0;
     for (int64_t t = 0; t < count; t++) {
         const double* __restrict at = power + int64_t{exp[t]} * k_lanes;
@@ -103,12 +105,12 @@ WIDE_VECTORS static uint32_t eliminate_short(double* a, int32_t n, uint32_t p, F
 WIDE_VECTORS static uint32_t eliminate_wide(double* a, int32_t n, uint32_t p, FloatModulus m, double* det) {
     return eliminate<true>(a, n, p, m, det);
 }
-WIDE_VECTORS static void values_short(const double* coef, const int32_t* exp, int64_t count, const double* power,
-                                      FloatModulus m, double* sum) {
+WIDE_VECTORS static void values_short(const double* coef, const int32_t* exp, int64_t count,
+                                      const double* power, FloatModulus m, double* sum) {
     add_values<false>(coef, exp, count, power, m, sum);
 }
-WIDE_VECTORS static void values_wide(const double* coef, const int32_t* exp, int64_t count, const double* power,
-                                     FloatModulus m, double* sum) {
+WIDE_VECTORS static void values_wide(const double* coef, const int32_t* exp, int64_t count,
+                                     const double* power, FloatModulus m, double* sum) {
     add_values<true>(coef, exp, count, power, m, sum);
 }
 
@@ -120,8 +122,8 @@ uint32_t lane_determinants(const WordField& f, double* a, int32_t n, uint32_t* d
     return zeros;
 }
 
-void lane_values(const WordField& f, const double* coef, const int32_t* exp, int64_t count, const double* power,
-                 double* sum) {
+void lane_values(const WordField& f, const double* coef, const int32_t* exp, int64_t count,
+                 const double* power, double* sum) {
     (f.p < k_sum_modulus ? values_short : values_wide)(coef, exp, count, power, float_modulus(f.p), sum);
 }
 

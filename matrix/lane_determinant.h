@@ -17,8 +17,8 @@ inline constexpr int32_t k_most_lane_rows = 20;
 uint32_t lane_determinants(const WordField& f, double* a, int32_t n, uint32_t* det);
 /// sum[l] := the sum of coef[t] times power[exp[t] 16 + l] over t < count, of absolute value below 2^51;
 /// coefficients and powers of absolute value at most p / 2.
-void lane_values(const WordField& f, const double* coef, const int32_t* exp, int64_t count, const double* power,
-                 double* sum);
+void lane_values(const WordField& f, const double* coef, const int32_t* exp, int64_t count,
+                 const double* power, double* sum);
 /// power[e 16 + l] := the power e of point[l], e = 0..most.
 void lane_powers(const WordField& f, const uint32_t* point, int32_t most, double* power);
 /// A residue as the number of least absolute value.

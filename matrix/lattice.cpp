@@ -43,8 +43,8 @@ struct Interpolation {
 /// run(small, big, count) for the runs of neighbours that two parts of a line have in common, variables from
 /// `var` on: the exponents of the part with the smaller budget.
 template <class Run>
-static void common_runs(const Lattice& l, int32_t var, int32_t budget, uint32_t* small, int32_t more, uint32_t* big,
-                        Run run) {
+static void common_runs(const Lattice& l, int32_t var, int32_t budget, uint32_t* small, int32_t more,
+                        uint32_t* big, Run run) {
     if (var >= l.vars - 1) {
         run(small, big, var == l.vars ? 1 : lattice_reach(l, var, budget) + 1);
         return;
@@ -77,7 +77,8 @@ static void divide_line(const Interpolation& n, int32_t var, int32_t budget, uin
             uint32_t c = inverse_difference(n, k, j);
             common_runs(*n.l, var + 1, budget - k, line + n.start[k], budget - k + 1, line + n.start[k - 1],
                         [&f, c](uint32_t* x, const uint32_t* before, int32_t count) {
-                            for (int32_t i = 0; i < count; i++) x[i] = wf_mul(f, wf_sub(f, x[i], before[i]), c);
+                            for (int32_t i = 0; i < count; i++)
+                                x[i] = wf_mul(f, wf_sub(f, x[i], before[i]), c);
                         });
         }
         poll_interrupt();
@@ -94,7 +95,8 @@ static void expand_line(const Interpolation& n, int32_t var, int32_t budget, uin
         for (int32_t j = k; minus != 0 && j < reach; j++)
             common_runs(*n.l, var + 1, budget - j - 1, line + n.start[j + 1], budget - j, line + n.start[j],
                         [&f, minus](const uint32_t* next, uint32_t* x, int32_t count) {
-                            for (int32_t i = 0; i < count; i++) x[i] = wf_add(f, x[i], wf_mul(f, next[i], minus));
+                            for (int32_t i = 0; i < count; i++)
+                                x[i] = wf_add(f, x[i], wf_mul(f, next[i], minus));
                         });
         poll_interrupt();
     }
@@ -112,7 +114,8 @@ static void for_lines(const Interpolation& n, int32_t along, int32_t var, int32_
     }
 }
 
-void lattice_interpolate(const Lattice& l, const WordField& f, const uint32_t* const* point, uint32_t* value) {
+void lattice_interpolate(const Lattice& l, const WordField& f, const uint32_t* const* point,
+                         uint32_t* value) {
     ScratchMark mark = scratch_mark();
     int32_t most = 0;
     for (int32_t i = 0; i < l.vars; i++) most = std::max(most, l.degree[i]);

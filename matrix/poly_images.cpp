@@ -1,6 +1,7 @@
 // Values of a matrix at the points of a lattice, their determinants, and the polynomial through these.
 #include "matrix/lane_determinant.h"
 #include "matrix/poly_matrix.h"
+#include "matrix/word_adjoint.h"
 #include "matrix/word_determinant.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
@@ -8,7 +9,7 @@
 #include <algorithm>
 namespace tolvex {
 namespace {
-constexpr int32_t k_most_lane_evaluation = 256;       // rows up to which sixteen images are kept at once
+constexpr int32_t k_most_lane_evaluation = 256;      // rows up to which sixteen images are kept at once
 constexpr int64_t k_powers_kept = int64_t{1} << 20;  // numbers in a table of powers
 }  // namespace
 
@@ -17,13 +18,14 @@ constexpr int64_t k_powers_kept = int64_t{1} << 20;  // numbers in a table of po
 static const PolyStage& last_stage(const PolyMatrix& m) { return m.stage[m.vars - 1]; }
 static int64_t batches(const Lattice& l) { return l.degree[l.vars - 1] / k_lanes + 1; }
 
-void open_images(PolyImages* i, const PolyMatrix* m, const Lattice* l) {
+void open_images(PolyImages* i, const PolyMatrix* m, const Lattice* l, bool adjoint) {
     *i = {};
     i->m = m;
     i->l = l;
+    i->adjoint = adjoint;
     i->root_exponent = 1;
     int64_t size = int64_t{m->n} * m->n;
-    i->value = scratch_array<uint32_t>(l->count);
+    i->value = scratch_array<uint32_t>(adjoint ? l->count * size : l->count);
     i->row_at = scratch_array<int32_t>(m->n);
     for (int32_t v = 0; v < m->vars; v++) {
         i->point[v] = scratch_array<uint32_t>(batches(*l) * k_lanes + l->degree[v]);
@@ -61,7 +63,8 @@ static void order_rows(PolyImages& i) {
         for (int32_t r = k + 1; r < n; r++) {
             uint32_t* at = a + int64_t{row[r]} * n;
             uint32_t minus = wf_neg(f, wf_mul(f, at[k], inverse));
-            for (int32_t c = k; minus != 0 && c < n; c++) at[c] = wf_add(f, at[c], wf_mul(f, minus, pivot[c]));
+            for (int32_t c = k; minus != 0 && c < n; c++)
+                at[c] = wf_add(f, at[c], wf_mul(f, minus, pivot[c]));
         }
     }
     for (int32_t k = 0; k < n; k++) i.row_at[row[k]] = k;
@@ -111,8 +114,8 @@ static void evaluate_words(PolyImages& i, const double* power, int32_t count, ui
     std::fill_n(i.word, size * count, 0);
     for (int64_t e = 0; e < m.entries; e++) {
         double sum[k_lanes];
-        lane_values(i.f, i.coef_lane + m.start[e], last_stage(m).exp + m.start[e], m.start[e + 1] - m.start[e], power,
-                    sum);
+        lane_values(i.f, i.coef_lane + m.start[e], last_stage(m).exp + m.start[e],
+                    m.start[e + 1] - m.start[e], power, sum);
         if (m.place[e] < size) {
             spread_lanes(i, sum, m.place[e], count);
             continue;
@@ -149,7 +152,8 @@ static void small_batch(PolyImages& i, const double* power, int32_t count, uint3
     for (int64_t e = 0; e < m.entries; e++) {
         bool divisor = m.place[e] == size;
         double of_divisor[k_lanes];
-        lane_values(i.f, i.coef_lane + m.start[e], last_stage(m).exp + m.start[e], m.start[e + 1] - m.start[e], power,
+        lane_values(i.f, i.coef_lane + m.start[e], last_stage(m).exp + m.start[e],
+                    m.start[e + 1] - m.start[e], power,
                     divisor ? of_divisor : i.lane + ordered_place(i, e) * k_lanes);
         for (int32_t l = 0; divisor && l < count; l++)
             over[l] = static_cast<uint32_t>(of_divisor[l] < 0 ? of_divisor[l] + i.f.p : of_divisor[l]);
@@ -193,11 +197,14 @@ static bool take_value(const PolyImages& i, uint32_t det, uint32_t over, uint32_
     return true;
 }
 
+static void load_coefficients(PolyImages& i) {
+    const uint32_t* coef = i.coef[i.m->vars - 1];
+    for (int64_t t = 0; t < last_stage(*i.m).count; t++) i.coef_lane[t] = lane_residue(i.f, coef[t]);
+}
+
 /// All points of the last variable. False: the divisor has a zero.
 static bool last_variable(PolyImages& i, int32_t reach, uint32_t* value) {
-    const PolyMatrix& m = *i.m;
-    const PolyStage& s = last_stage(m);
-    for (int64_t t = 0; !i.f.table && t < s.count; t++) i.coef_lane[t] = lane_residue(i.f, i.coef[m.vars - 1][t]);
+    if (!i.f.table) load_coefficients(i);
     for (int32_t first = 0; first <= reach; first += k_lanes) {
         int32_t count = std::min(k_lanes, reach - first + 1);
         uint32_t det[k_lanes], over[k_lanes];
@@ -254,6 +261,33 @@ static bool gather_line(PolyImages& i, int32_t reach, uint32_t* value) {
     return true;
 }
 
+// ---- adjoints ------------------------------------------------------------------------------------------
+
+/// The elements of the adjoint at a point, whose image is given up.
+static void take_adjoint(const PolyImages& i, uint32_t* image, const uint32_t* at) {
+    int64_t size = int64_t{i.m->n} * i.m->n, place = at - i.value;
+    word_adjoint(i.f, image, i.m->n);
+    for (int64_t k = 0; k < size; k++) i.value[k * i.l->count + place] = image[k];
+    poll_interrupt();
+}
+
+/// All points of the last variable; `value` tells where the first element's values stand.
+static bool adjoint_line(PolyImages& i, int32_t reach, const uint32_t* value) {
+    const PolyMatrix& m = *i.m;
+    bool lanes = !i.f.table && m.n <= k_most_lane_evaluation;
+    if (lanes) load_coefficients(i);
+    uint32_t none[k_lanes];
+    for (int32_t first = 0; first <= reach; first += k_lanes) {
+        int32_t count = std::min(k_lanes, reach - first + 1);
+        if (lanes) evaluate_words(i, lane_powers_from(i, first / k_lanes), count, none);
+        for (int32_t l = 0; l < count; l++) {
+            if (!lanes) evaluate_point(i, i.point[m.vars - 1][first + l], i.word, none);
+            take_adjoint(i, lanes ? lane_word(i, l) : i.word, value + first + l);
+        }
+    }
+    return true;
+}
+
 // ---- the other variables -------------------------------------------------------------------------------
 
 /// The terms of the next stage at the point x of variable v.
@@ -273,6 +307,7 @@ static void put_value(PolyImages& i, int32_t v, uint32_t x) {
 
 static bool part_of_lattice(PolyImages& i, int32_t v, int32_t budget, uint32_t* value) {
     int32_t reach = lattice_reach(*i.l, v, budget);
+    if (v == i.m->vars - 1 && i.adjoint) return adjoint_line(i, reach, value);
     if (v == i.m->vars - 1) return i.gathers ? gather_line(i, reach, value) : last_variable(i, reach, value);
     for (int32_t a = 0; a <= reach; a++) {
         put_value(i, v, i.point[v][a]);
@@ -317,7 +352,7 @@ bool interpolate_image(PolyImages* i, const WordField& f) {
     constexpr int32_t k_tries = 10;
     i->f = f;
     i->ordered = false;
-    i->gathers = !f.table && i->m->n <= k_most_lane_rows && lines_are_short(*i->l);
+    i->gathers = !i->adjoint && !f.table && i->m->n <= k_most_lane_rows && lines_are_short(*i->l);
     for (int32_t v = 0; v < i->m->vars; v++)
         if (static_cast<uint32_t>(i->l->degree[v]) >= f.p) return false;
     read_numbers(*i);
@@ -326,7 +361,9 @@ bool interpolate_image(PolyImages* i, const WordField& f) {
         i->power_batch = -1;
         i->gathered = 0;
         if (!part_of_lattice(*i, 0, i->l->total, i->value) || !flush_gathered(*i)) continue;
-        lattice_interpolate(*i->l, f, i->point, i->value);
+        int64_t results = i->adjoint ? int64_t{i->m->n} * i->m->n : 1;
+        for (int64_t e = 0; e < results; e++)
+            lattice_interpolate(*i->l, f, i->point, i->value + e * i->l->count);
         return true;
     }
     return false;

@@ -15,13 +15,14 @@ struct Reading {
     PolyMatrix* m;
     const quoly* a;
     const polynode* divisor;
-    bool whole;
+    bool whole, adjoint;
     PackMeasure* measure;  // by entry
     int32_t high[k_levels];
     PackPlan plan;
-    PackTerms* packed;              // by entry
-    int64_t degree_of[k_levels];    // by level of the plan: of the determinant
-    int32_t order[k_lattice_vars];  // variable -> level of the plan
+    PackTerms* packed;            // by entry
+    int64_t degree_of[k_levels];  // by level of the plan: of the determinant
+    int64_t minor_degree_of[k_levels];
+    int32_t order[k_lattice_vars];   // variable -> level of the plan
     int64_t weight[k_lattice_vars];  // of the variables, in keys
 };
 }  // namespace
@@ -35,7 +36,9 @@ static const polynode* poly_of_entry(const Reading& r, int64_t e) {
     return q->numb ? nullptr : q->numer;
 }
 
-static bool is_zero(const quolynode* q) { return q->numb && (lintmode ? q->ncoef->lint == 0 : q->ncoef->head->value == 0); }
+static bool is_zero(const quolynode* q) {
+    return q->numb && (lintmode ? q->ncoef->lint == 0 : q->ncoef->head->value == 0);
+}
 
 static void list_entries(Reading& r) {
     PolyMatrix& m = *r.m;
@@ -71,7 +74,8 @@ static bool survey(Reading& r) {
         }
         if (r.whole && m.low[i] < 0) return false;
         if (r.whole) m.low[i] = 0;
-        if (int64_t{r.high[i]} - m.low[i] >= k_widest / m.n || -int64_t{m.low[i]} >= k_widest / m.n) return false;
+        if (int64_t{r.high[i]} - m.low[i] >= k_widest / m.n || -int64_t{m.low[i]} >= k_widest / m.n)
+            return false;
     }
     return pack_plan(m.low, r.high, m.levels, &r.plan) && r.plan.count >= 1 && r.plan.count <= k_lattice_vars;
 }
@@ -86,14 +90,33 @@ static void read_terms(Reading& r) {
         } else {
             r.packed[e] = {1, scratch_array<int64_t>(1), {.leaf = scratch_array<const number*>(1)}};
             r.packed[e].index[0] = 0;
-            for (int32_t k = 0; k < r.plan.count; k++) r.packed[e].index[0] -= r.plan.low[k] * r.plan.weight[k];
+            for (int32_t k = 0; k < r.plan.count; k++)
+                r.packed[e].index[0] -= r.plan.low[k] * r.plan.weight[k];
             r.packed[e].leaf[0] = r.a[m.place[e] / m.n + m.place[e] % m.n * m.n]->ncoef;
         }
         m.terms += r.packed[e].count;
     }
 }
 
-static int64_t digit_of(const PackPlan& plan, int32_t k, int64_t index) { return index / plan.weight[k] % plan.radix[k]; }
+static int64_t digit_of(const PackPlan& plan, int32_t k, int64_t index) {
+    return index / plan.weight[k] % plan.radix[k];
+}
+
+/// The degree of minors of n - 1 rows, at most: the greatest of each row, or column, but for the least of these.
+static int64_t minor_degree(const int64_t* degree, int64_t n) {
+    int64_t bound = INT64_MAX;
+    for (int64_t step : {int64_t{1}, n}) {
+        int64_t sum = 0, least = INT64_MAX;
+        for (int64_t line = 0; line < n; line++) {
+            int64_t most = 0;
+            for (int64_t k = 0; k < n; k++) most = std::max(most, degree[line * (n + 1 - step) + k * step]);
+            sum += most;
+            least = std::min(least, most);
+        }
+        bound = std::min(bound, sum - least);
+    }
+    return bound;
+}
 
 /// The degrees of all entries, then of the determinant. False: it is 0, or of lower degree than the divisor.
 static bool bound_degrees(Reading& r) {
@@ -113,9 +136,11 @@ static bool bound_degrees(Reading& r) {
                     for (int32_t i = 0; i < k; i++) d += digit_of(r.plan, i, index);
                 degree[m.place[e]] = std::max(degree[m.place[e]], d);
             }
+        (k < r.plan.count ? r.minor_degree_of[k] : m.minor_total) = minor_degree(degree, m.n);
         int64_t d = greatest_assignment(degree, m.n);
         m.zero = d == k_no_degree;
-        good = !m.zero && (!m.divided || d >= degree[count]);
+        if (m.zero) d = 0;
+        good = (!m.zero || r.adjoint) && (!m.divided || d >= degree[count]);
         if (!good) break;
         if (m.divided) d -= degree[count];
         good = d < k_widest;
@@ -139,11 +164,13 @@ static void order_variables(Reading& r) {
     PolyMatrix& m = *r.m;
     m.vars = r.plan.count;
     std::iota(r.order, r.order + m.vars, 0);
-    std::stable_sort(r.order, r.order + m.vars, [&r](int32_t x, int32_t y) { return r.degree_of[x] < r.degree_of[y]; });
+    std::stable_sort(r.order, r.order + m.vars,
+                     [&r](int32_t x, int32_t y) { return r.degree_of[x] < r.degree_of[y]; });
     int64_t weight = 1;
     for (int32_t v = m.vars - 1; v >= 0; v--) {
         m.level[v] = r.plan.level[r.order[v]];
         m.degree[v] = static_cast<int32_t>(r.degree_of[r.order[v]]);
+        m.minor_degree[v] = static_cast<int32_t>(r.minor_degree_of[r.order[v]]);
         r.weight[v] = weight;
         weight *= r.plan.radix[r.order[v]];
     }
@@ -165,7 +192,8 @@ static void key_terms(Reading& r, int64_t* keys) {
             for (int32_t v = 0; v < m.vars; v++)
                 keyed[at].key += digit_of(r.plan, r.order[v], r.packed[e].index[t]) * r.weight[v];
         }
-        std::sort(keyed + m.start[e], keyed + at, [](const KeyedTerm& x, const KeyedTerm& y) { return x.key > y.key; });
+        std::sort(keyed + m.start[e], keyed + at,
+                  [](const KeyedTerm& x, const KeyedTerm& y) { return x.key > y.key; });
         poll_interrupt();
     }
     m.start[m.entries] = at;
@@ -211,14 +239,16 @@ static void make_stage(Reading& r, int32_t v, int64_t* keys) {
     scratch_release(mark);
 }
 
-bool make_poly_matrix(PolyMatrix* m, const quoly* a, int32_t n, const polynode* divisor, bool whole) {
+bool make_poly_matrix(PolyMatrix* m, const quoly* a, int32_t n, const polynode* divisor,
+                      PolyPurpose purpose) {
     *m = {};
     m->n = n;
     Reading r = {};
     r.m = m;
     r.a = a;
     r.divisor = divisor;
-    r.whole = whole || divisor != nullptr;
+    r.whole = purpose == PolyPurpose::root || divisor != nullptr;
+    r.adjoint = purpose == PolyPurpose::adjoint;
     list_entries(r);
     if (!survey(r)) return false;
     read_terms(r);
