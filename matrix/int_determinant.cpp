@@ -133,6 +133,18 @@ void int_determinant(const number* const* entries, int32_t n, imptr det) {
     scratch_release(mark);
 }
 
+IntEntry entry_determinant(const IntEntry* entries, int32_t n) {
+    number value = {};
+    ScratchMark mark = scratch_mark();
+    IntMatrix m = {scratch_array<IntEntry>(int64_t{n} * n), n};
+    std::copy_n(entries, int64_t{n} * n, m.entries);
+    determinant_of(m, &value);
+    scratch_release(mark);
+    IntEntry det = int_entry(&value);
+    special_free(&value);
+    return det;
+}
+
 // ---- rational entries ----------------------------------------------------------------------------------
 
 /// The n entries of a line times the least common multiple of their denominators, which is returned.

@@ -8,8 +8,7 @@
 /// Cost       the bound has about n log2(n max) / 2 + n log2(max) bits; each 23 of them take one determinant
 ///            of words.
 /// Source     J. von zur Gathen, J. Gerhard, "Modern Computer Algebra", 3rd ed., algorithm 5.10.
-#include "poly/word_field.h"
-#include "quoly/quoly.h"
+#include "matrix/int_entries.h"
 
 #include <cstdint>
 namespace tolvex {
@@ -19,6 +18,8 @@ void int_determinant(const number* const* entries, int32_t n, imptr det);
 /// *det, which holds no chain, := the integer that twice is below 2^bits in absolute value and whose residues modulo
 /// primes are image(f, context).
 void integer_from_images(int64_t bits, uint32_t (*image)(const WordField& f, void* context), void* context, imptr det);
+/// The same for entries in scratch memory, where the answer stands as well.
+IntEntry entry_determinant(const IntEntry* entries, int32_t n);
 /// *det := the determinant of a matrix of integers and rational numbers; what it held is given back.
 void rational_determinant(const quoly* entries, int32_t n, quolyptr det);
 }  // namespace tolvex
