@@ -69,6 +69,7 @@ struct BuiltinRoutines {
         of[27] = builtin_Hamilton;
         of[28] = builtin_Height;
         of[30] = builtin_Irred;
+        of[29] = builtin_Hermite;
         of[31] = builtin_Isprime;
         of[32] = builtin_Iszero;
         of[33] = builtin_Killden;
@@ -79,6 +80,7 @@ struct BuiltinRoutines {
         of[38] = builtin_Log;
         of[39] = of[69] = builtin_Lower;
         of[40] = builtin_Lterm;
+        of[42] = builtin_MSmith;
         of[43] = of[44] = builtin_Mcoef;
         of[45] = builtin_Minors;
         of[46] = builtin_Minpoly;
@@ -113,6 +115,7 @@ struct BuiltinRoutines {
         of[78] = builtin_Rowreduce;
         of[79] = builtin_SDet;
         of[81] = builtin_STrans;
+        of[83] = builtin_Smith;
         of[84] = builtin_Sort;
         of[86] = builtin_Splice;
         of[87] = builtin_Split;
