@@ -20,6 +20,16 @@ SWITCHES = ["N", "E", "t", "U", "_l", "H", "V", "l", "e", "n", "_s", "_t", "W", 
 SPOILERS = "()[]{}:;=+-*/^!#\"'|<>,.&_@?%$\\`~ \t\r\x00\xa5\xc2abF1"
 
 
+def pick(rng, choices, below=None):
+    """what one of the routines gives: choices are pairs (weight, routine), of which the first `below` of all weight count"""
+    at = rng.randrange(below or sum(weight for weight, _ in choices))
+    for weight, routine in choices:
+        if at < weight:
+            return routine()
+        at -= weight
+    raise ValueError("less weight than wanted")
+
+
 class Grammar:
     def __init__(self, rng):
         self.rng = rng
@@ -34,16 +44,14 @@ class Grammar:
     # Expressions
 
     def number(self):
-        r, kind = self.rng, self.rng.randrange(12)
-        if kind < 6:
-            return str(r.randrange(12))
-        if kind < 8:
-            return str(r.choice([2**28, 2**28 - 1, 2**31, 2**56, 10**8, 10**16]) + r.randrange(-2, 3))
-        if kind < 9:
-            return str(r.randrange(10 ** r.randrange(1, 60)))
-        if kind < 10:
-            return f"{r.randrange(30)}.{r.randrange(1000)}"
-        return "0" * r.randrange(1, 20) + str(r.randrange(100))
+        r = self.rng
+        return pick(r, [
+            (6, lambda: str(r.randrange(12))),
+            (2, lambda: str(r.choice([2**28, 2**28 - 1, 2**31, 2**56, 10**8, 10**16]) + r.randrange(-2, 3))),
+            (1, lambda: str(r.randrange(10 ** r.randrange(1, 60)))),
+            (1, lambda: f"{r.randrange(30)}.{r.randrange(1000)}"),
+            (2, lambda: "0" * r.randrange(1, 20) + str(r.randrange(100))),
+        ])
 
     def element(self):
         """an element of an array, or a value that a subscript selects"""
@@ -52,37 +60,25 @@ class Grammar:
         return r.choice([r.choice(ARRAYS), r.choice(ARRAYS), f"%[{r.randrange(4)}]", "<"]) + "[" + ", ".join(subscripts) + "]"
 
     def factor(self, depth):
-        r, kind, e = self.rng, self.rng.randrange(30), self.expression
-        if depth <= 0 or kind < 6:
-            return r.choice([self.number, self.name])()
-        if kind < 12:
-            return f"({e(depth - 1)})"
-        if kind < 15:
-            return f"{self.factor(depth - 1)}^{r.choice(['2', '3', '0', '1', '-1', '-2', '5', '(1+1)', '_7', '300000000'])}"
-        if kind < 16:
-            return f"-{self.factor(depth - 1)}"
-        if kind < 17:
-            return f"|{e(depth - 1)}|"
-        if kind < 18:
-            return r.choice(["$", "_", "*", "<", "!", "'", ".", "%", "@", "?", "#"]) + self.factor(depth - 1)
-        if kind < 20:
-            return f"{r.choice(ONE)}({e(depth - 1)})"
-        if kind < 21:
-            return f"{r.choice(TWO)}({e(depth - 1)}, {e(depth - 1)}{r.choice(['', '', '', f', {e(0)}', f', {e(0)}, {e(0)}'])})"
-        if kind < 22:
-            return self.factor(depth - 1) + '"'
-        if kind < 23:
-            return str(r.randrange(60)) + "!"
-        if kind < 24:
-            return f"{self.factor(depth - 1)}#{r.choice(['({})', '(x={})', '({}, 2)', '(y={}, x=1)']).format(e(depth - 1))}"
-        if kind < 25:
-            return f"'{r.choice('aZ ;0')}'"
-        if kind < 27:
-            return self.element()
-        if kind < 28:
-            return f"{r.choice(OF_ARRAY)}{r.choice(['{}', '({})'])}".format(self.matrix(depth - 1))
-        return r.choice(["Modulus", "Modmode", "Numvars", "<", "True", "Rand", "Randint", "Time", "Nofunction(1)", "nope[1]",
-                         f"{r.choice('FG')}({e(0)})", f"F([{r.choice(ARRAYS)}])"])
+        r, e = self.rng, self.expression
+        return pick(r, [
+            (6, lambda: r.choice([self.number, self.name])()),
+            (6, lambda: f"({e(depth - 1)})"),
+            (3, lambda: f"{self.factor(depth - 1)}^{r.choice(['2', '3', '0', '1', '-1', '-2', '5', '(1+1)', '_7', '300000000'])}"),
+            (1, lambda: f"-{self.factor(depth - 1)}"),
+            (1, lambda: f"|{e(depth - 1)}|"),
+            (1, lambda: r.choice(["$", "_", "*", "<", "!", "'", ".", "%", "@", "?", "#"]) + self.factor(depth - 1)),
+            (2, lambda: f"{r.choice(ONE)}({e(depth - 1)})"),
+            (1, lambda: f"{r.choice(TWO)}({e(depth - 1)}, {e(depth - 1)}{r.choice(['', '', '', f', {e(0)}', f', {e(0)}, {e(0)}'])})"),
+            (1, lambda: self.factor(depth - 1) + '"'),
+            (1, lambda: str(r.randrange(60)) + "!"),
+            (1, lambda: f"{self.factor(depth - 1)}#{r.choice(['({})', '(x={})', '({}, 2)', '(y={}, x=1)']).format(e(depth - 1))}"),
+            (1, lambda: f"'{r.choice('aZ ;0')}'"),
+            (2, self.element),
+            (1, lambda: f"{r.choice(OF_ARRAY)}{r.choice(['{}', '({})'])}".format(self.matrix(depth - 1))),
+            (2, lambda: r.choice(["Modulus", "Modmode", "Numvars", "<", "True", "Rand", "Randint", "Time", "Nofunction(1)", "nope[1]",
+                         f"{r.choice('FG')}({e(0)})", f"F([{r.choice(ARRAYS)}])"])),
+        ], below=30 if depth > 0 else 6)
 
     def expression(self, depth):
         parts = [self.factor(depth)]
@@ -105,90 +101,87 @@ class Grammar:
         side = lambda: self.rng.choice(["", "1", "2", "1~2", "2~", "~2", "3~1", self.expression(0)])
         return f"[{self.rng.choice(ARRAYS)}[{side()},{side()}]]"
 
-    def literal(self, depth):
-        r, e, kind = self.rng, self.expression, self.rng.randrange(8)
-        if kind < 3:
-            cols = r.randrange(1, 4)
-            rows = (", ".join(e(depth) for _ in range(cols)) for _ in range(r.randrange(1, 4)))
-            return "[" + "".join(f"[{row}]" for row in rows) + "]"
-        if kind < 4:
-            return "[(" + ", ".join(e(depth) for _ in range(r.randrange(1, 5))) + ")]"
-        if kind < 5:
-            return f"[<i={r.randrange(3)},{r.randrange(4)}><j=1,{r.randrange(4)}> {e(depth)}]"
-        if kind < 6:
-            pairs = ", ".join(f"[{c}, {e(0)}]" for c in sorted(r.sample(range(1, 6), 2)))
-            return f"[[{r.randrange(1, 4)}, {pairs}]]"
-        return r.choice(["'text'", f"[{e(0)}]", "[Rand]", "[]", "[x]"])
+    def rows(self, depth):
+        cols = self.rng.randrange(1, 4)
+        rows = (", ".join(self.expression(depth) for _ in range(cols)) for _ in range(self.rng.randrange(1, 4)))
+        return "[" + "".join(f"[{row}]" for row in rows) + "]"
 
-    def matrix(self, depth):
+    def sparse_row(self):
+        pairs = ", ".join(f"[{c}, {self.expression(0)}]" for c in sorted(self.rng.sample(range(1, 6), 2)))
+        return f"[[{self.rng.randrange(1, 4)}, {pairs}]]"
+
+    def literal(self, depth):
+        r, e = self.rng, self.expression
+        return pick(r, [
+            (3, lambda: self.rows(depth)),
+            (1, lambda: "[(" + ", ".join(e(depth) for _ in range(r.randrange(1, 5))) + ")]"),
+            (1, lambda: f"[<i={r.randrange(3)},{r.randrange(4)}><j=1,{r.randrange(4)}> {e(depth)}]"),
+            (1, self.sparse_row),
+            (2, lambda: r.choice(["'text'", f"[{e(0)}]", "[Rand]", "[]", "[x]"])),
+        ])
+
+    def operation(self, depth):
         r = self.rng
-        kind = r.randrange(12 if depth > 0 else 5)
-        if kind < 4:
-            return f"[{r.choice(ARRAYS)}]"
-        if kind < 5:
-            return self.literal(0)
-        if kind < 6:
-            return self.literal(1)
-        if kind < 7:
-            return self.block()
-        if kind < 8:
-            return f"{self.matrix(depth - 1)}^{r.choice(['2', '3', '0', '-1', '(1+1)', 'a'])}"
-        if kind < 9:
-            return r.choice(TO_ARRAY) + self.matrix(depth - 1) + r.choice(["", "", "|"])
-        if kind < 10:
-            return r.choice([f"Altmult({self.matrix(0)}, {self.matrix(0)})", f"Altpower({self.matrix(0)}, {r.randrange(4)})",
-                             f"MPowermod({self.matrix(0)}, {r.randrange(9)}, {self.expression(0)})", f"({self.expression(1)})#{self.matrix(0)}",
-                             f"{self.matrix(0)}#{r.choice(['2', '(x=1)', '(y=x)'])}", f"[%[{r.randrange(4)}]]", "[<]"])
         right = self.matrix(depth - 1) if r.random() < 0.7 else self.factor(1)
         return f"{self.matrix(depth - 1)} {r.choice('+-*/_|') if r.random() < 0.95 else '^'} {right}"
 
+    def matrix(self, depth):
+        r = self.rng
+        return pick(r, [
+            (4, lambda: f"[{r.choice(ARRAYS)}]"),
+            (1, lambda: self.literal(0)),
+            (1, lambda: self.literal(1)),
+            (1, self.block),
+            (1, lambda: f"{self.matrix(depth - 1)}^{r.choice(['2', '3', '0', '-1', '(1+1)', 'a'])}"),
+            (1, lambda: r.choice(TO_ARRAY) + self.matrix(depth - 1) + r.choice(["", "", "|"])),
+            (1, lambda: r.choice([f"Altmult({self.matrix(0)}, {self.matrix(0)})", f"Altpower({self.matrix(0)}, {r.randrange(4)})",
+                             f"MPowermod({self.matrix(0)}, {r.randrange(9)}, {self.expression(0)})", f"({self.expression(1)})#{self.matrix(0)}",
+                             f"{self.matrix(0)}#{r.choice(['2', '(x=1)', '(y=x)'])}", f"[%[{r.randrange(4)}]]", "[<]"])),
+            (2, lambda: self.operation(depth)),
+        ], below=12 if depth > 0 else 5)
+
+    def creation(self, array):
+        r, e = self.rng, self.expression
+        shape = r.choice(["3", "2,2", "3,2", "1,4", "2,3", e(1), f"{e(0)}, {e(0)}", "0", "-1,2", "3,3,3"])
+        return f"Array {array}[{shape}]{r.choice(['', '', ' Sparse', ', ' + r.choice(ARRAYS) + '[2,2]'])}"
+
     def array_statement(self):
-        r, e, array, kind = self.rng, self.expression, self.rng.choice(ARRAYS), self.rng.randrange(22)
-        if kind < 3:
-            shape = r.choice(["3", "2,2", "3,2", "1,4", "2,3", e(1), f"{e(0)}, {e(0)}", "0", "-1,2", "3,3,3"])
-            return f"Array {array}[{shape}]{r.choice(['', '', ' Sparse', ', ' + r.choice(ARRAYS) + '[2,2]'])}"
-        if kind < 7:
-            return f"{self.element()} := {e(2)}"
-        if kind < 8:
-            return f"{self.element()}:{r.choice('+-')}{r.choice(['', '2', 'a'])}"
-        if kind < 13:
-            return f"[{array}] := {self.matrix(2)}"
-        if kind < 15:
-            return f"{self.block()} := {r.choice([self.matrix(1), e(1)])}"
-        if kind < 16:
-            return self.matrix(2)
-        if kind < 17:
-            return f"!([{array}]{r.choice(['', ':8', ':char', ':0'])})"
-        if kind < 18:
-            return r.choice([f"@[{array}]", f"@[*{array}]", f"@<[{array}]>", "@[**]", f"@[{array}, {array}]", f"@[%[{r.randrange(4)}]]"])
-        if kind < 19:
-            return r.choice([f"Sparse[{array}]", f"Sort[{array}]", f"Switchrow([{array}], {r.randrange(4)}, {r.randrange(4)})",
+        r, e, array = self.rng, self.expression, self.rng.choice(ARRAYS)
+        return pick(r, [
+            (3, lambda: self.creation(array)),
+            (4, lambda: f"{self.element()} := {e(2)}"),
+            (1, lambda: f"{self.element()}:{r.choice('+-')}{r.choice(['', '2', 'a'])}"),
+            (5, lambda: f"[{array}] := {self.matrix(2)}"),
+            (2, lambda: f"{self.block()} := {r.choice([self.matrix(1), e(1)])}"),
+            (1, lambda: self.matrix(2)),
+            (1, lambda: f"!([{array}]{r.choice(['', ':8', ':char', ':0'])})"),
+            (1, lambda: r.choice([f"@[{array}]", f"@[*{array}]", f"@<[{array}]>", "@[**]", f"@[{array}, {array}]", f"@[%[{r.randrange(4)}]]"])),
+            (1, lambda: r.choice([f"Sparse[{array}]", f"Sort[{array}]", f"Switchrow([{array}], {r.randrange(4)}, {r.randrange(4)})",
                              f"Switchcol([{array}], {r.randrange(4)}, {r.randrange(4)})", f"STrans[{array}]",
                              f"Synth([{array}], [{r.choice(ARRAYS)}], {r.randrange(9)})", f"Swap([{array}], [{r.choice(ARRAYS)}])",
-                             f"Move([{array}], [{r.choice(ARRAYS)}])"])
-        if kind < 20:
-            return f"%[{r.choice(['0', '1', '2', '399999', '400000', '-1'])}] := {r.choice([self.matrix(1), e(1)])}"
-        if kind < 21:
-            return f"for i = [{array}] {r.randrange(4)}, {r.randrange(4)} do {self.body(0)} od"
-        return f"Diag[{array}] := {self.matrix(1)}"
+                             f"Move([{array}], [{r.choice(ARRAYS)}])"])),
+            (1, lambda: f"%[{r.choice(['0', '1', '2', '399999', '400000', '-1'])}] := {r.choice([self.matrix(1), e(1)])}"),
+            (1, lambda: f"for i = [{array}] {r.randrange(4)}, {r.randrange(4)} do {self.body(0)} od"),
+            (1, lambda: f"Diag[{array}] := {self.matrix(1)}"),
+        ])
 
     # Statements
 
     def ring_statement(self):
-        r, kind = self.rng, self.rng.randrange(12)
-        if kind < 5:
-            return f"&(J {r.choice(['=', '>'])} {r.choice(VARIABLES)})"
-        if kind < 7:
-            return f"&(J = -{r.choice(VARIABLES)}{r.choice(['', ' = 2', ' = 0', ' = 1/2'])})"
-        if kind < 11:
-            return f"&(p = {r.choice(MODULI + ['_i', '_i', '_i', '1', '0', '-3', '2147483647'])})"
-        return r.choice([f"&(p = 7: {self.name()})", f"&p({self.name()}, [{r.choice(ARRAYS)}])", f"&_m({self.expression(2)})"])
+        r = self.rng
+        return pick(r, [
+            (5, lambda: f"&(J {r.choice(['=', '>'])} {r.choice(VARIABLES)})"),
+            (2, lambda: f"&(J = -{r.choice(VARIABLES)}{r.choice(['', ' = 2', ' = 0', ' = 1/2'])})"),
+            (4, lambda: f"&(p = {r.choice(MODULI + ['_i', '_i', '_i', '1', '0', '-3', '2147483647'])})"),
+            (1, lambda: r.choice([f"&(p = 7: {self.name()})", f"&p({self.name()}, [{r.choice(ARRAYS)}])", f"&_m({self.expression(2)})"])),
+        ])
 
     def command(self):
-        r, kind = self.rng, self.rng.randrange(8)
-        if kind < 4:
-            return f"&({r.choice(SWITCHES)} = {r.choice(['0', '1', '0', '1', '2', '5', '80', '400', '-1', 'a', '10000000000'])})"
-        return f"&{r.choice(SWITCHES)}"
+        r = self.rng
+        return pick(r, [
+            (4, lambda: f"&({r.choice(SWITCHES)} = {r.choice(['0', '1', '0', '1', '2', '5', '80', '400', '-1', 'a', '10000000000'])})"),
+            (4, lambda: f"&{r.choice(SWITCHES)}"),
+        ])
 
     def file_statement(self):
         name = self.rng.choice(FILES)
@@ -196,14 +189,13 @@ class Grammar:
                                 "&r", "&x", "!(&o, a, 'text')", f"!(&o, [{self.rng.choice(ARRAYS)}])"])
 
     def simple(self, depth):
-        r, kind = self.rng, self.rng.randrange(12)
-        if kind < 4:
-            return self.expression(depth)
-        if kind < 8:
-            return f"{self.name()} := {self.expression(depth)}"
-        if kind < 10:
-            return f"{self.name()}:{r.choice('+-')}{r.choice(['', '3', '(2)', 'a'])}"
-        return self.array_statement()
+        r = self.rng
+        return pick(r, [
+            (4, lambda: self.expression(depth)),
+            (4, lambda: f"{self.name()} := {self.expression(depth)}"),
+            (2, lambda: f"{self.name()}:{r.choice('+-')}{r.choice(['', '3', '(2)', 'a'])}"),
+            (2, self.array_statement),
+        ])
 
     def body(self, depth):
         r = self.rng
@@ -215,48 +207,40 @@ class Grammar:
                 out.append(r.choice([self.simple(1)] * 9 + ["Return a", "&>", "&]", "&}", f"@{self.name()}", "&(p = 7)", "{note}"]))
         return "; ".join(out)
 
+    def definition(self, depth):
+        r = self.rng
+        first = r.choice(["", "", "Integer; ", "Compile; ", "Integer; Compile; ", f"{self.body(0)}; Compile(a, b); ",
+                          f"Compile*({self.name()}); ", f"{self.body(0)}; Integer; "])
+        parameters = r.choice(["a", "a, b", "^a", "a; c", "", "m", "^m, ^n", "a, a"])
+        return f"Func {r.choice('FG')}({parameters}) = {first}{self.body(depth)} ."
+
     def control(self, depth):
-        r, e, kind = self.rng, self.expression, self.rng.randrange(7)
-        if kind < 2:
-            return f"if {self.condition()} then {self.body(depth)}{r.choice(['', f' else {self.body(depth)}'])} fi"
-        if kind < 3:
-            return f"while {self.condition()} do {self.body(depth)}; &> od"
-        if kind < 4:
-            return f"for {self.name()} = {r.randrange(3)} to {r.randrange(6)}{r.choice(['', ' by 2'])} do {self.body(depth)} od"
-        if kind < 5:
-            return f"{r.choice(['Sigma', 'Prod'])}<{self.name()} = 1, {r.randrange(6)}>[{e(1)}]"
-        if kind < 6:
-            first = r.choice(["", "", "Integer; ", "Compile; ", "Integer; Compile; ", f"{self.body(0)}; Compile(a, b); ",
-                              f"Compile*({self.name()}); ", f"{self.body(0)}; Integer; "])
-            parameters = r.choice(["a", "a, b", "^a", "a; c", "", "m", "^m, ^n", "a, a"])
-            return f"Func {r.choice('FG')}({parameters}) = {first}{self.body(depth)} ."
-        return f"{r.choice('FG')}({r.choice([e(1), self.name(), self.matrix(0), self.element(), e(0) + ', ' + self.name()])})"
+        r, e = self.rng, self.expression
+        return pick(r, [
+            (2, lambda: f"if {self.condition()} then {self.body(depth)}{r.choice(['', f' else {self.body(depth)}'])} fi"),
+            (1, lambda: f"while {self.condition()} do {self.body(depth)}; &> od"),
+            (1, lambda: f"for {self.name()} = {r.randrange(3)} to {r.randrange(6)}{r.choice(['', ' by 2'])} do {self.body(depth)} od"),
+            (1, lambda: f"{r.choice(['Sigma', 'Prod'])}<{self.name()} = 1, {r.randrange(6)}>[{e(1)}]"),
+            (1, lambda: self.definition(depth)),
+            (1, lambda: f"{r.choice('FG')}({r.choice([e(1), self.name(), self.matrix(0), self.element(), e(0) + ', ' + self.name()])})"),
+        ])
 
     def statement(self):
-        r, kind, depth = self.rng, self.rng.randrange(60), self.rng.randrange(1, 5)
-        if kind < 12:
-            return self.expression(depth)
-        if kind < 22:
-            return f"{self.name()} := {self.expression(depth)}"
-        if kind < 24:
-            return f"{self.name()}:{r.choice('+-')}{r.choice(['', '3', '(2)', 'a'])}"
-        if kind < 30:
-            return self.ring_statement()
-        if kind < 34:
-            return self.command()
-        if kind < 35:
-            return f"@{r.choice(NAMES + ['<F>', 'F', 'G', '*F', '<a>'])}"
-        if kind < 40:
-            return self.control(3)
-        if kind < 41:
-            return r.choice([f"!({self.expression(2)}, 'text', {self.expression(1)}:{r.randrange(12)})", f"?{self.name()}\n3", f"?[{r.choice(ARRAYS)}]\n1,2"])
-        if kind < 42:
-            return f"&_n {self.expression(2)}"
-        if kind < 46:
-            return self.file_statement()
-        if kind < 47:
-            return r.choice(["&_P", "&_p", "&@", "F(1)\n&_P"])
-        return self.array_statement()
+        r, depth = self.rng, self.rng.randrange(1, 5)
+        return pick(r, [
+            (12, lambda: self.expression(depth)),
+            (10, lambda: f"{self.name()} := {self.expression(depth)}"),
+            (2, lambda: f"{self.name()}:{r.choice('+-')}{r.choice(['', '3', '(2)', 'a'])}"),
+            (6, self.ring_statement),
+            (4, self.command),
+            (1, lambda: f"@{r.choice(NAMES + ['<F>', 'F', 'G', '*F', '<a>'])}"),
+            (5, lambda: self.control(3)),
+            (1, lambda: r.choice([f"!({self.expression(2)}, 'text', {self.expression(1)}:{r.randrange(12)})", f"?{self.name()}\n3", f"?[{r.choice(ARRAYS)}]\n1,2"])),
+            (1, lambda: f"&_n {self.expression(2)}"),
+            (4, self.file_statement),
+            (1, lambda: r.choice(["&_P", "&_p", "&@", "F(1)\n&_P"])),
+            (13, self.array_statement),
+        ])
 
     def program(self):
         """a file of statements, now and then with a fault"""

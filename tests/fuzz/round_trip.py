@@ -11,6 +11,7 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 import trials  # noqa: E402
+from grammar import pick  # noqa: E402, the neighbour
 
 SWITCHES = {"N": 1, "m": 2, "a": 9, "B": 1, "D": 30, "_l": 1, "t": 1, "V": 1, "W": 1, "_L": 1, "u": 5, "l": 1, "#": 200,
             "A": 2000, "E": 1, "H": 1, "K": 1, "X": 2000, "O": 1, "_d": 120, "_r": 50, "_s": 1, "_t": 1, "|": 1, "L": 9000,
@@ -47,37 +48,30 @@ class Session:
         return "(" + " - ".join(terms) + ")"
 
     def value(self):
-        kind = self.rng.randrange(8)
-        if kind < 2:
-            return self.rng.choice(["", "-"]) + self.number()
-        if kind < 3:  # fractions of numbers; a denominator without inverse is an error, and the name gets 0
-            return f"{self.rng.choice(['', '-'])}{self.number()}/{self.number()}"
-        if kind < 4:
-            return f"-{self.polynomial(1)}^{self.rng.randrange(4)}"
-        if kind < 5:
-            return f"{self.number()}^{self.rng.randrange(30)} - {self.number()}"
-        if kind < 7:
-            return self.polynomial()
-        return f"{self.polynomial()}/({self.polynomial()}+1)"
+        return pick(self.rng, [
+            (2, lambda: self.rng.choice(["", "-"]) + self.number()),
+            # fractions of numbers; a denominator without inverse is an error, and the name gets 0
+            (1, lambda: f"{self.rng.choice(['', '-'])}{self.number()}/{self.number()}"),
+            (1, lambda: f"-{self.polynomial(1)}^{self.rng.randrange(4)}"),
+            (1, lambda: f"{self.number()}^{self.rng.randrange(30)} - {self.number()}"),
+            (2, self.polynomial),
+            (1, lambda: f"{self.polynomial()}/({self.polynomial()}+1)"),
+        ])
 
     def expression(self, depth=2):
         r = self.rng
-        kind = r.randrange(9) if depth > 0 else 0
         e = lambda: self.expression(depth - 1)
-        if kind < 3:
-            return r.choice(NAMES + [self.number(), "k"])
-        if kind < 5:
-            return f"{e()} {r.choice('+-*')} {e()}"
-        if kind < 6:
-            return f"(-{e()})^{r.randrange(4)}"
-        if kind < 7:
-            return f"GCD({e()}, {e()})"
-        if kind < 8:
-            return r.choice([f"{e()}|7", f"$({e()})", f"Sigma<k = 1, 3>[{e()}]", f"Prod<k = 1, 2><a = k to 3 by 2>({e()})",
+        return pick(self.rng, [
+            (3, lambda: r.choice(NAMES + [self.number(), "k"])),
+            (2, lambda: f"{e()} {r.choice('+-*')} {e()}"),
+            (1, lambda: f"(-{e()})^{r.randrange(4)}"),
+            (1, lambda: f"GCD({e()}, {e()})"),
+            (1, lambda: r.choice([f"{e()}|7", f"$({e()})", f"Sigma<k = 1, 3>[{e()}]", f"Prod<k = 1, 2><a = k to 3 by 2>({e()})",
                              f"|{e()}|", f"_{r.choice(NAMES)}", f"*{r.choice(NAMES)}", f"{r.choice(NAMES)}#({e()}, 2)",
                              f"{r.choice(NAMES)}\"", f"{r.choice(NAMES)}!", "3.25", "'A'", "<", "<F", "&T", f"%[{e()}][1]",
-                             f"F({e()})", "G", f"Coef({e()}, 1)", f"Divides({e()}, {e()}, ^v)", f"({e()})^-2"])
-        return r.choice([f"m[{e()}, {e()}]", f"vec[{e()}]", f"Deg[m]", f"{e()}//{e()}"])
+                             f"F({e()})", "G", f"Coef({e()}, 1)", f"Divides({e()}, {e()}, ^v)", f"({e()})^-2"])),
+            (1, lambda: r.choice([f"m[{e()}, {e()}]", f"vec[{e()}]", f"Deg[m]", f"{e()}//{e()}"])),
+        ], below=9 if depth > 0 else 3)
 
     def condition(self):
         one = f"{self.expression(1)} {self.rng.choice(['<', '>', '=', '<=', '>=', '<>'])} {self.expression(1)}"
@@ -85,38 +79,32 @@ class Session:
             one = f"[{one}] {self.rng.choice(['and', 'or'])} [{self.expression(1)} = 0]"
         return one
 
+    def without_body(self):
+        r = self.rng
+        return r.choice([f"[m] := [m]*[m] + {self.expression(1)}", f"[m[1~2, {self.expression(1)}]] := [vec]",
+                         f"m[{self.expression(1)}, 2] := {self.expression(1)}", "vec[1]:+", f"@({r.choice(NAMES)}, [vec])",
+                         f"Return({self.expression(1)})", "&}", "?[m]", f"?{r.choice(NAMES)}", f"&(p = 7: {r.choice(NAMES)})",
+                         "&p(a, [m])", "&(_d = 60)", "!('a text; {of} all kinds')", f"!!(&o, {self.expression(1)}, [m]:6)",
+                         f"[vec] := [(1, {self.expression(1)}, -3)]", f"[m] := [[1, 2][{self.expression(1)}, x]]",
+                         "Swap(a, ^b)", "[m] := Trans[m]", "%[1] := [m]", "Array loc[2], s2[3, 3] Sparse",
+                         f"&_m({r.choice(NAMES)} := 3)"])
+
+    def with_body(self, depth):
+        r, e, condition, body = self.rng, self.expression, self.condition, self.body
+        return r.choice([lambda: f"if {condition()} then {body(depth)} else {body(depth)} fi", lambda: f"if {condition()} then {body(depth)} fi",
+                         lambda: f"for k = 1 to {e(1)} by 2 do {body(depth)} od",
+                         lambda: f"for k from {e(1)} to {e(1)} do {body(depth)}; &> od", lambda: f"for k = [sp] {e(1)}, 2 do {body(depth)} od",
+                         lambda: f"while {condition()} do {body(depth)} od", lambda: f"while not [{condition()}] do {body(depth)}; &] od"])()
+
     def statement(self, depth):
         r = self.rng
-        kind = r.randrange(12 if depth > 0 else 8)
-        if kind > 10:
-            return f"for k = [sp] {self.expression(1)}, 2 do {self.body(depth - 1)} od"
-        if kind > 9:
-            return f"if {self.condition()} then {self.body(depth - 1)} fi"
-        if kind > 8:
-            return f"for k from {self.expression(1)} to {self.expression(1)} do {self.body(depth - 1)}; &> od"
-        if kind > 7:
-            return f"while not [{self.condition()}] do {self.body(depth - 1)}; &] od"
-        if depth == 0 and kind > 3:
-            return r.choice([f"[m] := [m]*[m] + {self.expression(1)}", f"[m[1~2, {self.expression(1)}]] := [vec]",
-                             f"m[{self.expression(1)}, 2] := {self.expression(1)}", f"vec[1]:+", f"@({r.choice(NAMES)}, [vec])",
-                             f"Return({self.expression(1)})", "&}", "?[m]", f"?{r.choice(NAMES)}", f"&(p = 7: {r.choice(NAMES)})",
-                             f"&p(a, [m])", "&(_d = 60)", "!('a text; {of} all kinds')", f"!!(&o, {self.expression(1)}, [m]:6)",
-                             f"[vec] := [(1, {self.expression(1)}, -3)]", f"[m] := [[1, 2][{self.expression(1)}, x]]",
-                             f"Swap(a, ^b)", f"[m] := Trans[m]", f"%[1] := [m]", f"Array loc[2], s2[3, 3] Sparse",
-                             f"&_m({r.choice(NAMES)} := 3)"])
-        if kind < 2:
-            return f"{r.choice(NAMES)} := {self.expression()}"
-        if kind < 3:
-            return f"{r.choice(NAMES)}:{r.choice('+-')} {self.expression(1)}"
-        if kind < 4:
-            return self.expression()
-        if kind < 5:
-            return f"if {self.condition()} then {self.body(depth - 1)} else {self.body(depth - 1)} fi"
-        if kind < 6:
-            return f"for k = 1 to {self.expression(1)} by 2 do {self.body(depth - 1)} od"
-        if kind < 7:
-            return f"while {self.condition()} do {self.body(depth - 1)} od"
-        return f"!('of {r.choice(NAMES)}', {self.expression(1)}:5)"
+        return pick(r, [
+            (2, lambda: f"{r.choice(NAMES)} := {self.expression()}"),
+            (1, lambda: f"{r.choice(NAMES)}:{r.choice('+-')} {self.expression(1)}"),
+            (1, self.expression),
+            (4, self.without_body) if depth == 0 else (7, lambda: self.with_body(depth - 1)),
+            (1, lambda: f"!('of {r.choice(NAMES)}', {self.expression(1)}:5)"),
+        ])
 
     def body(self, depth):
         out = []
@@ -144,30 +132,22 @@ class Session:
                                     "Compile*(c, x_unknown); "])
         return f"{r.choice(['Func', 'Function'])} {r.choice(['F', 'G', 'Long_Func', 'F'])}{parameters} = {head}{self.body(2)} ."
 
+    def late_line(self):
+        r = self.rng
+        return pick(r, [
+            (1, lambda: f"&(J = -{r.choice(self.variables or VARIABLES)} = {self.number()})"),
+            (1, lambda: f"&(J {r.choice('=>')} {r.choice(VARIABLES + ['zz'])})"),
+            (1, lambda: f"&(p = {r.choice(MODULI + ['_i'])})"),
+            (1, lambda: "&(p = _i)"),
+            (1, lambda: f"&(p = {r.choice(MODULI + ['_i'])}: {r.choice(NAMES)}, {r.choice(NAMES)}, [m])"),
+            (1, lambda: f"@{r.choice(NAMES)}"),
+            (1, lambda: "[m] := [m]*[m]:"),
+            (1, lambda: f"{r.choice(NAMES)} := {self.value()}:"),
+        ])
+
     def late_lines(self):
         """what happens to values that are there: variables come and go, rings change"""
-        r = self.rng
-        out = []
-        for _ in range(r.randrange(4)):
-            kind = r.randrange(8)
-            if kind == 0 and self.variables:
-                out.append(f"&(J = -{r.choice(self.variables)} = {self.number()})")
-            elif kind == 1:
-                out.append(f"&(J {r.choice('=>')} {r.choice(VARIABLES + ['zz'])})")
-            elif kind == 2:
-                out.append(f"&(p = {r.choice(MODULI)})")
-            elif kind == 3:
-                out.append("&(p = _i)")
-            elif kind == 4:
-                ring = r.choice(MODULI + ["_i"])
-                out.append(f"&(p = {ring}: {r.choice(NAMES)}, {r.choice(NAMES)}, [m])")
-            elif kind == 5:
-                out.append(f"@{r.choice(NAMES)}")
-            elif kind == 6:
-                out.append("[m] := [m]*[m]:")
-            else:
-                out.append(f"{r.choice(NAMES)} := {self.value()}:")
-        return out
+        return [self.late_line() for _ in range(self.rng.randrange(4))]
 
     def settings(self):
         r = self.rng
