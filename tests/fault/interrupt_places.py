@@ -16,7 +16,7 @@ import sys
 import tempfile
 import time
 
-from interrupt_storm import TROUBLE, Broken, Session, without_levels
+from interrupt_storm import Broken, Session, end, without_levels
 
 SCRIPTS = {
     "function": ["Func F(x) =", "y := x + 1;", "", "y*2.", "F(4)"],
@@ -53,11 +53,6 @@ class Places:
             session.say(line)
         return session
 
-    def end(self, session):
-        text = session.close()
-        if TROUBLE.search(text) or TROUBLE.search(bytes(session.out)):
-            raise Broken("the checked build reports:\n" + text.decode("latin-1")[:4000])
-
     def visit(self, session, lines):
         session.interrupt()
         for line in lines:
@@ -75,7 +70,7 @@ class Places:
         session.send("31337")
         session.wait(lambda: re.search(rb" 31337\n\n[^\n]*>$", bytes(session.out[start:])))
         text = bytes(session.out[start:])
-        self.end(session)
+        end(session)
         return text
 
     def alike(self, text, expected):
@@ -112,7 +107,7 @@ class Places:
         session.resume()
         session.wait(lambda: session.at_prompt(start) and b"Elapsed" in session.out[start:])
         text = bytes(session.out[start:])
-        self.end(session)
+        end(session)
         found = seconds.search(text)
         if found is None or float(found.group(1)) > own + 0.5 * at_level + 0.05:
             raise Broken(f"the time line below a level: {text!r}; alone {own}, at the level {at_level}")
@@ -134,7 +129,7 @@ class Places:
             session.wait(lambda: session.at_prompt(start) and without_levels(bytes(session.out[start:])).endswith(b"\n>"))
             if without_levels(bytes(session.out[start:])) != expected:
                 raise Broken(f"{statement}: {bytes(session.out[start:])!r} instead of {expected!r}")
-        self.end(session)
+        end(session)
 
     def worked_example(self):
         """The sum of the manual: looked at, changed, resumed ("Interrupt, look, change, go on")."""
@@ -153,7 +148,7 @@ class Places:
         result = int(re.search(rb"\n (\d+)\n", bytes(session.out[start:])).group(1))
         if result not in (t, t + i * i):
             raise Broken(f"the sum after a change: {result}, i was {i}, t was {t}")
-        self.end(session)
+        end(session)
 
     def given_up_field(self):
         """An output into a field is given up in the middle; the next ones are right."""
@@ -167,7 +162,7 @@ class Places:
         text = session.say("!(b:50, 'x')")
         if b"515377520732011331036461129765621272702107522001  x" not in text:
             raise Broken(f"after outputs that were given up: {text!r}")
-        self.end(session)
+        end(session)
 
     def interrupted(self, setup, statement):
         """a session at a level that was opened inside the statement"""
@@ -179,7 +174,7 @@ class Places:
             session.interrupt()
             if not re.search(rb"\n \d+\n", bytes(session.out[start:])):  # its value is not there yet
                 return session
-            self.end(session)
+            end(session)
         raise Broken(f"{statement} is over too soon to be interrupted")
 
     def arrays_in_use(self):
@@ -214,7 +209,7 @@ class Places:
                     session.say(line)
                 if b"\n 1\n" not in session.say("w[1,1]"):
                     raise Broken(f"after {statement} with {change}: {bytes(session.out[-500:])!r}")
-                self.end(session)
+                end(session)
 
     def change_of_ring(self):
         """Until a change of the ground ring is complete nothing has changed: a level sees all values in the ring before, what
@@ -237,7 +232,7 @@ class Places:
         after = [reference.say(line) for line in asked]
         text = reference.say(part)
         partly = [reference.say(line) for line in asked if line in ("e",) or "m[" in line or "s[" in line]
-        self.end(reference)
+        end(reference)
         inside = 0
         for k in range(12):
             session = self.start(k % 2 == 1, setup)
@@ -282,7 +277,7 @@ class Places:
             got = [session.say(line) for line in asked if line in ("e",) or "m[" in line or "s[" in line]
             if got != partly or b"belongs to another ground ring" not in session.say("p[1,1]"):
                 raise Broken(f"{part}, interrupted: {got!r} instead of {partly!r}")
-            self.end(session)
+            end(session)
         if self.args.verbose:
             print(f"{inside} of 24 interrupts within a change of ring")
         if inside == 0:
@@ -308,7 +303,7 @@ class Places:
             got = without_levels(bytes(session.out[start:]))
             if got != expected and not got.endswith(expected):
                 raise Broken(f"GCD: {got!r} instead of {expected!r}")
-        self.end(session)
+        end(session)
         if self.args.verbose:
             print(f"{told} of 20 interrupts of gcds between two rings")
 

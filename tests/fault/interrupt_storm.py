@@ -231,6 +231,13 @@ class Broken(Exception):
     pass
 
 
+def end(session):
+    """the session has ended without a word of the checked build, or Broken is raised"""
+    text = session.close()
+    if TROUBLE.search(text) or TROUBLE.search(bytes(session.out)):
+        raise Broken("the checked build reports:\n" + text.decode("latin-1")[:4000])
+
+
 def without_levels(text):
     """The output with what stands between the opening and the leaving of a level taken out."""
     kept, depth, at = bytearray(), 0, 0
@@ -264,11 +271,6 @@ class Storm:
         for line in job.setup:
             session.say(line)
         return session
-
-    def end(self, session):
-        text = session.close()
-        if TROUBLE.search(text) or TROUBLE.search(bytes(session.out)):
-            raise Broken("the checked build reports:\n" + text.decode("latin-1")[:4000])
 
     def note(self, job, ms):
         self.taken += 1
@@ -306,7 +308,7 @@ class Storm:
         start = time.monotonic()
         text = session.say(job.statement)
         seconds = time.monotonic() - start
-        self.end(session)
+        end(session)
         if b"***" in text:
             raise Broken(f"{job.name}: {text[:300]!r}")
         return text, seconds
@@ -329,7 +331,7 @@ class Storm:
             self.visit(session, self.steady(job))
         session.wait(lambda: session.at_prompt(start) and without_levels(bytes(session.out[start:])).endswith(b"\n>"))
         got = without_levels(bytes(session.out[start:]))
-        self.end(session)
+        end(session)
         if got != expected:
             at = next((i for i, (a, b) in enumerate(zip(got, expected)) if a != b), min(len(got), len(expected)))
             raise Broken(f"{job.name}: differs at byte {at}: {got[max(0, at - 60):at + 60]!r} instead of "
@@ -390,7 +392,7 @@ class Storm:
                 text = session.say(line)
                 if answer is not None and answer not in text:
                     raise Broken(f"after the panic stops: {line} gives {text!r}")
-            self.end(session)
+            end(session)
 
 
 def main():
