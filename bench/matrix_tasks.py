@@ -1,0 +1,105 @@
+"""Matrices for bench/compare: determinants, ranks, decompositions. The seed fixes every problem."""
+import random
+
+PRIME = 1000003
+
+
+def table(rng, rows, cols, size):
+    return [[rng.randint(-size, size) for _ in range(cols)] for _ in range(rows)]
+
+
+def sparse_rows(rng, n, per_row, entry):
+    """[(row, {column: entry})]; every row and column has an entry"""
+    order = list(range(n))
+    rng.shuffle(order)
+    return [{c: entry() for c in {order[r]} | set(rng.sample(range(n), per_row - 1))} for r in range(n)]
+
+
+def modulus_lines(modulus):
+    return [f"&(p = {modulus})"] if modulus else []
+
+
+def tolvex_dense(name, rows):
+    return f"[{name}] := [" + "".join("[" + ",".join(map(str, row)) + "]" for row in rows) + "]:"
+
+
+def tolvex_sparse(name, n, rows):
+    lists = (f"[{r + 1}," + ",".join(f"[{c + 1},{v}]" for c, v in sorted(row.items())) + "]" for r, row in enumerate(rows))
+    return [f"Array {name}[{n},{n}] Sparse", f"[{name}] := [" + ",".join(lists) + "]:"]
+
+
+def gp_dense(rows, unit=""):
+    return "m=[" + ";".join(",".join(map(str, row)) for row in rows) + "]" + unit + ";"
+
+
+def gp_sparse(n, rows, unit=""):
+    return [f"m=matrix({n},{n});"] + [f"m[{r + 1},{c + 1}]={v};" for r, row in enumerate(rows) for c, v in row.items()] + \
+        [f"m=m{unit};"]
+
+
+def sparse_determinants(make):
+    for n, per_row, modulus in ((200, 5, 10007), (500, 5, 10007), (2000, 3, 10007), (100, 4, 0), (200, 5, 0), (500, 5, 0)):
+        rng = random.Random(n + per_row + modulus)
+        rows = sparse_rows(rng, n, per_row, lambda: rng.choice([-1, 1]) * rng.randint(1, 9))
+        label = f"mod {modulus}" if modulus else "Z"
+        prime = modulus or PRIME
+        unit = f"*Mod(1,{modulus})" if modulus else ""
+        value = f"lift(d)%{prime}" if modulus else f"d%{prime}"
+        yield make("sparse determinants", f"{n} rows, {per_row} a row {label}",
+                   (modulus_lines(modulus) + tolvex_sparse("s", n, rows), "d := Det[s]",
+                    "d" if modulus else f"d | {PRIME}"),
+                   (gp_sparse(n, rows, unit), "d=matdet(m)", value), check=({}, prime))
+
+
+def reductions(make):
+    for n, modulus in ((200, 10007), (200, 2147483629), (500, 10007)):
+        rng = random.Random(n + modulus)
+        rows = [[rng.randrange(modulus) for _ in range(n)] for _ in range(n)]
+        rows[n // 2] = [(a + b) % modulus for a, b in zip(rows[0], rows[1])]
+        yield make("reductions", f"rank {n} rows mod {modulus}",
+                   (modulus_lines(modulus) + [tolvex_dense("a", rows)], "[b] := [a]; r := Rowreduce([b])", "r"),
+                   ([gp_dense(rows, f"*Mod(1,{modulus})")], "r=matrank(m)", "r"))
+    for n in (30, 60):
+        rng = random.Random(n)
+        rows = table(rng, n, n, 9)
+        yield make("reductions", f"elimination without fractions {n} rows Z",
+                   ([tolvex_dense("a", rows)], "[b] := [a]; r := FFLU([b])", f"b[{n},{n}]^2 | {PRIME}"),
+                   ([gp_dense(rows)], "d=matdet(m,1)", f"d^2%{PRIME}"))
+    for n in (20, 40):
+        rng = random.Random(n)
+        rows = table(rng, n, n + 5, 9)
+        yield make("reductions", f"reduced echelon form {n} by {n + 5} Q",
+                   ([tolvex_dense("a", rows)], "[b] := [a]; r := Redrowech([b])", "r"),
+                   ([gp_dense([row[:n] for row in rows]), gp_dense([row[n:] for row in rows]).replace("m=", "w=")],
+                    "z=matsolve(m,w)", f"matsize(z)[1]"))
+
+
+def minors(make):
+    names = ["x", "y", "z"]
+    for n, variables in ((10, 1), (14, 1), (8, 3)):
+        rng = random.Random(n)
+
+        def entry():
+            return f"{rng.randint(1, 9)}*{rng.choice(names[:variables])}+{rng.randint(1, 9)}"
+        rows = [[entry() for _ in range(n)] for _ in range(n)]
+        sparse = [{c: v for c, v in enumerate(row)} for row in rows]
+        point = {"x": 3, "y": 5, "z": 7}
+        at = "d"
+        for name in names[:variables]:
+            at = f"subst({at},{name},{point[name]})"
+        matrix = ",".join(",".join(row) for row in rows)
+        ring = f"ring r=0,({','.join(names[:variables])}),dp"
+        at_point = ",".join(str(point[name]) for name in names[:variables])
+        yield make("expansion by minors", f"{n} rows, {variables} variables Z",
+                   ([f"&(J > {','.join(names[:variables])})", f"&(D = {n})"] + tolvex_sparse("s", n, sparse),
+                    "d := Det[s]", "d"),
+                   ([gp_dense(rows)], "d=matdet(m)", f"{at}%{PRIME}"),
+                   ([ring, f"matrix m[{n}][{n}]={matrix}", "poly d"], "d=det(m)",
+                    f"ring values=0,a,dp; map at=r,{at_point}; bigint(leadcoef(at(d))) mod {PRIME}"),
+                   check=(point, PRIME))
+
+
+def tasks(make):
+    """`make` is the class Task of bench/compare."""
+    for family in (sparse_determinants, reductions, minors):
+        yield from family(make)
