@@ -1,7 +1,9 @@
 #include "matrix/fraction_free.h"
 
-#include "matrix/exact_quotient.h"
+#include "gcd/word_gcd.h"
+#include "matrix/denominators.h"
 #include "matrix/pivots.h"
+#include "poly/poly_modes.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_quot.h"
 #include "storage/failure.h"
@@ -37,13 +39,12 @@ static void change_inverse(FractionFree& x, int32_t k, int32_t i, quoly e, quoly
     free_quoly(&factor);
 }
 
-/// Row i := (pivot row i - minus_e row k) / previous, exact.
-static void change_row(const FractionFree& x, LineMatrix& m, int32_t k, int32_t i, quoly minus_e,
-                       quoly pivot) {
+/// Row i := (pivot row i + minus_e row k) / previous, exact; previous nil: 1.
+static void change_row(LineMatrix& m, int32_t k, int32_t i, quoly minus_e, quoly pivot, quoly previous) {
     if (!is_present(m)) return;
     scale_line(m, true, i, pivot);
     if (!quoly_iszero(minus_e)) add_line(m, true, i, minus_e, k);
-    if (x.previous != nullptr) divide_line(m, true, i, x.previous);
+    if (previous != nullptr) divide_line(m, true, i, previous);
 }
 
 /// Step k: the rows below its pivot, at (k, k).
@@ -56,8 +57,8 @@ static void step(FractionFree& x, int32_t k) {
         if (i > k) {
             quoly minus_e = nullptr;
             quoly_makeneg(e, &minus_e);
-            change_row(x, r.m, k, i, minus_e, pivot);
-            change_row(x, r.aux[k_alpha], k, i, minus_e, pivot);
+            change_row(r.m, k, i, minus_e, pivot, x.previous);
+            change_row(r.aux[k_alpha], k, i, minus_e, pivot, x.previous);
             free_quoly(&minus_e);
             change_inverse(x, k, i, e, pivot);
         }
@@ -107,4 +108,61 @@ static void decompose(Reduction* r, bool all_columns) {
 
 void fract_free_lu(Reduction* r, const ReductionOptions*) { decompose(r, false); }
 void fract_free_lu_columns(Reduction* r, const ReductionOptions*) { decompose(r, true); }
+
+// ---- echelon forms -------------------------------------------------------------------------------------
+
+bool fits_exact_echelon(const Reduction& r) {
+    return r.m.at != nullptr && !is_present(r.aux[k_alphinv]) && !ring_is_composite() && !laurent &&
+           field_depth == 0 && pseudo_polynames == nullptr;
+}
+
+/// Rows are multiplied by what makes them free of denominators.
+static void clear_rows_of_denominators(Reduction* r) {
+    for (int32_t i = 0; i < r->m.rows; i++) {
+        quoly multiple = nullptr;
+        quoly_set(1, &multiple);
+        for (int32_t c = 0; c < r->m.cols; c++) {
+            quoly e = matrix_element(r->m, i, c);
+            if (!e->numb) take_denominator(&multiple, e);
+        }
+        if (!quoly_equal(multiple, quol_num_1)) reduction_scale_row(*r, i, multiple);
+        free_quoly(&multiple);
+        poll_interrupt();
+    }
+}
+
+/// All rows but k lose their elements in the column; the pivots before, all equal to `previous`, become that of row k.
+static void clear_all_rows(Reduction* r, int32_t k, int32_t column, quoly pivot, quoly previous) {
+    for (int32_t i = 0; i < r->m.rows; i++) {
+        if (i == k) continue;
+        quoly minus_e = nullptr;
+        quoly_makeneg(matrix_element(r->m, i, column), &minus_e);
+        change_row(r->m, k, i, minus_e, pivot, previous);
+        change_row(r->aux[k_alpha], k, i, minus_e, pivot, previous);
+        free_quoly(&minus_e);
+    }
+}
+
+int32_t exact_echelon(Reduction* r) {
+    clear_rows_of_denominators(r);
+    quoly previous = nullptr;
+    int32_t rank = 0;
+    for (int32_t c = 0; c < r->m.cols && rank < r->m.rows; c++) {
+        int32_t row = 0, column = 0;
+        poll_interrupt();
+        if (findbest(r->m, {rank, c, r->m.rows, c + 1}, &row, &column) != PivotSearch::found) continue;
+        reduction_exchange_rows(*r, rank, row);
+        quoly pivot = nullptr;
+        quoly_assign(matrix_element(r->m, rank, c), &pivot);
+        clear_all_rows(r, rank++, c, pivot, previous);
+        free_quoly(&previous);
+        previous = pivot;
+    }
+    for (int32_t k = 0; k < rank && !quoly_equal(previous, quol_num_1); k++) {
+        quotient_line(r->m, true, k, previous);
+        if (is_present(r->aux[k_alpha])) quotient_line(r->aux[k_alpha], true, k, previous);
+    }
+    free_quoly(&previous);
+    return rank;
+}
 }  // namespace tolvex

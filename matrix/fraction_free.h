@@ -14,4 +14,9 @@ namespace tolvex {
 void fract_free_lu(Reduction* r, const ReductionOptions* options);
 /// Pivots are taken from the whole open block.
 void fract_free_lu_columns(Reduction* r, const ReductionOptions* options);
+/// True if exact_echelon() can serve: a dense matrix, exact quotients, and alphinv is not asked for.
+bool fits_exact_echelon(const Reduction& r);
+/// The reduced row echelon form without fractions in between: all rows are cleared at each step, so that the pivots stay
+/// equal, and are divided once at the end. Returns the rank.
+int32_t exact_echelon(Reduction* r);
 }  // namespace tolvex

@@ -4,6 +4,7 @@
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
+#include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
 #include "storage/memory.h"
 
@@ -207,6 +208,10 @@ void scale_line(LineMatrix& m, bool rows, int32_t k, quoly f) {
 
 void negate_line(LineMatrix& m, bool rows, int32_t k) {
     change_line(m, rows, k, [](quolyptr x) { quoly_inplace(*x); });
+}
+
+void quotient_line(LineMatrix& m, bool rows, int32_t k, quoly d) {
+    change_line(m, rows, k, [d](quolyptr x) { fast_quoly_quot(x, d, 0); });
 }
 
 void divide_line(LineMatrix& m, bool rows, int32_t k, quoly d) {

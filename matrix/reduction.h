@@ -71,7 +71,9 @@ void add_line(LineMatrix& m, bool rows, int32_t q, quoly f, int32_t k);
 void exchange_lines(LineMatrix& m, bool rows, int32_t i, int32_t j);
 void scale_line(LineMatrix& m, bool rows, int32_t k, quoly f);
 void negate_line(LineMatrix& m, bool rows, int32_t k);
-/// Every element is divided by d, exactly.
+/// Every element becomes its quotient by d.
+void quotient_line(LineMatrix& m, bool rows, int32_t k, quoly d);
+/// The same where all quotients are known to be exact.
 void divide_line(LineMatrix& m, bool rows, int32_t k, quoly d);
 /// The row of a sparse chain at `to` += f times the row `from`.
 void sparse_row_add(colm_ptrptr to, const colnode* from, quoly f);

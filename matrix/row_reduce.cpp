@@ -1,6 +1,7 @@
 #include "matrix/row_reduce.h"
 
 #include "matrix/elimination_steps.h"
+#include "matrix/fraction_free.h"
 #include "matrix/matrix_modes.h"
 #include "matrix/word_reduce.h"
 #include "numbers/residue.h"
@@ -70,6 +71,8 @@ static void run_steps(Reduction* r, WordSteps steps, int32_t cut) {
     int32_t rank;
     if (fits_words(*r)) {
         rank = reduce_words(r, steps, cut);
+    } else if (steps == WordSteps::echelon && fits_exact_echelon(*r)) {
+        rank = exact_echelon(r);
     } else {
         ValueFrame f = {*r};
         rank = steps == WordSteps::rows      ? row_steps(f, cut)

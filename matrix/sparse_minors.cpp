@@ -92,7 +92,8 @@ template <class Ops> struct Expansion {
     const int64_t* mass;  // of the entries
     Line *row, *column;
     Word* present;  // rows, then columns, that are still there
-    int32_t* row_order;  // of a full matrix: rows are taken in this order, so that minors share their rows; else nil
+    int32_t*
+        row_order;  // of a full matrix: rows are taken in this order, so that minors share their rows; else nil
     Node** bucket;
     Node* unused;
     int32_t max_stash_row, min_stash_row, init_max_stash_row, minor_count;

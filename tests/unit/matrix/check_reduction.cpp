@@ -208,6 +208,39 @@ PROPERTY(forms_and_transformations, 400) {
     use_integers();
 }
 
+/// The form is unique: with and without its operations, by fractions and without them.
+PROPERTY(echelon_forms_are_unique, 300) {
+    enter_ring_of(round);
+    use_variables(2);
+    constexpr bool alpha_alone[k_aux_matrices] = {true}, none[k_aux_matrices] = {};
+    int32_t rows = random_int(rng, 1, 6), cols = random_int(rng, 1, 6);
+    Values start = random_values(rng, rows * cols, round);
+    Reduction r = reduction_of(start, rows, cols, round % 2 == 1, k_all);
+    if (run(red_row_ech, &r)) {
+        Values form = values_of(r.m);
+        for (const bool* want : {alpha_alone, none}) {
+            Reduction other = reduction_of(start, rows, cols, false, want);
+            EXPECT_TRUE(run(red_row_ech, &other));
+            EXPECT_EQ(other.rank, r.rank);
+            Values same = values_of(other.m);
+            expect_equal(same, form);
+            if (want[k_alpha]) {
+                Values alpha = values_of(other.aux[k_alpha]), image = product(alpha, start, rows, rows, cols);
+                expect_equal(image, form);
+                free_values(alpha);
+                free_values(image);
+            }
+            free_values(same);
+            drop_reduction(&other);
+        }
+        free_values(form);
+    }
+    drop_reduction(&r);
+    free_values(start);
+    use_variables(0);
+    use_integers();
+}
+
 /// Row i of L D^-1 U against row i of the permuted start.
 void expect_product(const Reduction& r, const Values& start, const int32_t* row, const int32_t* column) {
     const LineMatrix &pivots = r.extra[0], &lower = r.extra[1];
