@@ -8,6 +8,7 @@
 #include "quoly/quoly_quot.h"
 #include "storage/failure.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
 
 #include <algorithm>
 namespace tolvex {
@@ -118,17 +119,22 @@ bool fits_exact_echelon(const Reduction& r) {
 
 /// Rows are multiplied by what makes them free of denominators.
 static void clear_rows_of_denominators(Reduction* r) {
-    for (int32_t i = 0; i < r->m.rows; i++) {
+    int32_t rows = r->m.rows, cols = r->m.cols;
+    ScratchMark mark = scratch_mark();
+    auto* line = scratch_array<quoly>(cols);
+    for (int32_t i = 0; i < rows; i++) {
+        for (int32_t c = 0; c < cols; c++) line[c] = r->m.at[i + int64_t{c} * rows];
+        if (std::none_of(line, line + cols, has_denominator)) continue;
         quoly multiple = nullptr;
         quoly_set(1, &multiple);
-        for (int32_t c = 0; c < r->m.cols; c++) {
-            quoly e = matrix_element(r->m, i, c);
-            if (!e->numb) take_denominator(&multiple, e);
-        }
-        if (!quoly_equal(multiple, quol_num_1)) reduction_scale_row(*r, i, multiple);
+        for (int32_t c = 0; c < cols; c++) r->m.at[i + int64_t{c} * rows] = nullptr;
+        clear_line(line, cols, &multiple);
+        for (int32_t c = 0; c < cols; c++) r->m.at[i + int64_t{c} * rows] = line[c];
+        if (is_present(r->aux[k_alpha])) scale_line(r->aux[k_alpha], true, i, multiple);
         free_quoly(&multiple);
         poll_interrupt();
     }
+    scratch_release(mark);
 }
 
 /// All rows but k lose their elements in the column; the pivots before, all equal to `previous`, become that of row k.
