@@ -75,6 +75,7 @@ static bool read_slots(BuiltinCall& call, ReductionCall& c) {
         if (k == most) return refuse(Err::call_close_paren);
         next_token(call.inf, call.flag);
         if (at_char(',') || at_char(')')) continue;
+        if (k == c.form->slots && at_char('[')) return refuse(Err::call_close_paren);
         if (k < c.form->slots) {
             if (!read_result_name(call, c, k)) return false;
         } else {
