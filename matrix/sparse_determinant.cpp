@@ -12,6 +12,7 @@
 #include "numbers/number_modes.h"
 #include "numbers/ring_switch.h"
 #include "poly/leaf_number.h"
+#include "poly/poly_modes.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
 #include "quoly/quoly_quot.h"
@@ -144,20 +145,10 @@ static bool takes_minors(int32_t m, Entries kind) {
     return 1 < m && m <= cut;
 }
 
-/// By the method that fits, without a divisor; true if the divisor has been taken care of.
-static bool determinant_by_kind(sparseptr spar, int32_t m, const DeterminantRequest& request, quolyptr det) {
-    MatrixEntries entries = sparse_entry_list(spar, m);
-    Entries kind = kind_of(entries);
-    if (takes_minors(m, kind)) {
-        sparse_minors_det(entries, det);
-    } else if (m > k_most_pivot_rows) {
-        quoly_set(0, det);
-        error(Err::sparse_rows);
-    } else if (kind == Entries::words) {
-        determinant_of_words(entries, det);
-    } else if (kind == Entries::integers || kind == Entries::rationals) {
-        determinant_of_numbers(entries, det);
-    } else if (kind == Entries::polynomials && gauss_cutoff == 1) {
+/// By the method that fits; true if the divisor has been taken care of.
+static bool determinant_of_functions(sparseptr spar, int32_t m, Entries kind, const DeterminantRequest& request,
+                                     quolyptr det) {
+    if (kind == Entries::polynomials && gauss_cutoff == 1) {
         sparse_gauss_Bareiss(spar, m, det);
     } else if (kind == Entries::polynomials && interpolation_is_on() &&
                sparse_lagrange(spar, m, request, det)) {
@@ -170,9 +161,34 @@ static bool determinant_by_kind(sparseptr spar, int32_t m, const DeterminantRequ
     return false;
 }
 
+/// What is modded out above the field may have zero divisors: the determinant is that of plain polynomials, reduced once.
+static bool determinant_above_field(sparseptr spar, int32_t m, Entries kind, const DeterminantRequest& request,
+                                    quolyptr det) {
+    boolean plain = plain_above_field;
+    plain_above_field = 1;
+    bool divided = determinant_of_functions(spar, m, kind, request, det);
+    plain_above_field = plain;
+    if (modout_above_field) (void)quoly_mod_out(det);
+    return divided;
+}
+
 void sparse_determinant(sparseptr spar, int32_t m, const DeterminantRequest& request, quolyptr det) {
     ScratchMark mark = scratch_mark();
-    bool divided = determinant_by_kind(spar, m, request, det);
+    MatrixEntries entries = sparse_entry_list(spar, m);
+    Entries kind = kind_of(entries);
+    bool divided = false;
+    if (takes_minors(m, kind)) {
+        sparse_minors_det(entries, det);
+    } else if (m > k_most_pivot_rows) {
+        quoly_set(0, det);
+        error(Err::sparse_rows);
+    } else if (kind == Entries::words) {
+        determinant_of_words(entries, det);
+    } else if (kind == Entries::integers || kind == Entries::rationals) {
+        determinant_of_numbers(entries, det);
+    } else {
+        divided = determinant_above_field(spar, m, kind, request, det);
+    }
     scratch_release(mark);
     if (!divided) divide_fct(det, request);
 }

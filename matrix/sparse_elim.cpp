@@ -4,9 +4,11 @@
 #include "matrix/components.h"
 #include "matrix/determinant.h"
 #include "matrix/exact_quotient.h"
+#include "matrix/interpolated.h"
 #include "matrix/reduction.h"
 #include "matrix/sparse_pivot.h"
 #include "numbers/number_modes.h"
+#include "poly/poly_modes.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
@@ -14,6 +16,7 @@
 #include "storage/progress.h"
 #include "storage/scratch.h"
 
+#include <algorithm>
 #include <cstdio>
 namespace tolvex {
 namespace {
@@ -34,13 +37,11 @@ static SparseElim begin_elimination(sparseptr spar, int32_t m, quolyptr det) {
     return e;
 }
 
-/// A pivot, whose row is closed. False: the determinant is 0.
-static bool take_pivot(SparseElim& e, int32_t* row, int32_t* column) {
-    if (sparse_findbest(e.table, true, row, column) != PivotSearch::found) return false;
-    e.column_of[*row] = *column - 1;
-    close_row(e.table, *row);
+/// The pivot has been chosen: its row is closed.
+static void take_pivot(SparseElim& e, int32_t row, int32_t column) {
+    e.column_of[row] = column - 1;
+    close_row(e.table, row);
     e.done++;
-    return true;
 }
 
 static void free_row_of(SparseElim& e, int32_t r) {
@@ -95,18 +96,41 @@ static quoly* open_block(SparseElim& e, int32_t left) {
     return block;
 }
 
-/// True if the rest is so full that it has gone to the dense methods.
-static bool finish_dense(SparseElim& e) {
-    constexpr int64_t k_most_rows = 1000, k_share = 3, k_least_rows = 2;
-    int64_t left = e.m - e.done;
-    if (left > k_most_rows || left < k_least_rows || e.table.entries * k_share <= left * left) return false;
+constexpr int64_t k_most_dense_rows = 1000;
+
+/// The rest goes to the dense methods.
+static void finish_dense(SparseElim& e) {
+    int32_t left = e.m - e.done;
     quoly rest = nullptr;
-    const quoly* block = open_block(e, static_cast<int32_t>(left));
+    const quoly* block = open_block(e, left);
     quoly_set(0, &rest);
-    dense_determinant(block, static_cast<int32_t>(left), &rest);
+    dense_determinant(block, left, &rest);
     fast_quoly_mult(e.det, rest);
     free_quoly(&rest);
-    return true;
+}
+
+/// True if a third of what is left has entries.
+static bool rest_is_full(const SparseElim& e) {
+    constexpr int64_t k_share = 3, k_least_rows = 2;
+    int64_t left = e.m - e.done;
+    return left <= k_most_dense_rows && left >= k_least_rows && e.table.entries * k_share > left * left;
+}
+
+/// Asked once, when the first polynomial would divide: true if values at points are known to take seconds at most, so
+/// that no quotients need be formed.
+static bool rest_has_few_points(SparseElim& e) {
+    constexpr double k_most_work = 1e10;  // nanoseconds
+    int64_t left = e.m - e.done;
+    bool numbers = false;
+    if (left > k_most_dense_rows || field_depth > 0 || laurent) return false;
+    if (!sparse_allpolys(e.spar, e.m, &numbers)) return false;
+    ScratchMark mark = scratch_mark();
+    auto* saved = scratch_array<int32_t>(e.m);
+    std::copy(e.column_of, e.column_of + e.m, saved);
+    double work = interpolation_work(open_block(e, static_cast<int32_t>(left)), static_cast<int32_t>(left), false);
+    std::copy(saved, saved + e.m, e.column_of);
+    scratch_release(mark);
+    return work >= 0 && work < k_most_work;
 }
 
 static void end_elimination(SparseElim& e, bool singular) {
@@ -128,12 +152,22 @@ void sparse_gauss_elim(sparseptr spar, int32_t m, quolyptr det) {
     ScratchMark mark = scratch_mark();
     begin_report("Gauss-Jordan elim method, sparse, size ", m);
     SparseElim e = begin_elimination(spar, m, det);
-    bool singular = false;
-    while (e.done < m && !singular && !finish_dense(e)) {
+    bool singular = false, asked = false;
+    while (e.done < m) {
         poll_interrupt();
         int32_t row = 0, column = 0;
-        singular = !take_pivot(e, &row, &column);
+        bool dense = rest_is_full(e);
+        singular = !dense && sparse_findbest(e.table, true, &row, &column) != PivotSearch::found;
         if (singular) break;
+        if (!dense && !asked && !spar_retrieve(spar, row + 1, column)->numb && e.table.count[column] > 1) {
+            asked = true;
+            dense = rest_has_few_points(e);
+        }
+        if (dense) {
+            finish_dense(e);
+            break;
+        }
+        take_pivot(e, row, column);
         if (windy) printf("  choosing pivot at: %d, %d, %d\n", e.done, row + 1, column);
         eliminate(e, row, column);
         free_row_of(e, row);
@@ -183,8 +217,9 @@ void sparse_gauss_Bareiss(sparseptr spar, int32_t m, quolyptr det) {
     while (e.done < m && !singular) {
         poll_interrupt();
         int32_t row = 0, column = 0;
-        singular = !take_pivot(e, &row, &column);
+        singular = sparse_findbest(e.table, true, &row, &column) != PivotSearch::found;
         if (singular) break;
+        take_pivot(e, row, column);
         quoly pivot = nullptr;
         quoly_assign(spar_retrieve(spar, row + 1, column), &pivot);
         eliminate_exactly(e, row, column, pivot, previous);
