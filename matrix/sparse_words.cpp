@@ -5,7 +5,6 @@
 #include "storage/scratch.h"
 
 #include <algorithm>
-#include <cstring>
 #include <numeric>
 namespace tolvex {
 namespace {
@@ -66,7 +65,7 @@ static void note_entry(WordElim& e, int32_t column, int32_t r) {
     WordColumn& c = e.column[column];
     if (c.listed == c.room) {
         auto* larger = scratch_array<int32_t>(2 * int64_t{c.room} + 4);
-        memcpy(larger, c.row, static_cast<size_t>(c.listed) * sizeof(int32_t));
+        std::copy_n(c.row, c.listed, larger);
         c.row = larger;
         c.room = 2 * c.room + 4;
     }
@@ -151,7 +150,7 @@ static void add_row(WordElim& e, int32_t q, uint32_t factor, int32_t r, int32_t 
         x.room = std::min(e.n, count + count / 2 + 4);
         x.entry = scratch_array<Entry>(x.room);
     }
-    memcpy(x.entry, e.merged, static_cast<size_t>(count) * sizeof(Entry));
+    std::copy_n(e.merged, count, x.entry);
     e.entries += count - x.count;
     x.count = count;
     link_row(e, q);
