@@ -26,7 +26,7 @@ static bool create_one(BuiltinCall& call) {
     next_token(call.inf, call.flag);
     if (!expect(call.inf, call.flag, '[', Err::builtin_open_bracket)) return false;
     Subscripts s;
-    if (!evalcoords(call.inf, call.flag, ']', ',', false, &s)) return false;
+    if (!evalcoords(call.inf, call.flag, ']', ',', &s)) return false;
     if (!s.two) s.j = 1;
     if (!tok_is(token, "Sparse")) return insertarr(name, s.i, s.j, !s.two) != nullptr;
     next_token(call.inf, call.flag);

@@ -40,20 +40,13 @@ bool read_plain_integer(FILE* inf, nameptr* flag, Err not_a_number, int64_t* val
     return good;
 }
 
-static bool read_subscript(FILE* inf, nameptr* flag, bool nonneg, int64_t* value) {
-    if (!read_plain_integer(inf, flag, Err::index_not_number, value)) return false;
-    if (*value >= 0 || !nonneg) return true;
-    error(Err::negative_index);
-    return false;
-}
-
-bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, bool nonneg, Subscripts* s) {
-    if (!read_subscript(inf, flag, nonneg, &s->i)) return false;
+bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, Subscripts* s) {
+    if (!read_plain_integer(inf, flag, Err::index_not_number, &s->i)) return false;
     s->two = at_char(separator);
     s->j = addresser;
     if (s->two) {
         next_token(inf, flag);
-        if (!read_subscript(inf, flag, nonneg, &s->j)) return false;
+        if (!read_plain_integer(inf, flag, Err::index_not_number, &s->j)) return false;
     }
     if (at_char(closer) || at_char(']')) {
         next_token(inf, flag);
@@ -265,7 +258,7 @@ static bool assignment_follows(FILE* inf, const nameptr* flag) {
 bool read_target(FILE* inf, nameptr* flag, arrptr a, const tokentipe& name, ElementTarget* target) {
     next_token(inf, flag);
     Subscripts s;
-    if (!evalcoords(inf, flag, ']', ',', false, &s)) return false;
+    if (!evalcoords(inf, flag, ']', ',', &s)) return false;
     a = array_itself(a);
     *target = {a->name, a->time, 0};
     return find_place(a, s.i, s.j, s.two, name, &target->index);
@@ -304,7 +297,7 @@ void new_arretrieve(FILE* inf, tokentipe& name, nameptr* flag, quolyptr* qp, quo
     Subscripts s;
     arrptr a = nullptr;
     int64_t index;
-    if (evalcoords(inf, flag, ']', ',', false, &s) && array_seek(name, &a)) {
+    if (evalcoords(inf, flag, ']', ',', &s) && array_seek(name, &a)) {
         a = array_itself(a);
         if (!refuse_array_of_other_ring(a, name) && find_place(a, s.i, s.j, s.two, name, &index)) {
             locate(inf, flag, a, index, nullptr, name, qp, n);
@@ -321,7 +314,7 @@ void system_element(FILE* inf, nameptr* flag, quolyptr* qp, quolyptr n) {
         error(Err::system_array_undefined);
     } else {
         next_token(inf, flag);
-        if (evalcoords(inf, flag, ']', ',', false, &s) && !refuse_array_of_other_ring(syst, syst->name) &&
+        if (evalcoords(inf, flag, ']', ',', &s) && !refuse_array_of_other_ring(syst, syst->name) &&
             find_place(syst, s.i, s.j, s.two, syst->name, &index)) {
             locate(inf, flag, syst, index, "[<]", syst->name, qp, n);
             return;

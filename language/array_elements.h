@@ -17,9 +17,8 @@ struct Subscripts {
     bool two;
 };
 /// Reads subscripts, from the first token of the first one up to and over the closing sign (or "]"). They are
-/// ordinary integers in modular arithmetic too. False after error 61, 118 or 314. `nonneg`: a negative one is
-/// error 314.
-bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, bool nonneg, Subscripts* s);
+/// ordinary integers in modular arithmetic too. False after error 61 or 118.
+bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, Subscripts* s);
 /// An expression that must be an integer, as a word; what does not fit is greater than any subscript. False
 /// after error `not_a_number`.
 bool read_plain_integer(FILE* inf, nameptr* flag, Err not_a_number, int64_t* value);

@@ -34,7 +34,7 @@ void read_array_element(FILE* inf, quolyptr n, nameptr* flag, tokentipe& name) {
     arrptr a = nullptr;
     ElementTarget target;
     next_token(inf, flag);
-    bool good = evalcoords(inf, flag, ']', ',', false, &s) && array_seek(name, &a);
+    bool good = evalcoords(inf, flag, ']', ',', &s) && array_seek(name, &a);
     if (good) {
         a = array_itself(a);
         target = {a->name, a->time, 0};

@@ -253,7 +253,6 @@ enum class Err : int32_t {
     expansion_running = 309,
     expansion_rows = 310,
     location_not_wanted = 313,
-    negative_index = 314,
     assignment_left_value = 316,
     assignment_form = 317,
     target_gone = 318,

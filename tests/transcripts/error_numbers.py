@@ -21,7 +21,6 @@ FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 WAITING = {
     71: "takes a list of more than a million values: big_input.py",
     309: "takes an interrupt in an expansion: SparseMinors in tests/unit/matrix",
-    314: "subscripts that may not be negative, which no command asks for yet",
     371: "takes an interrupt in a sort: tests/fault/interrupt_places.py",
 }
 
