@@ -198,13 +198,11 @@ struct ArrTarget {
 };
 }  // namespace
 
-/// The record of the target, nil if it has gone (error 28) or is new.
+/// The record of the target, nil if it has gone (error 28) or is new. One that was new, and that the right side has made
+/// meanwhile, is there.
 static bool record_of(ArrTarget& t, arrptr* named) {
     fastestlookup(t.name, named);
-    if (t.stamp == 0) {
-        *named = nullptr;
-        return true;
-    }
+    if (t.stamp == 0) return true;
     while (*named != nullptr && (*named)->time != t.stamp) *named = (*named)->next;
     return *named != nullptr || statement_error(Err::undefined_array, tok_text(t.name));
 }
