@@ -77,6 +77,7 @@ static void num_fold_poly(polyptrr p, poly c, int32_t n) {
     *p = nullptr;
     bool good = true;
     while (rest != nullptr) {
+        poll_interrupt();
         poly t = rest, power = nullptr;
         rest = rest->next;
         t->next = nullptr;
@@ -100,6 +101,7 @@ void reduce_coefficients(polyptrr at, polypt below) {
     while (*at != nullptr) {
         poly t = *at;
         if (!t->numb) {
+            poll_interrupt();
             reduce_product(&t->pcoef, below);
             if (poly_iszero(t->pcoef)) {
                 *at = t->next;

@@ -474,14 +474,17 @@ bool tw_from_poly(const TowerWords& t, int32_t h, const polynode* c, uint32_t* o
     const polynode* last = c;
     while (last->next != nullptr) last = last->next;
     if (c->exp < t.at[h].n && last->exp >= 0) {  // reduced as it stands
-        for (; c != nullptr; c = c->next)
+        for (; c != nullptr; c = c->next) {
+            if (!c->numb) poll_interrupt();
             if (!coefficient_words(t, h - 1, c, out + c->exp * size)) return false;
+        }
         return true;
     }
     bool good = true;
     ScratchMark mark = scratch_mark();
     auto* coefficient = scratch_array<uint32_t>(size);
     for (; c != nullptr && good; c = c->next) {
+        poll_interrupt();
         good = coefficient_words(t, h - 1, c, coefficient);
         if (good) tw_add(t, h - 1, out, coefficient, out);
         times_variable(t, h, out, c->next != nullptr ? int64_t{c->exp} - c->next->exp : maxx(c->exp, 0));

@@ -51,6 +51,7 @@ static uint32_t pass(const ImagePass& p, const polynode* t, int32_t level, int32
             value = wf_mul(*p.f, here, wf_of_number(*p.f, t->ncoef));
             add_below(p, level + 1, levels, value);
         } else {
+            poll_interrupt();
             value = pass(p, t->pcoef, level + 1, levels, here);
         }
         if (p.image[level] != nullptr) p.image[level][e] = wf_add(*p.f, p.image[level][e], value);

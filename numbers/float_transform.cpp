@@ -27,7 +27,8 @@ constexpr int64_t k_level_by_level = 2048;
 struct RootTable {
     double* w = nullptr;
     double* quotient = nullptr;
-    int64_t size = 0;  // entries that are there: a power of two
+    int64_t size = 0;  // entries that are there
+    int64_t room = 0;  // entries that have room: a power of two
 };
 RootTable roots[k_float_primes];
 inline FloatFactor root_at(const RootTable& t, int64_t j) { return {t.w[j], t.quotient[j]}; }
@@ -51,21 +52,25 @@ static void grow_roots(int32_t prime, int64_t n) {
     int64_t p = k_float_prime[prime];
     FloatModulus f = float_modulus(p);
     while (t.size < n) {
-        int64_t m = t.size, room = m == 0 ? 1024 : 2 * m;
-        t.w = static_cast<double*>(checked_realloc(t.w, static_cast<size_t>(room) * sizeof(double)));
-        t.quotient =
-            static_cast<double*>(checked_realloc(t.quotient, static_cast<size_t>(room) * sizeof(double)));
-        if (m == 0) t.w[0] = 1, t.quotient[0] = 1 / f.m, m = 1;
-        for (; m < room; m *= 2) {
-            int64_t w = power_mod(
-                k_root[prime], int64_t{1} << (k_root_bits - std::bit_width(static_cast<uint64_t>(m)) - 1), p);
-            FloatFactor step = float_factor(balanced(w, p), f);
-            for (int64_t i = 0; i < m; i++) {
-                t.w[m + i] = float_rest(float_times(t.w[i], step, f.m), f);
-                t.quotient[m + i] = t.w[m + i] / f.m;
-            }
+        if (t.size == t.room) {
+            int64_t room = t.room == 0 ? 1024 : 2 * t.room;
+            t.w = static_cast<double*>(checked_realloc(t.w, static_cast<size_t>(room) * sizeof(double)));
+            t.quotient =
+                static_cast<double*>(checked_realloc(t.quotient, static_cast<size_t>(room) * sizeof(double)));
+            t.room = room;
         }
-        t.size = room;
+        if (t.size == 0) t.w[0] = 1, t.quotient[0] = 1 / f.m, t.size = 1;
+        // Entry m + i follows from entry i, for a power of two m.
+        const auto m = static_cast<int64_t>(std::bit_floor(static_cast<uint64_t>(t.size)));
+        const int64_t stop = t.size + k_stretch < 2 * m ? t.size + k_stretch : 2 * m;
+        int64_t w = power_mod(k_root[prime],
+                              int64_t{1} << (k_root_bits - std::bit_width(static_cast<uint64_t>(m)) - 1), p);
+        FloatFactor step = float_factor(balanced(w, p), f);
+        for (int64_t k = t.size; k < stop; k++) {
+            t.w[k] = float_rest(float_times(t.w[k - m], step, f.m), f);
+            t.quotient[k] = t.w[k] / f.m;
+        }
+        t.size = stop;
         poll_interrupt();
     }
 }

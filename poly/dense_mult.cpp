@@ -34,6 +34,8 @@ static void clear_entries(uint32_t* x, int32_t n) {
 // trimming.
 static void karatsuba(const WordField& f, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn,
                       uint32_t* c) {
+    constexpr int32_t k_unpolled = 1024;
+    if (bn >= k_unpolled) poll_interrupt();
     int32_t half = bn / 2, a_high = an - half, b_high = bn - half;
     bool square = a == b && an == bn;
     wf_mult(f, a, half, b, half, c);

@@ -137,7 +137,7 @@ static bool divide_by_one_term(poly n, poly m, polyptrr q, polypt pt) {
 static bool divide_chains(poly n, poly m, polyptrr q, polypt pt) {
     poly head = nullptr, r = nullptr;
     polyptrr tail = &head;
-    poly_assign(n, &r);
+    poly_assign_polled(n, &r);
     bool exact = true;
     while (!poly_iszero(r)) {
         poll_interrupt();

@@ -11,20 +11,29 @@ static void open_level(PackMeasure* m, int32_t level) {
 
 /// zero_from: below the leaf nearest to the top the exponent 0 occurs in every level.
 static void measure_chain(const polynode* p, int32_t level, PackMeasure* m, int32_t* zero_from) {
+    int32_t least = m->least[level], most = m->most[level], digits = m->digits;
+    int64_t leaves = 0;
     for (; p != nullptr; p = p->next) {
-        if (p->exp < m->least[level]) m->least[level] = p->exp;
-        if (p->exp > m->most[level]) m->most[level] = p->exp;
+        if (p->exp < least) least = p->exp;
+        if (p->exp > most) most = p->exp;
         const polynode* leaf = p->numb ? p : is_number(p->pcoef) ? p->pcoef : nullptr;
         if (leaf == nullptr) {
             if (level + 1 >= m->levels) open_level(m, level + 1);
             measure_chain(p->pcoef, level + 1, m, zero_from);
             continue;
         }
-        m->terms++;
-        poll_every<k_terms_unpolled>(m->terms);
-        if (*zero_from > level + 1) *zero_from = level + 1;
-        if (!lintmode && leaf->ncoef->size > m->digits) m->digits = leaf->ncoef->size;
+        leaves++;
+        if (!lintmode && leaf->ncoef->size > digits) digits = leaf->ncoef->size;
+        poll_every<k_terms_unpolled>(leaves);
     }
+    m->least[level] = least;
+    m->most[level] = most;
+    if (leaves == 0) return;
+    if (digits > m->digits) m->digits = digits;
+    if (*zero_from > level + 1) *zero_from = level + 1;
+    const int64_t before = m->terms;
+    m->terms += leaves;
+    if ((before ^ m->terms) >= k_terms_unpolled) poll_interrupt();
 }
 
 void pack_measure(const polynode* p, PackMeasure* m) {

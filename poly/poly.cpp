@@ -13,7 +13,7 @@ namespace tolvex {
 #ifdef TOLVEX_SMALL_LIMITS
 static constexpr int64_t k_terms_at_once = 50;
 #else
-static constexpr int64_t k_terms_at_once = int64_t{1} << 18;
+static constexpr int64_t k_terms_at_once = int64_t{1} << 16;  // three lines of cache a term
 #endif
 enum class Shape : int32_t { chains, words };  // of the numbers
 

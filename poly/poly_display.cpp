@@ -55,9 +55,14 @@ void break_line(Show& w) {
     }
 }
 
-/// Ends the line if it is within `reserve` characters of its length.
+/// Ends the line if it is within `reserve` characters of its length. The safe point of a display: once a line, or, where
+/// lines are not broken, every time.
 void break_if_full(Show& w, int32_t reserve) {
-    if (dispcutoff > 0 && *w.mylength > 0 && *w.mylength >= dispcutoff - reserve) break_line(w);
+    if (dispcutoff > 0) {
+        if (*w.mylength <= 0 || *w.mylength < dispcutoff - reserve) return;
+        break_line(w);
+    }
+    poll_interrupt();
 }
 
 // ---- signs ---------------------------------------------------------------------------------------------
@@ -139,7 +144,6 @@ void show_nested(Show& w, const polynode* p, polypt q, bool first_extra) {
     if (q == nullptr) tolvex_error(" q = NULL at start of poly_display.");
     bool extra = first_extra;
     for (const polynode* t = p; t != nullptr; t = t->next, extra = true) {
-        poll_interrupt();
         check_node(t);
         if (t != p) put_separator(w, t);
         const polynode* c = coefficient(t);
@@ -205,7 +209,6 @@ void put_monomial(Show& w, const number* n, const Monomial& m, polypt q) {
 
 void monomial_disp(Show& w, const polynode* p, Monomial& m, polypt top, polypt q) {
     for (const polynode* t = p; t != nullptr && !w.stopped; t = t->next) {
-        poll_interrupt();
         if (t->numb) {
             put_monomial(w, t->ncoef, m, top);
             m.first = false;

@@ -201,6 +201,10 @@ static void report_error(int32_t k, const char* text) {
     if (extra_line) putchar('\n');
     printf("*** Inappropriate symbol: %s\n", shown_token(text));
     out_err_mess(k);
+    if (k == static_cast<int32_t>(Err::array_has_parameter))
+        printf("that you have just deleted.  Any reference to this parameter \n"
+               "%s may crash Tolvex. There may be other such dangling array parameters.\n",
+               shown_token(text));
     report_definition(static_cast<Err>(k));
     report_load_place();
     report_place();
