@@ -64,8 +64,8 @@ static const number* number_in(const quolynode* q) {
 /// what is common for certain.
 static bool gcd_modulo_composite(poly a, poly b, polyptrr r) {
     poly u = nullptr, v = nullptr;
-    poly_assign(a, &u);
-    poly_assign(b, &v);
+    poly_assign_polled(a, &u);
+    poly_assign_polled(b, &v);
     const polyptrr both[] = {&u, &v};
     for (polyptrr p : both) {  // monomials are units under laurent
         if (!has_negative_exponent(*p)) continue;

@@ -9,14 +9,15 @@
 #include "numbers/shape_num.h"
 #include "quoly/quoly_basic.h"
 #include "session/load.h"
-#include "session/mod_out.h"
 #include "session/loop.h"
+#include "session/mod_out.h"
 #include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
 #include "session/save_file.h"
 #include "session/session_modes.h"
+#include "session/switch_arrays.h"
 #include "session/switch_table.h"
 #include "storage/failure.h"
 #include "storage/progress.h"
@@ -83,6 +84,8 @@ static void set_text_form(FILE* inf, nameptr* flag, const char* letter) {
     char text[k_text_length + 1];
     if (tok_is(token, "'")) {
         if (!read_quoted(inf, flag, text)) return;
+    } else if (tok_is(token, "[")) {
+        if (!get_from_array(inf, flag, text)) return;
     } else {
         strcpy(text, tok_text(token));
         next_token(inf, flag);
@@ -257,6 +260,8 @@ void set_switch(FILE* inf, quolyptr n, nameptr* flag) {
         set_mod_out(inf, flag);
     } else if (strcmp(form.letter, "p") == 0) {
         set_ring_form(form);
+    } else if (strcmp(form.letter, "#") == 0 && tok_is(token, "[")) {
+        get_cut_from_array(inf, flag);
     } else {
         set_number_form(form);
     }
