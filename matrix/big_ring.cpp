@@ -1,12 +1,7 @@
 #include "matrix/big_ring.h"
 
-#include <algorithm>
-#include <cstring>
+#include <utility>
 namespace tolvex {
-static void copy_limbs(limb* r, const limb* a, int64_t n) {
-    memcpy(r, a, static_cast<size_t>(n) * sizeof(limb));
-}
-
 BigRing big_ring(const limb* m, int64_t n) {
     BigRing g = {m, n, scratch_array<limb>(n + 2), scratch_array<limb>(2 * n + 2),
                  scratch_array<limb>(2 * n + 4)};
@@ -94,6 +89,26 @@ int64_t gcd_of_limbs(limb* r, const limb* a, int64_t an, const limb* b, int64_t 
     copy_limbs(r, g, n);
     scratch_release(mark);
     return n;
+}
+
+void cofactor_of_gcd(const BigRing& ring, limb* u, const limb* a, const limb* g, int64_t gn) {
+    ScratchMark mark = scratch_mark();
+    int64_t n = ring.n, an = limbs_trim(a, n);
+    limb *rest = scratch_array<limb>(n), *over_a = scratch_array<limb>(n + 1),
+         *over_m = scratch_array<limb>(n + 1);
+    std::fill_n(over_a, n + 1, 0);
+    std::fill_n(over_m, n + 1, 0);
+    copy_limbs(rest, ring.m, n);
+    limbs_divrem(over_m, rest, n, g, gn);
+    copy_limbs(rest, a, n);
+    if (an >= gn) limbs_divrem(over_a, rest, an, g, gn);
+    int64_t mn = limbs_trim(over_m, n + 1);
+    std::fill_n(u, n, 0);
+    if (is_one(over_m, mn))
+        u[0] = 1;
+    else
+        inverse_of_limbs(u, over_a, over_m, mn);
+    scratch_release(mark);
 }
 
 void inverse_of_limbs(limb* r, const limb* a, const limb* m, int64_t mn) {

@@ -7,7 +7,6 @@
 #include "storage/interrupt.h"
 
 #include <algorithm>
-#include <cstring>
 namespace tolvex {
 namespace {
 struct ModularHermite {
@@ -23,12 +22,7 @@ struct ModularHermite {
     limb* pivot(int32_t r) const { return pivots + r * n; }
     limb* rest(int32_t r) const { return rests + r * n; }
 };
-bool is_one(const limb* a, int64_t n) { return n == 1 && a[0] == 1; }
 }  // namespace
-
-static void copy_limbs(limb* r, const limb* a, int64_t n) {
-    memcpy(r, a, static_cast<size_t>(n) * sizeof(limb));
-}
 
 static void load(ModularHermite& e, const IntGrid& a) {
     for (int32_t c = 0; c < e.cols; c++) {
@@ -94,28 +88,6 @@ static void gather_row(ModularHermite& e, int32_t i) {
             gcd_with_rest(e, i, i);
         } while (e.gn != wanted || limbs_compare(e.g, e.gn, next, wanted) != 0);
     }
-}
-
-/// factor := the u with u a = g modulo the rest, a the entry (i, i), g its gcd with the rest.
-static void unit_of_pivot(ModularHermite& e, int32_t i) {
-    ScratchMark mark = scratch_mark();
-    int64_t n = e.ring.n;
-    limb *a = scratch_array<limb>(n + 1), *m = scratch_array<limb>(n + 1), *qa = scratch_array<limb>(n + 1),
-         *qm = scratch_array<limb>(n + 1);
-    std::fill_n(qa, n + 1, 0);
-    std::fill_n(qm, n + 1, 0);
-    copy_limbs(a, e.entry(i, i), n);
-    copy_limbs(m, e.ring.m, n);
-    int64_t an = limbs_trim(a, n);
-    limbs_divrem(qm, m, n, e.g, e.gn);
-    if (an >= e.gn) limbs_divrem(qa, a, an, e.g, e.gn);
-    int64_t mn = limbs_trim(qm, n + 1);
-    std::fill_n(e.factor, e.n, 0);
-    if (is_one(qm, mn))
-        e.factor[0] = 1;
-    else
-        inverse_of_limbs(e.factor, qa, qm, mn);
-    scratch_release(mark);
 }
 
 /// Column i becomes u times itself, with the pivot g in row i.
@@ -184,7 +156,8 @@ static void triangularise(ModularHermite& e) {
         std::fill_n(e.rest(i), e.n, 0);
         copy_limbs(e.rest(i), e.ring.m, e.ring.n);
         if (!bring_unit(e, i)) gather_row(e, i);
-        unit_of_pivot(e, i);
+        std::fill_n(e.factor, e.n, 0);
+        cofactor_of_gcd(e.ring, e.factor, e.entry(i, i), e.g, e.gn);
         scale_pivot(e, i);
         clear_row(e, i);
         if (!divide_rest(e, i)) return fill_identity(e, i + 1);

@@ -6,7 +6,6 @@
 #include "storage/interrupt.h"
 
 #include <algorithm>
-#include <cstring>
 namespace tolvex {
 namespace {
 struct ModularSmith {
@@ -20,12 +19,7 @@ struct ModularSmith {
     IntEntry common;  // what has been divided out so far
     limb* entry(int32_t r, int32_t c) const { return at + (int64_t{r} * cols + c) * n; }
 };
-bool is_one(const limb* a, int64_t n) { return n == 1 && a[0] == 1; }
 }  // namespace
-
-static void copy_limbs(limb* r, const limb* a, int64_t n) {
-    memcpy(r, a, static_cast<size_t>(n) * sizeof(limb));
-}
 
 /// g := gcd of entry (k, k) and m.
 static void gcd_of_pivot(ModularSmith& e, int32_t k) {
@@ -92,31 +86,9 @@ static bool bring_pivot(ModularSmith& e, int32_t k) {
     return unit;
 }
 
-/// inverse := that of pivot / g modulo m / g.
-static void invert_pivot(ModularSmith& e, int32_t k) {
-    ScratchMark mark = scratch_mark();
-    int64_t n = e.ring.n;
-    limb *a = scratch_array<limb>(n + 1), *m = scratch_array<limb>(n + 1), *qa = scratch_array<limb>(n + 1),
-         *qm = scratch_array<limb>(n + 1);
-    std::fill_n(qa, n + 1, 0);
-    std::fill_n(qm, n + 1, 0);
-    copy_limbs(a, e.entry(k, k), n);
-    copy_limbs(m, e.ring.m, n);
-    int64_t an = limbs_trim(a, n);
-    limbs_divrem(qm, m, n, e.g, e.gn);
-    if (an >= e.gn) limbs_divrem(qa, a, an, e.g, e.gn);
-    int64_t mn = limbs_trim(qm, n + 1);
-    std::fill_n(e.inverse, e.n, 0);
-    if (is_one(qm, mn))
-        e.inverse[0] = 1;
-    else
-        inverse_of_limbs(e.inverse, qa, qm, mn);
-    scratch_release(mark);
-}
-
 /// Column k is cleared by the pivot, whose gcd with m, g, divides its entries.
 static void clear_column(ModularSmith& e, int32_t k) {
-    invert_pivot(e, k);
+    cofactor_of_gcd(e.ring, e.inverse, e.entry(k, k), e.g, e.gn);
     for (int32_t r = k + 1; r < e.rows; r++) {
         limb* x = e.entry(r, k);
         int64_t xn = limbs_trim(x, e.ring.n);
