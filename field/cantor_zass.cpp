@@ -69,14 +69,21 @@ void odd_cantor_zass(const ResidueRing& r, const uint32_t* t, FactorRandom* rand
     ScratchMark mark = scratch_mark();
     auto *c = new_elements(k, 1), *power = new_elements(k, r.n), *norm = new_elements(k, r.n);
     random_elements(k, random, 1, c);
-    copy_elements(k, t, r.n, power);
-    add_elements(k, power, c, 1, power);
-    copy_elements(k, power, r.n, norm);
-    for (int32_t i = 1; i < k.degree; i++) {  // to the prime field
-        residue_power(r, power, k.p, power);
-        residue_product(r, norm, power, norm);
+    if (t == nullptr && k.degree == 1) {
+        linear_power(r, c, (k.p - 1) / 2, out);
+    } else {
+        if (t == nullptr)
+            residue_x(r, power);
+        else
+            copy_elements(k, t, r.n, power);
+        add_elements(k, power, c, 1, power);
+        copy_elements(k, power, r.n, norm);
+        for (int32_t i = 1; i < k.degree; i++) {  // to the prime field
+            residue_power(r, power, k.p, power);
+            residue_product(r, norm, power, norm);
+        }
+        residue_power(r, norm, (k.p - 1) / 2, out);
     }
-    residue_power(r, norm, (k.p - 1) / 2, out);
     tw_set(k.t, k.h, 1, c);
     subtract_elements(k, out, c, 1, out);
     scratch_release(mark);
@@ -147,7 +154,7 @@ static int32_t proper_divisor(SplitEnv& env, const Split& p, uint32_t* t, uint32
         if (k.p == 2)
             even_cantor_zass(r, t, env.random, u);
         else
-            odd_cantor_zass(r, t, env.random, u);
+            odd_cantor_zass(r, env.d == 1 ? nullptr : t, env.random, u);
         copy_elements(k, p.c, n + 1, copy);
         uint32_t* common = nullptr;
         degree = poly_gcd(k, u, n - 1, copy, n, &common);

@@ -197,18 +197,19 @@ static int32_t small_steps(const DegreeSearch& s, const ResidueRing& r) {
     return static_cast<int32_t>(std::min<int64_t>(std::max(b, 2), most));
 }
 
-static void take_small_steps(GiantSteps& g) {
+/// h = x^q.
+static void take_small_steps(GiantSteps& g, const uint32_t* h) {
     const ResidueRing& r = g.ring.r;
     const CoefficientField& k = *r.k;
     const int64_t words = r.n * k.size;
     g.small = scratch_array<uint32_t>((g.b + 1) * words);
     residue_x(r, g.small);
-    power_of_x(r, g.small + words);
+    copy_elements(k, h, r.n, g.small + words);
     ScratchMark mark = scratch_mark();
     const int32_t count = good_power_count(r, g.b);
     const bool by_powers = frobenius_products(k) < composition_products(r, count) + double{1} * count / g.b;
     PowerTable table;
-    if (!by_powers) open_powers(&table, &r, g.small + words, count);
+    if (!by_powers) open_powers(&table, &r, h, count);
     for (int32_t i = 2; i <= g.b; i++) {
         uint32_t* to = g.small + i * words;
         copy_elements(k, to - words, r.n, to);
@@ -227,14 +228,16 @@ static void open_giant_table(const DegreeSearch& s, GiantSteps& g) {
 }
 
 /// The next giant step and the product of its differences.
-static void take_giant_step(GiantSteps& g, uint32_t* h) {
+static void take_giant_step(const DegreeSearch& s, GiantSteps& g, uint32_t* h) {
     const ResidueRing& r = g.ring.r;
     const CoefficientField& k = *r.k;
     g.steps++;
-    if (g.steps == 1)
+    if (g.steps == 1) {
         copy_elements(k, g.small_power(g.b), r.n, h);
-    else
+    } else {
+        if (g.table.count == 0) open_giant_table(s, g);
         compose(g.table, h, h);
+    }
     copy_elements(k, h, r.n, g.power[g.waiting]);
     uint32_t* product = g.differences[g.waiting++];
     ScratchMark mark = scratch_mark();
@@ -293,21 +296,27 @@ static void shrink(const DegreeSearch& s, GiantSteps& g, uint32_t* h) {
         copy_elements(k, power, s.n, g.small + i * s.n * k.size);
     }
     poly_divide(k, h, before - 1, g.ring.f, s.n, nullptr);
+    g.table.count = 0;
     scratch_release(mark);
-    open_giant_table(s, g);
 }
 
 static void search_in_giant_steps(DegreeSearch& s) {
     GiantSteps g = {};
     auto* h = new_elements(*s.k, s.n);
     open_search_ring(s, &g.ring);
-    g.b = small_steps(s, g.ring.r);
-    take_small_steps(g);
-    open_group(g);
-    open_giant_table(s, g);
+    search_block(s, g.ring, 0, 1, h);  // factors of degree 1 can be many
+    if (!s.done() && s.n < g.ring.r.n) {
+        poly_divide(*s.k, h, g.ring.r.n - 1, s.f, s.n, nullptr);
+        open_search_ring(s, &g.ring);
+    }
+    if (!s.done() && s.n >= 4) {
+        g.b = small_steps(s, g.ring.r);
+        take_small_steps(g, h);
+        open_group(g);
+    }
     int32_t group = 1;
-    while (!s.done() && 2 * (g.steps * g.b + 1) <= s.n) {
-        take_giant_step(g, h);
+    while (!s.done() && 2 * (maxx(g.steps * g.b, 1) + 1) <= s.n) {
+        take_giant_step(s, g, h);
         const bool last = 2 * (g.steps * g.b + 1) > s.n;
         if (g.waiting < group && !last) continue;
         take_group(s, g);

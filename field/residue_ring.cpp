@@ -89,21 +89,27 @@ static uint32_t* spread_poly(const CoefficientField& k, const uint32_t* a, int32
     return out;
 }
 
-void poly_product(const CoefficientField& k, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn,
-                  uint32_t* c) {
+/// c := the elements from..to-1 of a b; an, bn >= 1.
+static void product_part(const CoefficientField& k, const uint32_t* a, int32_t an, const uint32_t* b,
+                         int32_t bn, int32_t from, int32_t to, uint32_t* c) {
     poll_interrupt();
-    if (k.h == 0) {
-        wf_mult(k.t.f, a, an, b, bn, c);
-        return;
-    }
     const int64_t slots = k.slots[k.h];
-    const int32_t n = an + bn - 1;
     ScratchMark mark = scratch_mark();
     auto *x = spread_poly(k, a, an), *y = a == b && an == bn ? x : spread_poly(k, b, bn);
-    auto* product = scratch_array<uint32_t>((n + 1) * slots);
+    auto* product = scratch_array<uint32_t>((an + bn) * slots);
     wf_mult(k.t.f, x, static_cast<int32_t>(an * slots), y, static_cast<int32_t>(bn * slots), product);
-    for (int32_t i = 0; i < n; i++) gather_element(k, k.h, product + i * slots, c + i * k.size);
+    for (int32_t i = from; i < to; i++) gather_element(k, k.h, product + i * slots, c + (i - from) * k.size);
     scratch_release(mark);
+}
+
+void poly_product(const CoefficientField& k, const uint32_t* a, int32_t an, const uint32_t* b, int32_t bn,
+                  uint32_t* c) {
+    if (k.h > 0) {
+        product_part(k, a, an, b, bn, 0, an + bn - 1, c);
+        return;
+    }
+    poll_interrupt();
+    wf_mult(k.t.f, a, an, b, bn, c);
 }
 
 // ---- division and common divisors ------------------------------------------------------------------------
@@ -112,11 +118,20 @@ int32_t poly_divide(const CoefficientField& k, uint32_t* a, int32_t da, const ui
                     uint32_t* q) {
     if (k.h == 0) return wf_div_mod(k.t.f, a, da, b, db, 1, q);
     if (q != nullptr && da >= db) clear_elements(k, q, da - db + 1);
-    for (int32_t e = da; e >= db; e--) {  // one row at a time
-        poll_interrupt();
-        if (q != nullptr) copy_elements(k, a + e * k.size, 1, q + (e - db) * k.size);
-        tw_divide(k.t, k.h, a + (e - db) * k.size, db, b, db, nullptr);
+    ScratchMark mark = scratch_mark();
+    auto* multiple = new_elements(k, std::max(db, 1));
+    for (int32_t e = da; e >= db; e--) {
+        uint32_t* top = a + e * k.size;
+        if (tw_iszero(k.t, k.h, top)) continue;
+        if (q != nullptr) copy_elements(k, top, 1, q + (e - db) * k.size);
+        if (db > 0) {
+            uint32_t* low = a + (e - db) * k.size;
+            poly_product(k, b, db, top, 1, multiple);
+            subtract_elements(k, low, multiple, db, low);
+        }
+        clear_elements(k, top, 1);
     }
+    scratch_release(mark);
     return poly_degree(k, a, std::min(da, db - 1));
 }
 
@@ -181,13 +196,12 @@ void residue_product(const ResidueRing& r, const uint32_t* a, const uint32_t* b,
     }
     const int32_t n = r.n;
     ScratchMark mark = scratch_mark();
-    auto *product = new_elements(k, int64_t{2} * n), *multiple = new_elements(k, int64_t{2} * n);
+    auto *product = new_elements(k, int64_t{2} * n), *multiple = new_elements(k, n);
     poly_product(k, a, n, b, n, product);
     if (n > 1) {  // the quotient from the highest coefficients
-        poly_product(k, product + n * k.size, n - 1, r.series, n - 1, multiple);
         auto* q = new_elements(k, n - 1);
-        copy_elements(k, multiple + (n - 2) * k.size, n - 1, q);
-        poly_product(k, r.f, n, q, n - 1, multiple);
+        product_part(k, product + n * k.size, n - 1, r.series, n - 1, n - 2, 2 * n - 3, q);
+        product_part(k, r.f, n, q, n - 1, 0, n, multiple);
         subtract_elements(k, product, multiple, n, out);
     } else {
         tw_mul(k.t, k.h, a, b, out);
@@ -233,12 +247,29 @@ static void shift_residue(const ResidueRing& r, uint32_t* a) {
     scratch_release(mark);
 }
 
-void power_of_x(const ResidueRing& r, uint32_t* out) {
+void linear_power(const ResidueRing& r, const uint32_t* c, uint64_t e, uint32_t* out) {
+    const CoefficientField& k = *r.k;
+    const bool monomial = tw_iszero(k.t, k.h, c);
+    ScratchMark mark = scratch_mark();
+    auto* multiple = new_elements(k, r.n);
     residue_x(r, out);
-    for (int bit = 30 - __builtin_clz(r.k->p); bit >= 0; bit--) {
+    add_elements(k, out, c, 1, out);
+    for (int bit = 62 - __builtin_clzll(e); bit >= 0; bit--) {
         residue_product(r, out, out, out);
-        if (r.k->p >> bit & 1) shift_residue(r, out);
+        if (!(e >> bit & 1)) continue;
+        if (!monomial) poly_product(k, out, r.n, c, 1, multiple);
+        shift_residue(r, out);
+        if (!monomial) add_elements(k, out, multiple, r.n, out);
     }
+    scratch_release(mark);
+}
+
+void power_of_x(const ResidueRing& r, uint32_t* out) {
+    ScratchMark mark = scratch_mark();
+    auto* zero = new_elements(*r.k, 1);
+    clear_elements(*r.k, zero, 1);
+    linear_power(r, zero, r.k->p, out);
+    scratch_release(mark);
     for (int32_t i = 1; i < r.k->degree; i++) residue_power(r, out, r.k->p, out);
 }
 
@@ -268,18 +299,34 @@ void open_powers(PowerTable* table, const ResidueRing* r, const uint32_t* h, int
     }
 }
 
-/// sum := the sum of g[i] row i, i < count.
-static void combine_elements(const PowerTable& table, const uint32_t* g, int32_t count, uint32_t* sum) {
+/// sum[j] := the sum of coef[j][i] row i, i < table.count, for 0 <= j < blocks. Sums are taken before products are
+/// reduced.
+static void combine_elements(const PowerTable& table, const uint32_t* coef, int32_t blocks, uint32_t* sum) {
     const ResidueRing& r = *table.r;
     const CoefficientField& k = *r.k;
+    const int64_t slots = k.slots[k.h], words = (r.n + 1) * slots;
     ScratchMark mark = scratch_mark();
-    auto* product = new_elements(k, r.n);
-    clear_elements(k, sum, r.n);
-    for (int32_t i = 0; i < count; i++) {
-        if (tw_iszero(k.t, k.h, g + i * k.size)) continue;
-        poly_product(k, table.row + i * r.n * k.size, r.n, g + i * k.size, 1, product);
-        add_elements(k, sum, product, r.n, sum);
+    auto *product = scratch_array<uint32_t>(words), *sums = scratch_array<uint32_t>(blocks * words);
+    memset(sums, 0, static_cast<size_t>(blocks * words) * sizeof(uint32_t));
+    product[words - 1] = 0;
+    for (int32_t i = 0; i < table.count; i++) {
+        poll_interrupt();
+        ScratchMark round = scratch_mark();
+        const uint32_t* row = spread_poly(k, table.row + i * r.n * k.size, r.n);
+        for (int32_t j = 0; j < blocks; j++) {
+            const uint32_t* c = coef + (int64_t{j} * table.count + i) * k.size;
+            if (tw_iszero(k.t, k.h, c)) continue;
+            ScratchMark term = scratch_mark();
+            wf_mult(k.t.f, row, static_cast<int32_t>(r.n * slots), spread_poly(k, c, 1),
+                    static_cast<int32_t>(slots), product);
+            row_add(k.t.f, sums + j * words, product, sums + j * words, static_cast<int32_t>(words));
+            scratch_release(term);
+        }
+        scratch_release(round);
     }
+    for (int32_t j = 0; j < blocks; j++)
+        for (int32_t i = 0; i < r.n; i++)
+            gather_element(k, k.h, sums + j * words + i * slots, sum + (int64_t{j} * r.n + i) * k.size);
     scratch_release(mark);
 }
 
@@ -295,8 +342,7 @@ void compose(const PowerTable& table, const uint32_t* g, uint32_t* out) {
     if (k.h == 0)
         combine_rows(k.t.f, coef, blocks, count, table.row, r.n, part);
     else
-        for (int32_t i = 0; i < blocks; i++)
-            combine_elements(table, coef + i * count * k.size, count, part + i * words);
+        combine_elements(table, coef, blocks, part);
     uint32_t* sum = part + (blocks - 1) * words;
     for (int32_t i = blocks - 2; i >= 0; i--) {
         residue_product(r, sum, table.row + count * words, sum);

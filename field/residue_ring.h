@@ -73,6 +73,8 @@ void open_ring(ResidueRing* r, const CoefficientField* k, const uint32_t* f, int
 void residue_product(const ResidueRing& r, const uint32_t* a, const uint32_t* b, uint32_t* out);
 /// out := a^e for e >= 1; out may be a. About log2 e squarings and a product for each bit that is set.
 void residue_power(const ResidueRing& r, const uint32_t* a, uint64_t e, uint32_t* out);
+/// out := (x + c)^e for e >= 1, c an element. The products by x + c take no time.
+void linear_power(const ResidueRing& r, const uint32_t* c, uint64_t e, uint32_t* out);
 /// out := x^q, q the number of elements of the field. The products by x take no time.
 void power_of_x(const ResidueRing& r, uint32_t* out);
 /// a := a^q.

@@ -216,7 +216,23 @@ static void element_products(const TowerWords& t, int32_t h, const uint32_t* a, 
     scratch_release(mark);
 }
 
+/// The same for the deepest level over residues.
+static void reduce_words(const TowerWords& t, uint32_t* c, int32_t degree) {
+    const TowerLevel& level = t.at[1];
+    const int32_t used = level.binomial ? 1 : level.n;
+    for (int32_t e = degree; e >= level.n; e--) {
+        const uint64_t minus_top = wf_neg(t.f, c[e]);
+        if (minus_top == 0) continue;
+        uint32_t* at = c + (e - level.n);
+        for (int32_t j = 0; j < used; j++) at[j] = wf_reduce(t.f, at[j] + minus_top * level.p[j]);
+    }
+}
+
 void tw_reduce(const TowerWords& t, int32_t h, uint32_t* c, int32_t degree) {
+    if (h == 1 && !t.f.table) {
+        reduce_words(t, c, degree);
+        return;
+    }
     const TowerLevel& level = t.at[h];
     const int64_t size = t.at[h - 1].size;
     const int32_t used = level.binomial ? 1 : level.n;

@@ -12,7 +12,7 @@ constexpr int64_t k_karatsuba_words = 2;
 #else
 constexpr int64_t k_karatsuba_words = 20;  // measured
 #endif
-constexpr int64_t k_long_words = 1 << 12;  // products and divisors with safe points
+constexpr int64_t k_long_words = 1 << 12;  // products with safe points
 }  // namespace
 
 static size_t bytes_of(int64_t words) { return static_cast<size_t>(words) * sizeof(uint64_t); }
@@ -162,8 +162,8 @@ int32_t bit_divide(uint64_t* a, int32_t da, const uint64_t* b, int32_t db, uint6
     if (q != nullptr && da >= db) memset(q, 0, bytes_of(bit_words(da - db)));
     const int64_t words = bit_words(db);
     for (int32_t e = da; e >= db; e--) {
+        poll_every<64>(e);
         if (!bit_at(a, e)) continue;
-        if (words > k_long_words) poll_interrupt();
         add_shifted(a, b, words, e - db);
         if (q != nullptr) q[(e - db) / 64] |= uint64_t{1} << ((e - db) % 64);
     }
