@@ -65,7 +65,7 @@ static void note_entry(WordElim& e, int32_t column, int32_t r) {
     WordColumn& c = e.column[column];
     if (c.listed == c.room) {
         auto* larger = scratch_array<int32_t>(2 * int64_t{c.room} + 4);
-        std::copy_n(c.row, c.listed, larger);
+        if (c.listed > 0) std::copy_n(c.row, c.listed, larger);
         c.row = larger;
         c.room = 2 * c.room + 4;
     }

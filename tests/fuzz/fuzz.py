@@ -19,11 +19,12 @@ import sys
 import tempfile
 import time
 
-from grammar import Grammar
+from grammar import VARIABLES, Grammar
 
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|Tolvex error")
-# The blanks are for a long prompt, whose length is taken off each line.
-PROBE = b"\n" * 17 + b"".join(b" " * 10 + line for line in (b";\n", b"&@\n", b"&(p=_i)\n", b";\n", b"&(p=_i)\n", b"!(123456789*1000)\n", b"&q\n"))
+# Out of all levels and fields, then to the integers. The blanks are for a long prompt, whose length is taken off each line.
+LEAVE = [b";\n", b"&@\n"] + 2 * [b"&(P=%s)\n" % v.encode() for v in VARIABLES] + 2 * [b"&(p=_i)\n", b";\n"]
+PROBE = b"\n" * 17 + b"".join(b" " * 10 + line for line in LEAVE + [b"!(123456789*1000)\n", b"&q\n"])
 ANSWER = b"123456789000"
 LIMIT = 20
 GRACE = 240  # for the checked build on a busy machine; how fast a level opens is measured elsewhere
@@ -121,6 +122,7 @@ def main():
     args = parser.parse_args()
     binary = os.path.abspath(args.tolvex)
     os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=0")
+    os.makedirs(args.keep, exist_ok=True)
     failed = passed = 0
     with tempfile.TemporaryDirectory() as directory:
         if args.replay:

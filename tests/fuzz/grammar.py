@@ -9,11 +9,13 @@ FILES = ["prog", "spoilt", "one", "two", "missing", "."]
 MODULI = ["2", "3", "5", "6", "7", "12", "101", "256", "65536", "32003", "65535", "65537", "2147483629", "2147483646"]
 ONE = ["Deg", "Codeg", "Denom", "Numer", "Lcoef", "Level", "Terms", "Numb", "Rat", "Isprime", "Prime", "Sqrt", "Height",
        "Vars", "Numcon", "Log", "Ncoef", "Ntcoef", "Zcoef", "Lterm", "Lmon", "Flcoef", "Var", "Char", "Fterms", "Content",
-       "Sqfree", "Bell", "Raise", "Lower", "Rcoef", "Rname", "Reverse", "Totdeg", "Poly", "Killden", "Zap"]
+       "Sqfree", "Irred", "Pth", "Bell", "Raise", "Lower", "Rcoef", "Rname", "Reverse", "Totdeg", "Poly", "Killden", "Zap"]
 TWO = ["GCD", "Bin", "Divides", "Equal", "Equals", "Remquot", "Monless", "Coef", "Nmcoef", "Mcoef", "Mcoefs", "Deriv",
        "Powermod", "LCM", "Egcd", "Odiv", "Sdiv", "Swap", "Move", "Ord", "Raise", "Lower", "Split", "Splice", "Poly"]
-OF_ARRAY = ["Deg", "Cols", "Sumall", "Trace", "Sort", "Sparse", "STrans", "Iszero", "Vars", "Mons", "Killden", "Height", "Deriv"]
-TO_ARRAY = ["Trans", "Diag", '"', "~", "$", "-", "|", "Reverse", "Rcoef"]
+OF_ARRAY = ["Deg", "Cols", "Sumall", "Trace", "Sort", "Sparse", "STrans", "Iszero", "Vars", "Mons", "Killden", "Height", "Deriv",
+            "Det", "Det", "Det^", "Det_+", "Detmin", "Chpoly", "Minpoly", "Hamilton"]
+REDUCTIONS = ["Rowreduce", "Colreduce", "Redrowech", "FFLU", "FFLUC", "Normalize", "Pseudet", "Hermite", "Smith", "MSmith", "Minors"]
+TO_ARRAY = ["Trans", "Diag", "Adjoint", '"', "~", "$", "-", "|", "Reverse", "Rcoef"]
 SWITCHES = ["N", "E", "t", "U", "_l", "H", "V", "l", "e", "n", "_s", "_t", "W", "|", "Z", "m", "a", "d", "D", "u", "#", "_d",
             "_k", "_r", "L", "_L", "K", "X", "A", "B", "I", "O", "b", "c", "&", "C", "h", "j", "G", "_G", "T", "Y", "_Q", "v",
             "v:", "f", "f*", "f,F", "f<F", "g", "longer", "M", "w", "i", "k", "_j", "z", "0", "3", "7", "9"]
@@ -76,9 +78,30 @@ class Grammar:
             (1, lambda: f"'{r.choice('aZ ;0')}'"),
             (2, self.element),
             (1, lambda: f"{r.choice(OF_ARRAY)}{r.choice(['{}', '({})'])}".format(self.matrix(depth - 1))),
+            (1, lambda: self.of_matrix(depth - 1)),
             (2, lambda: r.choice(["Modulus", "Modmode", "Numvars", "<", "True", "Rand", "Randint", "Time", "Nofunction(1)", "nope[1]",
                          f"{r.choice('FG')}({e(0)})", f"F([{r.choice(ARRAYS)}])"])),
-        ], below=30 if depth > 0 else 6)
+        ], below=31 if depth > 0 else 6)
+
+    def of_matrix(self, depth):
+        """values of matrices with further arguments"""
+        r, e, m = self.rng, self.expression, self.matrix
+        return r.choice([
+            lambda: f"Det({m(depth)}, {r.choice(['', e(0)])}, {r.choice(['', '4', '9'])}, {r.choice(['', '3'])}, {r.choice('234')})",
+            lambda: f"SDet({r.randrange(9)}, [{r.choice(ARRAYS)}]{r.choice(['', ', ' + e(0)])})",
+            lambda: f"Det#({m(0)} {r.choice('=<>')} {e(0)})",
+            lambda: f"Chpoly({m(depth)}, {self.name()})",
+            lambda: f"Minpoly({m(depth)}, {r.randrange(5)}{r.choice(['', ', 1000'])})",
+            lambda: f"Hamilton({m(0)}, {r.choice(['1', '50', e(0)])})",
+            lambda: f"{r.choice(['Factor', 'Sqfree'])}({e(depth)}, [{r.choice(ARRAYS)}]{r.choice(['', ', 1', ', 0', ', 2'])})",
+            self.reduction,
+        ])()
+
+    def reduction(self):
+        r = self.rng
+        arrays = [r.choice(["", "*"]) + f"[{r.choice(ARRAYS)}]"]
+        arrays += [r.choice(["", f"[{r.choice(ARRAYS)}]"]) for _ in range(r.choice([0, 0, 1, 2, 3, 4, 5, 7]))]
+        return f"{r.choice(REDUCTIONS)}({', '.join(arrays)}{r.choice(['', '', '', ', 2'])})"
 
     def expression(self, depth):
         parts = [self.factor(depth)]
@@ -116,6 +139,7 @@ class Grammar:
             (3, lambda: self.rows(depth)),
             (1, lambda: "[(" + ", ".join(e(depth) for _ in range(r.randrange(1, 5))) + ")]"),
             (1, lambda: f"[<i={r.randrange(3)},{r.randrange(4)}><j=1,{r.randrange(4)}> {e(depth)}]"),
+            (1, lambda: "[<i=1,{0}><j=1,{0}> {1}]".format(r.randrange(4, 14), r.choice(["(7i+3j)^3|11", "1/(i+j)", "(x+i)^2*j|5", e(1)]))),
             (1, self.sparse_row),
             (2, lambda: r.choice(["'text'", f"[{e(0)}]", "[Rand]", "[]", "[x]"])),
         ])
@@ -156,6 +180,7 @@ class Grammar:
             (1, lambda: self.matrix(2)),
             (1, lambda: f"!([{array}]{r.choice(['', ':8', ':char', ':0'])})"),
             (1, lambda: r.choice([f"@[{array}]", f"@[*{array}]", f"@<[{array}]>", "@[**]", f"@[{array}, {array}]", f"@[%[{r.randrange(4)}]]"])),
+            (2, self.reduction),
             (1, lambda: r.choice([f"Sparse[{array}]", f"Sort[{array}]", f"Switchrow([{array}], {r.randrange(4)}, {r.randrange(4)})",
                              f"Switchcol([{array}], {r.randrange(4)}, {r.randrange(4)})", f"STrans[{array}]",
                              f"Synth([{array}], [{r.choice(ARRAYS)}], {r.randrange(9)})", f"Swap([{array}], [{r.choice(ARRAYS)}])",
@@ -173,8 +198,15 @@ class Grammar:
             (5, lambda: f"&(J {r.choice(['=', '>'])} {r.choice(VARIABLES)})"),
             (2, lambda: f"&(J = -{r.choice(VARIABLES)}{r.choice(['', ' = 2', ' = 0', ' = 1/2'])})"),
             (4, lambda: f"&(p = {r.choice(MODULI + ['_i', '_i', '_i', '1', '0', '-3', '2147483647'])})"),
+            (2, self.field),
             (1, lambda: r.choice([f"&(p = 7: {self.name()})", f"&p({self.name()}, [{r.choice(ARRAYS)}])", f"&_m({self.expression(2)})"])),
         ])
+
+    def field(self):
+        """a modding polynomial of the first variable, or none"""
+        r, v = self.rng, self.rng.choice(VARIABLES)
+        modder = r.choice([f"{v}^2 - 2", f"{v}^2 + {v}", f"{v}^3 + {v} + 1", f"{v}^4", f"{v}^2 - 1/3", v, self.expression(1)])
+        return r.choice([f"&(P = {modder}{r.choice(['', ', 1', ', 1', ', 1, 3', ', 2'])})", f"&(P = {modder}, 1)", f"&(P = -{v})", "&P"])
 
     def command(self):
         r = self.rng
@@ -252,8 +284,20 @@ class Grammar:
             lines.append(line + self.rng.choice([";", ";", ";", "; a remark", ""]))
         return "\n".join(lines).encode("latin-1", "replace")
 
+    def prologue(self):
+        """a ring and arrays, so that what follows has something to work on"""
+        r = self.rng
+        lines = [r.choice(["", "&(J > x)", "&(J > x, y)", "&(J > x, y, z)"]), r.choice(["", "", f"&(p = {r.choice(MODULI)})", self.field()])]
+        for array in ARRAYS:
+            n = r.choice([1, 2, 2, 3, 3, 4, 5, 8, 13])
+            element = r.choice(["(7i+3j)^3|11", "i-j", "i+j|3", "1/(i+j)", "(x+i)^2*j|5", "x*i+y*j", self.expression(1)])
+            lines.append(f"[{array}] := [<i=1,{n}><j=1,{r.choice([n, n, n, n + 1, 2])}> {element}]")
+            if r.random() < 0.4:
+                lines.append(f"Sparse[{array}]")
+        return lines
+
     def session(self):
-        lines = []
+        lines = self.prologue() if self.rng.random() < 0.4 else []
         for _ in range(self.rng.randrange(5, 60)):
             line = self.statement()
             if self.rng.random() < 0.12:
