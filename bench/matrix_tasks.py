@@ -99,7 +99,94 @@ def minors(make):
                    check=(point, PRIME))
 
 
+def polynomial(rng, names, degree, terms, size=9):
+    """a sum of `terms` random monomials of total degree up to `degree`; terms 0: every monomial of degree 1"""
+    if terms == 0:
+        monomials = ["1"] + list(names)
+    else:
+        monomials = []
+        for _ in range(terms):
+            left, factors = degree, []
+            for name in rng.sample(names, len(names)):
+                e = rng.randint(0, left)
+                left -= e
+                factors += [f"{name}^{e}"] if e else []
+            monomials.append("*".join(factors) or "1")
+    return "+".join(f"{rng.randint(1, size)}*{m}" for m in monomials)
+
+
+# name, rows, variables, degree, terms of an entry, modulus
+DETERMINANTS = (("linear", 8, 6, 1, 0, 0), ("linear", 8, 6, 1, 0, 32003), ("degree 5", 10, 1, 5, 6, 0),
+                ("degree 5", 10, 1, 5, 6, 32003), ("degree 2", 6, 3, 2, 4, 0), ("degree 3", 6, 3, 3, 6, 0),
+                ("degree 3", 6, 3, 3, 6, 32003), ("linear", 20, 1, 1, 0, 0), ("linear", 12, 2, 1, 0, 0),
+                ("sparse linear", 10, 9, 1, 2, 0), ("degree 2", 4, 4, 2, 5, 0))
+
+
+def polynomial_determinants(make):
+    names = ["x", "y", "z", "t", "u", "v", "w", "r", "s"]
+    for kind, n, variables, degree, terms, modulus in DETERMINANTS:
+        rng = random.Random(n * variables + degree + modulus)
+        used, values = names[:variables], [3, 5, 7, 11, 13, 17, 19, 23, 29]
+        rows = [[polynomial(rng, used, degree, terms) for _ in range(n)] for _ in range(n)]
+        point, prime = dict(zip(used, values)), modulus or PRIME
+        at = "d"
+        for name in used:
+            at = f"subst({at},{name},{point[name]})"
+        at_point = ",".join(str(point[name]) for name in used)
+        ring = f"ring R={modulus},({','.join(used)}),dp"
+        matrix = ",".join(",".join(row) for row in rows)
+        value = "at(d)" if modulus else f"bigint(leadcoef(at(d))) mod {PRIME}"
+        yield make("determinants of polynomials", f"{n} rows {kind}, {variables} variables " +
+                   (f"mod {modulus}" if modulus else "Z"),
+                   ([f"&(J > {','.join(used)})"] + modulus_lines(modulus) + [tolvex_dense("m", rows)], "d := Det[m]", "d"),
+                   ([gp_dense(rows, f"*Mod(1,{modulus})" if modulus else "")], "d=matdet(m)",
+                    f"lift({at})%{prime}" if modulus else f"{at}%{prime}"),
+                   ([ring, f"matrix m[{n}][{n}]={matrix}", "poly d"], "d=det(m)",
+                    f"ring values={modulus},a,dp; map at=R,{at_point}; {value}"), check=(point, prime))
+
+
+def inverses(make):
+    for n, modulus in ((20, 0), (60, 0), (120, 0), (200, 10007), (500, 10007)):
+        rng = random.Random(n + modulus)
+        rows = table(rng, n, n, 9)
+        label = f"mod {modulus}" if modulus else "Z"
+        prime = modulus or PRIME
+        unit = f"*Mod(1,{modulus})" if modulus else ""
+        det = "" if modulus else "*matdet(m)"
+        yield make("inverses", f"{n} rows {label}",
+                   (modulus_lines(modulus) + [tolvex_dense("a", rows)], "[b] := 1/[a]",
+                    "b[2,3]" if modulus else f"b[2,3]*Det[a] | {PRIME}"),
+                   ([gp_dense(rows, unit)], "b=1/m", f"lift(b[2,3]{det})%{prime}" if modulus else f"(b[2,3]{det})%{prime}"),
+                   check=({}, prime))
+    for n, variables, degree, terms in ((12, 1, 2, 3), (5, 2, 2, 3)):
+        rng = random.Random(n)
+        used = ["x", "y"][:variables]
+        rows = [[polynomial(rng, used, degree, terms) for _ in range(n)] for _ in range(n)]
+        at = "w"
+        for name, value in zip(used, (3, 5)):
+            at = f"subst({at},{name},{value})"
+        yield make("inverses", f"{n} rows, {variables} variables degree {degree} Z",
+                   ([f"&(J > {','.join(used)})", tolvex_dense("a", rows)], "[b] := 1/[a]", "b[2,3]*Det[a]"),
+                   ([gp_dense(rows)], "b=1/m", f"w=b[2,3]*matdet(m);{at}%{PRIME}"),
+                   check=(dict(zip(used, (3, 5))), PRIME))
+
+
+def adjoints(make):
+    names = ["x", "y", "z", "t"]
+    for n, variables, degree, terms in ((8, 3, 1, 0), (6, 2, 2, 3), (8, 4, 1, 2)):
+        rng = random.Random(n * variables)
+        used = names[:variables]
+        rows = [[polynomial(rng, used, degree, terms) for _ in range(n)] for _ in range(n)]
+        point = dict(zip(used, (3, 5, 7, 11)))
+        at = "b[2,3]"
+        for name in used:
+            at = f"subst({at},{name},{point[name]})"
+        yield make("adjoints", f"{n} rows, {variables} variables degree {degree} Z",
+                   ([f"&(J > {','.join(used)})", tolvex_dense("a", rows)], "[b] := Adjoint[a]", "b[2,3]"),
+                   ([gp_dense(rows)], "b=matadjoint(m)", f"{at}%{PRIME}"), check=(point, PRIME))
+
+
 def tasks(make):
     """`make` is the class Task of bench/compare."""
-    for family in (sparse_determinants, reductions, minors):
+    for family in (sparse_determinants, reductions, minors, polynomial_determinants, inverses, adjoints):
         yield from family(make)
