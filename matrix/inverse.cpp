@@ -230,7 +230,7 @@ static bool adjoint_or_inverse(workptr a, workptr result, int32_t n, bool invers
     bool same = quoly_equal(below, quol_num_1);  // an adjoint, and no denominators
     for (int64_t k = 0; good && (inverse || !same) && k < int64_t{n} * n; k++) {
         if (quoly_iszero(result[k])) continue;
-        fast_quoly_mult(&result[k], multiple[k % n]);
+        if (!quoly_equal(multiple[k % n], quol_num_1)) fast_quoly_mult(&result[k], multiple[k % n]);
         fast_quoly_quot(&result[k], below, false);
         poll_interrupt();
     }
