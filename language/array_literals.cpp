@@ -23,8 +23,9 @@ void read_list_value(ArrReader& r, quolyptr value, bool in_rows) {
     eval_state.bar_closes = saved;
 }
 
-/// v, a private dense column, takes one more value, which is used up. False after error 71.
+/// v, a private dense column, takes one more value, which is used up. False after error 71. A safe point now and then.
 static bool append_value(ArrOperand& v, quolyptr value) {
+    constexpr int64_t k_unpolled = 256;
     if (v.facts.arrsize == k_greatest_array) {
         free_quoly(value);
         return fail_operand(v, Err::list_too_long);
@@ -32,6 +33,7 @@ static bool append_value(ArrOperand& v, quolyptr value) {
     elements_of(v)[v.facts.arrsize++] = *value;
     v.facts.rows = static_cast<int32_t>(v.facts.arrsize);
     *value = nullptr;
+    poll_every<k_unpolled>(v.facts.arrsize);
     return true;
 }
 
