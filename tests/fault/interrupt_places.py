@@ -32,6 +32,10 @@ SCRIPTS = {
     "questions": ["&D", "10", "&u", "2", "3"],
     "answer": ["?a", "17", "a"],
 }
+DELICATE = (b"\n*** You have interrupted at a delicate time. Tolvex had switched\n"
+            b"    internally to arithmetic mod p. It has switched back for your \n"
+            b"    convenience during this interrupt. Do not do any significant \n"
+            b"    polynomial computations.  To abort, enter &@ followed by  &(p=_i:) .\n\n")
 VISITS = [
     ["2+3"],
     ["Func H(x) =", "", "x^2.", "H(5)", "for k = 1 to 2 do", "!k", "od", "&(t = 0)", "nope + 1"],
@@ -233,7 +237,7 @@ class Places:
         text = reference.say(part)
         partly = [reference.say(line) for line in asked if line in ("e",) or "m[" in line or "s[" in line]
         end(reference)
-        inside = 0
+        inside = told = 0
         for k in range(12):
             session = self.start(k % 2 == 1, setup)
             panic = k % 4 == 3
@@ -244,6 +248,7 @@ class Places:
                 session.interrupt()
                 within = b"Now in modular" not in session.out[start:] and not session.out[start:].startswith(b"\n\n>")
                 inside += within
+                told += DELICATE in session.out[start:]
                 if within:
                     if [session.say(line).replace(b"2>", b">") for line in asked] != values:
                         raise Broken(f"at a level within {statement}: {bytes(session.out[-3000:])!r}")
@@ -279,9 +284,9 @@ class Places:
                 raise Broken(f"{part}, interrupted: {got!r} instead of {partly!r}")
             end(session)
         if self.args.verbose:
-            print(f"{inside} of 24 interrupts within a change of ring")
-        if inside == 0:
-            raise Broken("no interrupt came within a change of ring")
+            print(f"{inside} of 24 interrupts within a change of ring, {told} at a delicate time")
+        if inside == 0 or told == 0:
+            raise Broken("no interrupt came within a change of ring, or none was told of the delicate time")
 
     def other_ring(self):
         """Where a gcd works modulo a prime the level says so, and has the ring of the user."""
@@ -294,8 +299,10 @@ class Places:
             session.send("GCD(p, q) - f")
             session.interrupt()
             opened = bytes(session.out[start:])
-            if b"You have interrupted at a delicate time. Tolvex had switched\n" in opened:
+            if b"delicate time" in opened:
                 told += 1
+                if DELICATE not in opened:
+                    raise Broken(f"the report of a delicate time: {opened!r}")
             if b" 1099511627776\n" not in session.say("2^40"):
                 raise Broken(f"the ring of a level in a gcd: {bytes(session.out[start:])!r}")
             session.resume()
