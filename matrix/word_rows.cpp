@@ -35,12 +35,13 @@ WIDE_VECTORS static void multiply_row(uint32_t* row, FixedFactor x, int64_t coun
 }
 
 WIDE_VECTORS static uint32_t least_rank(const uint32_t* row, uint32_t minus_one, int64_t count) {
-    uint32_t least = UINT32_MAX;
+    // two plain accumulations, which vectors take; one with a choice inside would go element by element
+    uint32_t least = UINT32_MAX, found = 0;
     for (int64_t c = 0; c < count; c++) {
-        uint32_t rank = row[c] == minus_one ? 0 : row[c] - 1;
-        least = std::min(least, rank);
+        least = std::min(least, row[c] - 1);
+        found |= row[c] == minus_one ? ~uint32_t{0} : 0;
     }
-    return least;
+    return least & ~found;
 }
 
 /// In GF(2^8) one row of the table of products serves all elements.
