@@ -1,12 +1,13 @@
 // Greatest common divisors of polynomials in which elements of a field tower occur.
 //
-// Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else a primitive remainder
-// sequence. Over Q: monic images modulo word primes, Chinese remainders, rational reconstruction; the
+// Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else interpolation in a further
+// variable, or a primitive remainder sequence where the ground ring has too few values. Over Q: monic images modulo word primes, Chinese remainders, rational reconstruction; the
 // divisions at the end are the proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that
 // leaves the modding polynomials square-free and the leading elements units an image is never too small.
 #include "field/reconstruct.h"
 #include "field/root_images.h"
 #include "field/tower_divide.h"
+#include "field/tower_interpolate.h"
 #include "field/tower_leaves.h"
 #include "field/tower_words.h"
 #include "gcd/field_hooks.h"
@@ -84,9 +85,6 @@ static bool gcd_in_arrays(poly u, poly v, polyptrr g, polypt pt) {
 // ---- modulo a prime, several variables above the field ---------------------------------------------------
 
 static bool is_unit(const polynode* p, polypt pt) { return is_number(p) || is_field_element(p, pt->depth); }
-
-/// *g := the monic gcd, fresh; u, v are not 0. False: a zero divisor has been met.
-static bool gcd_in_words(poly u, poly v, polyptrr g, polypt pt);
 
 /// *c, at the level below pt, := the gcd of *c, unless nil, and the coefficients of p.
 static bool take_in_coefficients(const polynode* p, polyptrr c, polypt pt) {
@@ -231,7 +229,12 @@ static bool gcd_of_primitives(polyptrr a, polyptrr b, int32_t bound, polypt pt) 
         std::swap(*a, *b);
         return true;
     }
-    return primitive_sequence(a, b, pt);
+    poly g = nullptr;
+    const Interpolated outcome = gcd_by_interpolation(*a, *b, &g, pt);
+    if (outcome == Interpolated::declined) return primitive_sequence(a, b, pt);
+    free_poly(a);
+    *a = g;
+    return outcome == Interpolated::found;
 }
 
 static bool gcd_by_sequence(poly u, poly v, polyptrr g, polypt pt) {
@@ -264,7 +267,7 @@ static bool gcd_with_coefficients(poly u, poly v, polyptrr g, polypt pt) {
     return good;
 }
 
-static bool gcd_in_words(poly u, poly v, polyptrr g, polypt pt) {
+bool gcd_in_words(poly u, poly v, polyptrr g, polypt pt) {
     if (is_unit(u, pt) || is_unit(v, pt)) {
         poly_set(1, g);
         return true;

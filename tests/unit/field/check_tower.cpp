@@ -118,6 +118,25 @@ PROPERTY(gcds, 160) {
     EXPECT_TRUE(lead->numb && (modularmode ? lead->ncoef->lint == 1 : chain_sign(lead->ncoef) > 0));
 }
 
+/// Planted gcds in three variables above the field: values for two of them, and what contents and leading
+/// coefficients have in common.
+PROPERTY(gcds_by_interpolation, 60) {
+    const int32_t ring = round % 4 == 0 ? 101 : round % 4 == 1 ? 32003 : round % 4 == 2 ? 2147483629 : 65536;
+    TowerSetting setting(4, ring, ring == 65536);
+    do {
+        mod_out(4, random_modder(rng, 4, random_int(rng, 2, 3), Coefs::small));
+    } while (!level_is_field(variable(4)));
+    auto operand = [&](int32_t degree) { return random_over_tower(rng, degree, Coefs::small); };
+    PolyGuard g(operand(2)), a(operand(1)), b(operand(1)), c(operand(1));
+    PolyGuard gc(product(g, c)), u(product(gc, a)), v(product(gc, b)), d, q;
+    if (is_number(u) || is_number(v) || is_field_element(u, 1) || is_field_element(v, 1)) return;
+    if (!exists_field_element(u, 1) && !exists_field_element(v, 1)) return;
+    tower_gcd(u, v, &d.p, polynames);
+    EXPECT_TRUE(tower_divide(u, d, &q.p, polynames)) << text_of(d);
+    EXPECT_TRUE(tower_divide(v, d, &q.p, polynames)) << text_of(d);
+    EXPECT_TRUE(tower_divide(d, gc, &q.p, polynames)) << text_of(d) << " by " << text_of(gc);
+}
+
 PROPERTY(reconstruction, 200) {
     TowerSetting setting(2);
     PolyGuard y(random_poly(rng, 2, 5, 3, Coefs::digit)), numer;
