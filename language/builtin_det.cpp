@@ -150,7 +150,7 @@ static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetAr
     }
     poly fct = divisor_of(args);
     Err fault = {};
-    DeterminantRequest request = {fct, args.degree, args.degree2, args.power, args.numprimes, &fault};
+    DeterminantRequest request = {fct, args.degree, args.degree2, args.power, args.numprimes, &fault, outpuf};
     int32_t m = v.facts.rows;
     if (is_sparse(v))
         determinant_of_sparse(v, request, call.n);

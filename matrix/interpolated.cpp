@@ -17,6 +17,7 @@
 namespace tolvex {
 namespace {
 constexpr int64_t k_most_points = int64_t{1} << 22;
+constexpr int32_t k_most_degree = 35022;             // in one variable
 constexpr int64_t k_most_digits = int64_t{1} << 28;  // words of all coefficients together
 constexpr int32_t k_probes = 3;
 constexpr InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
@@ -52,6 +53,70 @@ static void take_promised_degrees(Work& w) {
 
 static int64_t results(const Work& w) { return w.adjoint ? int64_t{w.m.n} * w.m.n : 1; }
 
+namespace {
+/// The exponents of the lattice from the greatest term down, levels in their own order.
+struct TermOrder {
+    int32_t variable[k_lattice_vars];  // by level, first level first
+    int32_t exp[k_lattice_vars];       // by variable
+    int32_t left;                      // of the total degree
+};
+}  // namespace
+
+/// The greatest exponents that are left from the level k on.
+static void fill_exponents(const Lattice& l, TermOrder& o, int32_t k) {
+    for (; k < l.vars; k++) {
+        int32_t v = o.variable[k];
+        o.exp[v] = std::min(l.degree[v], o.left);
+        o.left -= o.exp[v];
+    }
+}
+
+/// The next smaller term; false after the last.
+static bool next_exponents(const Lattice& l, TermOrder& o) {
+    for (int32_t k = l.vars - 1; k >= 0; k--) {
+        int32_t& e = o.exp[o.variable[k]];
+        if (e > 0) {
+            e--;
+            o.left++;
+            fill_exponents(l, o, k + 1);
+            return true;
+        }
+    }
+    return false;
+}
+
+/// index and position, by the places of exponents in the lattice: sum[i (total + 1) + b] points of the variables
+/// from i on have budgets up to b.
+static void list_terms(Work& w, const int64_t* weight) {
+    const Lattice& l = w.l;
+    ScratchMark mark = scratch_mark();
+    int64_t width = int64_t{l.total} + 1;
+    auto* sum = scratch_array<int64_t>(width * (l.vars + 1));
+    for (int64_t i = 0; i <= l.vars; i++)
+        for (int64_t b = 0; b < width; b++)
+            sum[i * width + b] = l.size[i * width + b] + (b > 0 ? sum[i * width + b - 1] : 0);
+    TermOrder o = {};
+    o.left = l.total;
+    for (int32_t v = 0; v < l.vars; v++) o.variable[v] = v;
+    std::sort(o.variable, o.variable + l.vars,
+              [&w](int32_t x, int32_t y) { return w.m.level[x] < w.m.level[y]; });
+    fill_exponents(l, o, 0);
+    int64_t count = 0;
+    do {
+        int64_t budget = l.total, place = 0, index = 0;
+        for (int32_t v = 0; v < l.vars; v++) {
+            const int64_t* below = sum + (v + 1) * width;
+            place += below[budget] - below[budget - o.exp[v]];
+            index += o.exp[v] * weight[v];
+            budget -= o.exp[v];
+        }
+        w.index[count] = index;
+        w.position[count++] = place;
+        poll_every<4096>(count);
+    } while (next_exponents(l, o));
+    scratch_release(mark);
+}
+
 /// out, index and position: the lattice in the order of terms.
 static bool arrange_terms(Work& w) {
     const PolyMatrix& m = w.m;
@@ -67,28 +132,7 @@ static bool arrange_terms(Work& w) {
     w.position = scratch_array<int64_t>(w.l.count);
     int64_t terms = results(w) * w.l.count;
     w.image = {0, scratch_array<int64_t>(terms), {scratch_array<uint32_t>(terms)}};
-    ScratchMark mark = scratch_mark();
-    auto* at = scratch_array<int64_t>(w.l.count);
-    int32_t exp[k_lattice_vars] = {};
-    int32_t sum = 0;
-    for (int64_t k = 0; k < w.l.count; k++) {
-        at[k] = 0;
-        for (int32_t v = 0; v < m.vars; v++) at[k] += exp[v] * weight[v];
-        w.position[k] = k;
-        for (int32_t v = m.vars - 1; v >= 0; v--) {  // the next exponents in lexicographic order
-            if (exp[v] < w.l.degree[v] && sum < w.l.total) {
-                exp[v]++;
-                sum++;
-                break;
-            }
-            sum -= exp[v];
-            exp[v] = 0;
-        }
-        poll_every<4096>(k);
-    }
-    std::sort(w.position, w.position + w.l.count, [at](int64_t x, int64_t y) { return at[x] > at[y]; });
-    for (int64_t k = 0; k < w.l.count; k++) w.index[k] = at[w.position[k]];
-    scratch_release(mark);
+    list_terms(w, weight);
     return true;
 }
 
@@ -338,11 +382,17 @@ static bool field_is_large_enough(const Work& w) {
     return true;
 }
 
-/// The degree in the variable of the first level goes to the progress line.
-static void show_degree(const Work& w) {
+/// The variable of the first level.
+static int32_t first_variable(const PolyMatrix& m) {
     int32_t first = 0;
-    for (int32_t v = 1; v < w.m.vars; v++)
-        if (w.m.level[v] < w.m.level[first]) first = v;
+    for (int32_t v = 1; v < m.vars; v++)
+        if (m.level[v] < m.level[first]) first = v;
+    return first;
+}
+
+/// The degree in it goes to the progress line.
+static void show_degree(const Work& w) {
+    int32_t first = first_variable(w.m);
     if (w.plan->head != nullptr) dumpitt(w.plan->head, w.m.zero ? 2 : w.l.degree[first], true, false, false);
 }
 
@@ -437,6 +487,18 @@ bool interpolate_adjoint(const quoly* a, int32_t n, quoly* adj) {
                 (modularmode ? adjoint_over_field(w, adj) : adjoint_over_primes(w, adj));
     scratch_release(mark);
     return done;
+}
+
+bool first_degree(const quoly* a, int32_t n, int32_t* level, int32_t* degree) {
+    ScratchMark mark = scratch_mark();
+    PolyMatrix m;
+    bool good = make_poly_matrix(&m, a, n, nullptr, PolyPurpose::root);
+    if (good) {
+        *level = m.level[first_variable(m)];
+        *degree = m.degree[first_variable(m)];
+    }
+    scratch_release(mark);
+    return good;
 }
 
 // ---- estimates -----------------------------------------------------------------------------------------

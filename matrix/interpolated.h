@@ -31,6 +31,9 @@ Interpolated interpolate_determinant(const quoly* a, int32_t n, const Interpolat
 /// adj[row + column n], whose slots are nil, := the adjoint of the same kind of matrix, one entry of which is no
 /// number. False: declined.
 bool interpolate_adjoint(const quoly* a, int32_t n, quoly* adj);
+/// *level := the first level, from 0, of the variables of such a matrix, *degree := a bound for the determinant's
+/// degree in it. False: declined.
+bool first_degree(const quoly* a, int32_t n, int32_t* level, int32_t* degree);
 /// About the work of either in nanoseconds, without a plan; negative: it would decline. Reads the matrix once.
 double interpolation_work(const quoly* a, int32_t n, bool adjoint);
 }  // namespace tolvex

@@ -1,6 +1,8 @@
 #include "matrix/interpolation.h"
 
 #include "matrix/interpolated.h"
+#include "matrix/matrix_modes.h"
+#include "matrix/stash_images.h"
 #include "numbers/ring_switch.h"
 #include "poly/field_shape.h"
 #include "poly/poly_basic.h"
@@ -211,6 +213,10 @@ bool sparse_lagrange(sparseptr spar, int32_t m, const DeterminantRequest& reques
     bool good = power != 1 && power_is_good(power);
     ScratchMark mark = scratch_mark();
     quoly* a = table_of(spar, m);
+    if (modularmode && lagrange_stash && verbose && windy && stash_images(a, m, request, q)) {
+        scratch_release(mark);
+        return true;
+    }
     bool done = route(a, m, request, laurent, good && power > 1 ? power : 1, " estimated degree is ", q);
     scratch_release(mark);
     if (done && good && power < 0) take_reduced_variables(*q, -power);

@@ -7,11 +7,13 @@
 ///            asked for.
 /// Ownership  matrices and divisors are only read.
 /// Raises     poll_interrupt. Errors are left to the caller, who has memory to give back first: *request.fault :=
-///            304 no point is free of zeros of the divisor; 305 the divisor does not divide. The value is 0 then.
+///            304 no point is free of zeros of the divisor; 305 the divisor does not divide; 263 images are to be
+///            written and there is no file. The value is 0 then.
 #include "matrix/sparse.h"
 #include "storage/failure.h"
 
 #include <cstdint>
+#include <cstdio>
 namespace tolvex {
 /// What has been asked of a determinant beside its matrix.
 struct DeterminantRequest {
@@ -20,7 +22,8 @@ struct DeterminantRequest {
     int32_t power = -1;     // k > 1: it is a k-th power, the base is wanted; -k < -1: a polynomial
                             // in k-th powers of the variables, which are to be replaced
     int32_t numprimes = 0;  // over Z so many primes decide, 0: as many as are needed
-    Err* fault = nullptr;   // nil only without fct
+    Err* fault = nullptr;   // nil only without fct and lagrange_stash
+    FILE* stash = nullptr;  // where lagrange_stash sends the images of sparse matrices; nil: no file is open
 };
 /// *q := the determinant of the m by m matrix a, column by column, divided by request.fct: modulo a prime or in a
 /// table field, and over Z. Power is ignored. check_laurent: negative exponents are looked for. False: no

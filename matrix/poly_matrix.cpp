@@ -8,7 +8,8 @@
 #include <numeric>
 namespace tolvex {
 namespace {
-constexpr int64_t k_widest = int64_t{1} << 30;  // exponents of a determinant
+constexpr int64_t k_widest = int64_t{1} << 30;      // exponents of a determinant
+constexpr int64_t k_most_terms = int64_t{1} << 18;  // of an entry: they are sorted without a safe point
 
 /// What the entries are read into first.
 struct Reading {
@@ -61,6 +62,7 @@ static bool survey(Reading& r) {
         measure.levels = 0;
         measure.terms = 1;
         if (const polynode* p = poly_of_entry(r, e)) pack_measure(p, &measure);
+        if (measure.terms > k_most_terms) return false;
         m.levels = std::max(m.levels, measure.levels);
         poll_interrupt();
     }
