@@ -275,10 +275,10 @@ class Grammar:
         ])
 
     def program(self):
-        """a file of statements, now and then with a fault"""
+        """a file of statements, now and then with a fault; `&M` in one that runs itself would ask for all that is typed"""
         lines = []
         for _ in range(self.rng.randrange(1, 25)):
-            line = self.statement()
+            line = self.statement().replace("&M", "&(M = 'more')")
             if self.rng.random() < 0.04:
                 line = self.spoil(line)
             lines.append(line + self.rng.choice([";", ";", ";", "; a remark", ""]))
