@@ -2,9 +2,11 @@
 
 #include "matrix/inverse.h"
 #include "matrix/products.h"
+#include "numbers/ring_switch.h"
 #include "poly/poly_basic.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
+#include "quoly/quoly_convert.h"
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
@@ -183,7 +185,7 @@ static void multiply_matrices(ArrOperand& left, ArrOperand& right) {
 
 /// True if 1, ..., n are units of the ring in force.
 static bool counts_are_units(int32_t n) {
-    if (!modularmode) return true;
+    if (!lintmode) return true;
     if (finf) return n < 2;
     for (int32_t k = 2; k <= n; k++) {
         if (modulus % k == 0) return false;
@@ -193,6 +195,21 @@ static bool counts_are_units(int32_t n) {
 }
 
 using MatrixMap = bool (*)(workptr a, workptr result, int32_t n);
+
+/// result := what the map makes of v, 44 if that fails. Where modular arithmetic is suspended the map works in the ring
+/// all the same.
+static Err map_in_ring(ArrOperand& v, ArrOperand& result, MatrixMap map) {
+    bool resumed = ring_resume();
+    Err fault = Err{};
+    if (resumed)
+        for (int64_t k = 0; k < v.facts.arrsize && fault == Err{}; k++) {
+            fault = quoly_reduce_words(&elements_of(v)[k]);
+            poll_every<1024>(k);
+        }
+    bool good = map(elements_of(v), elements_of(result), v.facts.rows);
+    ring_suspend(resumed);
+    return fault == Err{} && !good ? Err::singular_matrix : fault;
+}
 
 /// v, a square matrix, := what the map makes of it; 44 if that fails.
 static void map_dense(ArrOperand& v, MatrixMap map) {
@@ -204,10 +221,10 @@ static void map_dense(ArrOperand& v, MatrixMap map) {
     if (!begin_operand(result)) return;
     make_private(v);
     make_dense(result, v.facts.rows, v.facts.rows);
-    bool good = map(elements_of(v), elements_of(result), v.facts.rows);
+    Err fault = map_in_ring(v, result, map);
     swap_operands(v, result);
     end_operand(result);
-    if (!good) fail_operand(v, Err::singular_matrix);
+    if (fault != Err{}) fail_operand(v, fault);
 }
 
 /// v := its inverse. Error 44; 36 for a sparse matrix of more rows than the modulus allows.

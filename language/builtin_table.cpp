@@ -2,6 +2,7 @@
 
 #include "language/ports.h"
 #include "numbers/data_files.h"
+#include "numbers/ring_switch.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -38,6 +39,7 @@ int32_t builtin_id(const tokentipe& name) {
 namespace {
 struct BuiltinRoutines {
     BuiltinRoutine of[k_builtin_rows] = {};
+    bool in_ring[k_builtin_rows] = {};  // works in the ground ring also where modular arithmetic is suspended
     // ORDER BUILTIN_IDS: the id is the row of the name in the message file
     constexpr BuiltinRoutines() {
         of[0] = builtin_Array;
@@ -136,6 +138,9 @@ struct BuiltinRoutines {
         of[106] = of[107] = builtin_ZZ1;
         of[108] = builtin_ZZ3;
         of[109] = builtin_Zcoef;
+        // Elimination, interpolation and factorisation need a ring with its divisions.
+        constexpr int32_t ids[] = {3, 6, 12, 19, 20, 21, 29, 30, 42, 45, 46, 54, 61, 67, 73, 78, 79, 83};
+        for (int32_t id : ids) in_ring[id] = true;
     }
 };
 constexpr BuiltinRoutines routines;
@@ -150,7 +155,9 @@ bool builtin_function(FILE* inf, quolyptr n, nameptr* flag) {
         return_to_top();
     }
     BuiltinCall call = {inf, n, flag, id};
+    bool resumed = routines.in_ring[id] && ring_resume();
     routine(call);
+    ring_suspend(resumed);
     return true;
 }
 }  // namespace tolvex

@@ -100,4 +100,18 @@ void restore_modular(boolean saved) {
     mod_is_changed--;
     modularmode = 1;
 }
+
+bool ring_resume() {
+    if (modularmode || !lintmode || mod_is_changed == 0) return false;
+    register_save(ring_capture());
+    modularmode = 1;
+    return true;
+}
+
+void ring_suspend(bool resumed) {
+    if (!resumed) return;
+    CHECK(depth > 0);
+    depth--;
+    modularmode = 0;
+}
 }  // namespace tolvex

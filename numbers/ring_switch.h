@@ -30,4 +30,8 @@ void ring_unwind();                         ///< back to the outermost saved sta
 /// *saved := modularmode; if set: clears it and counts in mod_is_changed. lintmode stays.
 void check_modular(boolean* saved);
 void restore_modular(boolean saved);
+/// Modular arithmetic comes back for a while if it is suspended: true then, to be handed to ring_suspend. Words that were
+/// computed before have to be reduced.
+bool ring_resume();
+void ring_suspend(bool resumed);
 }  // namespace tolvex
