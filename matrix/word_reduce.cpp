@@ -160,12 +160,14 @@ static bool all_numbers(const LineMatrix& m) {
 }
 
 bool fits_words(const Reduction& r) {
-    constexpr int64_t k_most_sparse_elements = 1 << 22, k_most_elements = 1 << 27, k_full_enough = 50;
+    // dense rows take a second at 2^23 elements, a chain that is filled in takes minutes: with three entries a row it is
+    constexpr int64_t k_small = 1 << 22, k_large = 1 << 25;
+    constexpr double k_filled_in = 2.5;
     if (!modularmode || !all_numbers(r.m)) return false;
-    if (r.m.at != nullptr) return true;
     int64_t elements = int64_t{r.m.rows} * r.m.cols;
-    return elements <= k_most_sparse_elements ||
-           (elements <= k_most_elements && sparse_entries(r.m.spar, r.m.rows) * k_full_enough > elements);
+    if (r.m.at != nullptr || elements <= k_small) return true;
+    auto entries = static_cast<double>(sparse_entries(r.m.spar, r.m.rows));
+    return elements <= k_large && entries > k_filled_in * std::min(r.m.rows, r.m.cols);
 }
 
 /// The matrix as rows of words, or as rows of its transpose.
