@@ -8,7 +8,7 @@
 #include "storage/interrupt.h"
 namespace tolvex {
 namespace {
-constexpr int64_t k_most_words = int64_t{1} << 26;  // of a polynomial in arrays
+constexpr int64_t k_most_words = int64_t{1} << 23;  // of a polynomial in arrays
 }  // namespace
 
 // ---- what can be factored --------------------------------------------------------------------------------
