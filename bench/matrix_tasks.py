@@ -186,7 +186,60 @@ def adjoints(make):
                    ([gp_dense(rows)], "b=matadjoint(m)", f"{at}%{PRIME}"), check=(point, PRIME))
 
 
+def characteristic_polynomials(make):
+    for n, modulus in ((60, 0), (100, 0), (200, 10007), (300, 2147483629)):
+        rng = random.Random(n + modulus)
+        rows = table(rng, n, n, 9) if not modulus else [[rng.randrange(modulus) for _ in range(n)] for _ in range(n)]
+        unit = f"*Mod(1,{modulus})" if modulus else ""
+        setup = ["&(J = x)"] + modulus_lines(modulus) + [tolvex_dense("a", rows)]
+        value = "lift(subst(f,x,3))" if modulus else f"subst(f,x,3)%{PRIME}"
+        yield make("characteristic polynomials", f"{n} rows " + (f"mod {modulus}" if modulus else "Z"),
+                   (setup, "f := Chpoly[a]", "f#(x = 3)" if modulus else f"(f#(x = 3)) | {PRIME}"),
+                   ([gp_dense(rows, unit)], "f=charpoly(m)", value), check=({}, modulus or PRIME))
+    for n, names in ((20, "y"), (10, "yz"), (7, "yzu")):
+        rng = random.Random(n)
+        rows = [["+".join(f"{rng.randint(1, 9)}*{v}" for v in names) + f"+{rng.randint(1, 9)}" for _ in range(n)]
+                for _ in range(n)]
+        point = {"x": 3, "y": 5, "z": 7, "u": 11}
+        at = "f"
+        for name in "x" + names:
+            at = f"subst({at},{name},{point[name]})"
+        yield make("characteristic polynomials", f"{n} rows, linear in {len(names)} variables Z",
+                   ([f"&(J > x,{','.join(names)})", tolvex_dense("a", rows)], "f := Chpoly[a]", "f"),
+                   (["x;y;z;u;", gp_dense(rows)], "f=charpoly(m)", f"{at}%{PRIME}"),
+                   check=({k: v for k, v in point.items() if k == "x" or k in names}, PRIME))
+    for n, modulus in ((30, 0), (100, 10007)):
+        rng = random.Random(n + modulus + 1)
+        rows = [[rng.randint(-4, 4) if rng.random() < 0.2 else 0 for _ in range(n)] for _ in range(n)]
+        if modulus:
+            rows = [[v % modulus for v in row] for row in rows]
+        unit = f"*Mod(1,{modulus})" if modulus else ""
+        value = "lift(subst(f,x,3))" if modulus else f"subst(f,x,3)%{PRIME}"
+        yield make("minimal polynomials", f"{n} rows " + (f"mod {modulus}" if modulus else "Z"),
+                   (["&(J = x)"] + modulus_lines(modulus) + [tolvex_dense("a", rows)], "f := Minpoly[a]",
+                    "f#(x = 3)" if modulus else f"(f#(x = 3)) | {PRIME}"),
+                   ([gp_dense(rows, unit)], "f=minpoly(m)", value), check=({}, modulus or PRIME))
+
+
+def normal_forms(make):
+    for n in (30, 60, 100):
+        rng = random.Random(n)
+        rows = table(rng, n, n, 9)
+        setup, last = [tolvex_dense("a", rows)], f"b[{n},{n}] | {PRIME}"
+        yield make("normal forms", f"Hermite form {n} rows",
+                   (setup, "[b] := [a]; r := Hermite([b])", "Prod<i = 1, %d>[b[i,i]] | %d" % (n, PRIME)),
+                   ([gp_dense(rows)], "h=mathnf(m)", f"matdet(h)%{PRIME}"), check=({}, PRIME))
+        yield make("normal forms", f"Smith form {n} rows",
+                   (setup, "[b] := [a]; r := Smith([b])", last),
+                   ([gp_dense(rows)], "s=matsnf(m)", f"s[1]%{PRIME}"), check=({}, PRIME))
+        if n <= 60:
+            yield make("normal forms", f"Smith form with transformations {n} rows",
+                       (setup, "[b] := [a]; r := Smith([b], [p], [q])", last),
+                       ([gp_dense(rows)], "s=matsnf(m,1)", f"s[3][1,1]%{PRIME}"), check=({}, PRIME))
+
+
 def tasks(make):
     """`make` is the class Task of bench/compare."""
-    for family in (sparse_determinants, reductions, minors, polynomial_determinants, inverses, adjoints):
+    for family in (sparse_determinants, reductions, minors, polynomial_determinants, inverses, adjoints,
+                   characteristic_polynomials, normal_forms):
         yield from family(make)
