@@ -1,5 +1,6 @@
 #include "matrix/hermite.h"
 
+#include "matrix/cyclic_lattice.h"
 #include "matrix/hermite_modular.h"
 #include "matrix/int_determinant.h"
 #include "matrix/int_solve.h"
@@ -147,6 +148,40 @@ static void copy_corner(const IntGrid& from, int32_t rows, int32_t cols, IntGrid
         for (int32_t c = 0; c < cols; c++) to(r, c) = from(r, c);
 }
 
+/// True if all entries above the diagonal are 0, or all below it; *det: the absolute value of the determinant then.
+static bool is_triangular(const IntGrid& a, IntEntry* det) {
+    bool lower = true, upper = true;
+    for (int32_t r = 0; r < a.rows; r++)
+        for (int32_t c = 0; c < a.cols; c++) {
+            if (a(r, c).n == 0) continue;
+            lower = lower && c <= r;
+            upper = upper && c >= r;
+        }
+    if (!lower && !upper) return false;
+    *det = k_entry_one;
+    for (int32_t k = 0; k < a.rows; k++) *det = entry_product(*det, a(k, k));
+    det->negative = false;
+    return true;
+}
+
+/// The form of a square matrix that is not singular; *det: the absolute value of its determinant.
+static IntGrid square_form(const IntGrid& a, IntEntry* det) {
+    if (is_triangular(a, det)) return modular_hermite(a, *det);
+    CyclicLattice l = cyclic_lattice(a);
+    *det = l.index;
+    if (entry_bits(l.index) == 1) return identity_grid(a.rows);
+    return l.cyclic ? cyclic_hermite(l, a.rows) : modular_hermite(a, l.index);
+}
+
+/// The form of the independent rows; *det: a minor of theirs.
+static IntGrid form_of_top(const IntGrid& ordered, const RankProfile& p, IntEntry* det) {
+    IntGrid top = grid_part(ordered, nullptr, p.rank, nullptr, ordered.cols);
+    if (p.rank == ordered.cols) return square_form(top, det);
+    *det = entry_determinant(grid_part(ordered, nullptr, p.rank, p.column, p.rank).at, p.rank);
+    det->negative = false;
+    return modular_hermite(top, *det);
+}
+
 HermiteForm hermite_form(const IntGrid& a, bool with_beta) {
     RankProfile p = rank_profile(a);
     HermiteForm f = {p.rank, p.row, zero_grid(a.rows, a.cols), {}, {}};
@@ -155,17 +190,15 @@ HermiteForm hermite_form(const IntGrid& a, bool with_beta) {
         f.beta = f.betinv = identity_grid(with_beta ? a.cols : 0);
         return f;
     }
-    IntEntry d = entry_determinant(grid_part(ordered, nullptr, p.rank, p.column, p.rank).at, p.rank);
-    IntEntry size = {d.at, d.n, false};
+    IntEntry det;
     if (!with_beta) {
-        IntGrid top = modular_hermite(grid_part(ordered, nullptr, p.rank, nullptr, a.cols), size);
+        IntGrid top = form_of_top(ordered, p, &det);
         copy_corner(top, p.rank, p.rank, f.h);
-        add_dependent_rows(ordered, p, top, size, f.h);
+        add_dependent_rows(ordered, p, top, det, f.h);
         return f;
     }
-    IntGrid square = completed(ordered, p);
-    IntGrid form = modular_hermite(square, size);
-    f.beta = solve_integers(square, form, size);
+    IntGrid square = completed(ordered, p), form = square_form(square, &det);
+    f.beta = solve_integers(square, form, det);
     f.betinv = solve_lower(form, square);
     copy_corner(form, p.rank, p.rank, f.h);
     if (p.rank < a.rows) {

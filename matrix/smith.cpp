@@ -1,6 +1,7 @@
 #include "matrix/smith.h"
 
 #include "matrix/big_ring.h"
+#include "matrix/cyclic_lattice.h"
 #include "matrix/hermite.h"
 #include "matrix/int_determinant.h"
 #include "matrix/rank_profile.h"
@@ -28,6 +29,16 @@ static void store_diagonal(const IntEntry* diagonal, Reduction& r) {
     store_grid(g, r.m);
 }
 
+/// A minor that carries the rank; of a square matrix that is not singular the determinant. *cyclic: that is the last entry
+/// of the diagonal, and the others are 1.
+static IntEntry carrying_minor(const IntGrid& a, const RankProfile& p, bool* cyclic) {
+    if (p.rank < a.rows || p.rank < a.cols)
+        return magnitude(entry_determinant(grid_part(a, p.row, p.rank, p.column, p.rank).at, p.rank));
+    CyclicLattice l = cyclic_lattice(a);
+    *cyclic = l.cyclic;
+    return l.index;
+}
+
 /// multiple: of d1 ... dr, nil: a minor that carries the rank is taken.
 static void diagonal_alone(Reduction& r, const IntEntry* multiple, bool shown) {
     IntGrid a = grid_of(r.m);
@@ -35,14 +46,16 @@ static void diagonal_alone(Reduction& r, const IntEntry* multiple, bool shown) {
     r.rank = p.rank;
     auto* diagonal = scratch_array<IntEntry>(p.rank);
     if (p.rank > 0) {
-        IntEntry d = multiple != nullptr
-                         ? *multiple
-                         : entry_determinant(grid_part(a, p.row, p.rank, p.column, p.rank).at, p.rank);
-        IntEntry m = doubled(magnitude(d));
+        bool cyclic = false;
+        IntEntry d = multiple != nullptr ? *multiple : carrying_minor(a, p, &cyclic), m = doubled(d);
         if (verbose && shown)
             printf(" pseudo-determinant size: %3d\n",
                    static_cast<int>((entry_bits(m) + k_digit_bits - 1) / k_digit_bits));
-        smith_diagonal(a, p.rank, m, diagonal);
+        std::fill_n(diagonal, p.rank, k_entry_one);
+        if (cyclic)
+            diagonal[p.rank - 1] = d;
+        else
+            smith_diagonal(a, p.rank, m, diagonal);
     }
     store_diagonal(diagonal, r);
 }

@@ -1,6 +1,7 @@
 // Hermite and Smith forms: their shape, their transformations, dense and sparse, by steps and by engines; the arithmetic
 // modulo large numbers under them.
 #include "matrix/big_ring.h"
+#include "matrix/cyclic_lattice.h"
 #include "matrix/hermite.h"
 #include "matrix/hermite_modular.h"
 #include "matrix/int_determinant.h"
@@ -202,6 +203,9 @@ PROPERTY(both_ways_to_hermite_forms, 40) {
         limb factor = rng() % 50 + 1;  // any multiple of the determinant will do
         IntEntry d = entry_product({det.at, det.n, false}, {&factor, 1, false});
         expect_equal_grids(modular_hermite(ordered, d), h);
+        CyclicLattice l = cyclic_lattice(ordered);
+        EXPECT_TRUE(equal(l.index, {det.at, det.n, false}));
+        if (l.cyclic && entry_bits(l.index) > 1) expect_equal_grids(cyclic_hermite(l, n), h);
     }
     drop_reduction(&r);
     scratch_release(mark);
