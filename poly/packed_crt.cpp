@@ -31,6 +31,7 @@ static void regrow(CrtTerms* t, const PackTerms& image, int64_t count, int32_t c
     auto* digit = scratch_array<uint32_t>(count * capacity);
     int64_t i = 0, j = 0;
     for (int64_t n = 0; n < count; n++) {
+        poll_every<4096>(n);
         bool old = i < t->count && (j >= image.count || t->index[i] >= image.index[j]);
         index[n] = old ? t->index[i] : image.index[j];
         uint32_t* d = digit + n * capacity;
@@ -88,6 +89,7 @@ bool crt_add(CrtTerms* t, const PackTerms& image, const WordField& f, bool* grow
     bool settled = primes > 0;
     int64_t j = 0;
     for (int64_t i = 0; i < count; i++) {
+        poll_every<4096>(i);
         uint32_t* d = t->digit + i * t->capacity;
         uint32_t residue = 0;
         if (j < image.count && image.index[j] == t->index[i]) residue = image.residue[j++];
