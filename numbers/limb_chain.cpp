@@ -45,17 +45,14 @@ int64_t digits_of(const limb* a, int64_t n) {
 }
 }  // namespace
 
-int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
-    if (size == 1) {
-        r[0] = magnitude_of(p->value);
-        return r[0] != 0;
-    }
+/// limbs_from_chain for more than one digit. A loop without safe points keeps its state in registers.
+template <int64_t rhythm> static int64_t limbs_from_digits(limb* r, numptr p, int32_t size) {
     int64_t word = limbs_for(size) - 1;
     int64_t length = word + 1;
     int shift =
         static_cast<int>((static_cast<int64_t>(size) * k_digit_bits - 1 - (word << 6)) + 1) - k_digit_bits;
     uint64_t acc = 0;
-    for_long_polled<k_digits_unpolled>(size, [&](int64_t) {
+    for_polled<rhythm>(size, [&](int64_t) {
         uint64_t d = magnitude_of(p->value);
         if (shift >= 0) {
             acc |= d << shift;
@@ -69,6 +66,19 @@ int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
     });
     r[0] = acc;
     return limbs_trim(r, length);
+}
+
+[[gnu::noinline]] static int64_t limbs_from_long_chain(limb* r, numptr p, int32_t size) {
+    return limbs_from_digits<k_digits_unpolled>(r, p, size);
+}
+
+int64_t limbs_from_chain(limb* r, numptr p, int32_t size) {
+    if (size == 1) {
+        r[0] = magnitude_of(p->value);
+        return r[0] != 0;
+    }
+    if (__builtin_expect(size > k_digits_unpolled, 0)) return limbs_from_long_chain(r, p, size);
+    return limbs_from_digits<k_no_safe_point>(r, p, size);
 }
 
 void chain_from_limbs(imptr x, const limb* a, int64_t n, bool negative) {

@@ -69,11 +69,15 @@ static Digits cut_digits(const limb* a, int64_t n, int64_t count, const Plan& pl
     Digits d = {scratch_array<double>(count), nullptr, count};
     int low_bits = plan.bits < k_half_bits ? plan.bits : k_half_bits, high_bits = plan.bits - low_bits;
     if (high_bits > 0) d.high = scratch_array<double>(count);
-    for (int64_t i = 0, at = 0; i < count; i++, at += plan.bits) {
-        d.low[i] = static_cast<double>(static_cast<int64_t>(bits_at(a, n, at, low_bits)));
-        if (high_bits > 0)
-            d.high[i] = static_cast<double>(static_cast<int64_t>(bits_at(a, n, at + low_bits, high_bits)));
-        poll_every<k_stretch>(i);
+    for (int64_t from = 0; from < count; from += k_stretch) {
+        const int64_t stop = count - from < k_stretch ? count : from + k_stretch;
+        for (int64_t i = from, at = from * plan.bits; i < stop; i++, at += plan.bits) {
+            d.low[i] = static_cast<double>(static_cast<int64_t>(bits_at(a, n, at, low_bits)));
+            if (high_bits > 0)
+                d.high[i] =
+                    static_cast<double>(static_cast<int64_t>(bits_at(a, n, at + low_bits, high_bits)));
+        }
+        poll_interrupt();
     }
     return d;
 }
