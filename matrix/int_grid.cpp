@@ -26,6 +26,15 @@ IntGrid permutation_grid(const int32_t* order, int32_t n) {
     return g;
 }
 
+/// Calls f(row, column, entry) for the entries of the chain of a sparse matrix.
+template <class Visit> static void each_chain_entry(const LineMatrix& m, Visit f) {
+    SparseWalk w = walk_sparse(m.spar, m.flipped ? m.cols : m.rows);
+    while (colm_ptrptr t = next_row(w)) {
+        poll_every<64>(w.row);
+        for (const colnode* e = *t; e != nullptr; e = e->next) f(w.row, e->coord - 1, e);
+    }
+}
+
 IntGrid grid_of(const LineMatrix& m) {
     IntGrid g = zero_grid(m.rows, m.cols);
     if (m.at != nullptr) {
@@ -35,12 +44,33 @@ IntGrid grid_of(const LineMatrix& m) {
         }
         return g;
     }
-    SparseWalk w = walk_sparse(m.spar, m.flipped ? m.cols : m.rows);
-    while (colm_ptrptr t = next_row(w)) {
-        poll_interrupt();
-        for (const colnode* e = *t; e != nullptr; e = e->next)
-            (m.flipped ? g(e->coord - 1, w.row) : g(w.row, e->coord - 1)) = int_entry(e->val->ncoef);
-    }
+    each_chain_entry(m, [&](int32_t r, int32_t c, const colnode* e) {
+        (m.flipped ? g(c, r) : g(r, c)) = int_entry(e->val->ncoef);
+    });
+    return g;
+}
+
+/// place[k]: the number of line k among those that are marked by 0. Returns their count.
+static int32_t number_lines(int32_t* place, int32_t lines) {
+    int32_t count = 0;
+    for (int32_t k = 0; k < lines; k++)
+        if (place[k] == 0) place[k] = count++;
+    return count;
+}
+
+IntGrid occupied_grid(const LineMatrix& m) {
+    if (m.at != nullptr) return grid_of(m);
+    int32_t rows = m.flipped ? m.cols : m.rows, cols = m.flipped ? m.rows : m.cols;  // of the chain
+    auto *row = scratch_array<int32_t>(rows), *column = scratch_array<int32_t>(cols);
+    std::fill_n(row, rows, -1);
+    std::fill_n(column, cols, -1);
+    each_chain_entry(m, [&](int32_t r, int32_t c, const colnode*) { row[r] = column[c] = 0; });
+    rows = number_lines(row, rows);
+    cols = number_lines(column, cols);
+    IntGrid g = m.flipped ? zero_grid(cols, rows) : zero_grid(rows, cols);
+    each_chain_entry(m, [&](int32_t r, int32_t c, const colnode* e) {
+        (m.flipped ? g(column[c], row[r]) : g(row[r], column[c])) = int_entry(e->val->ncoef);
+    });
     return g;
 }
 
@@ -66,6 +96,18 @@ void store_grid(const IntGrid& g, LineMatrix& m) {
         poll_interrupt();
         for (int32_t c = 0; c < g.cols; c++) set_matrix_element(m, r, c, quoly_of_entry(g(r, c)));
     }
+}
+
+void store_diagonal(const IntEntry* diagonal, int32_t count, LineMatrix& m) {
+    if (m.spar != nullptr) {
+        free_sparse_data(m.spar, m.flipped ? m.cols : m.rows);
+    } else {
+        for (int32_t c = 0; c < m.cols; c++) {
+            poll_interrupt();
+            for (int32_t r = 0; r < m.rows; r++) set_matrix_element(m, r, c, quoly_of_entry(k_entry_zero));
+        }
+    }
+    for (int32_t k = 0; k < count; k++) set_matrix_element(m, k, k, quoly_of_entry(diagonal[k]));
 }
 
 IntGrid transposed(const IntGrid& g) {

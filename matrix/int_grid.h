@@ -18,6 +18,10 @@ IntGrid zero_grid(int32_t rows, int32_t cols);
 IntGrid identity_grid(int32_t n);
 /// The elements of a matrix, which are integers.
 IntGrid grid_of(const LineMatrix& m);
+/// The same without the rows and columns of a sparse matrix that have no entry.
+IntGrid occupied_grid(const LineMatrix& m);
+/// All elements but the first ones of the diagonal become 0.
+void store_diagonal(const IntEntry* diagonal, int32_t count, LineMatrix& m);
 /// The matrix, of the same shape, takes the values.
 void store_grid(const IntGrid& g, LineMatrix& m);
 IntGrid transposed(const IntGrid& g);

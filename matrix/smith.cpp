@@ -23,12 +23,6 @@ static IntEntry doubled(const IntEntry& e) {
     return {r, limbs_trim(r, e.n + 1), false};
 }
 
-static void store_diagonal(const IntEntry* diagonal, Reduction& r) {
-    IntGrid g = zero_grid(r.m.rows, r.m.cols);
-    for (int32_t k = 0; k < r.rank; k++) g(k, k) = diagonal[k];
-    store_grid(g, r.m);
-}
-
 /// A minor that carries the rank; of a square matrix that is not singular the determinant. *cyclic: that is the last entry
 /// of the diagonal, and the others are 1.
 static IntEntry carrying_minor(const IntGrid& a, const RankProfile& p, bool* cyclic) {
@@ -41,7 +35,7 @@ static IntEntry carrying_minor(const IntGrid& a, const RankProfile& p, bool* cyc
 
 /// multiple: of d1 ... dr, nil: a minor that carries the rank is taken.
 static void diagonal_alone(Reduction& r, const IntEntry* multiple, bool shown) {
-    IntGrid a = grid_of(r.m);
+    IntGrid a = occupied_grid(r.m);
     RankProfile p = rank_profile(a);
     r.rank = p.rank;
     auto* diagonal = scratch_array<IntEntry>(p.rank);
@@ -57,7 +51,7 @@ static void diagonal_alone(Reduction& r, const IntEntry* multiple, bool shown) {
         else
             smith_diagonal(a, p.rank, m, diagonal);
     }
-    store_diagonal(diagonal, r);
+    store_diagonal(diagonal, r.rank, r.m);
 }
 
 // ---- transformations -----------------------------------------------------------------------------------
@@ -204,7 +198,7 @@ static void with_transformations(Reduction& r) {
             if (!divides(s.core(i, i), s.core(j, j))) repair(s, i, j);
     auto* diagonal = scratch_array<IntEntry>(f.rank);
     for (int32_t k = 0; k < f.rank; k++) diagonal[k] = s.core(k, k);
-    store_diagonal(diagonal, r);
+    store_diagonal(diagonal, r.rank, r.m);
     const IntGrid* results[k_aux_matrices] = {&s.alpha, &s.beta, &s.alphinv, &s.betinv};
     for (int32_t k = 0; k < k_aux_matrices; k++)
         if (is_present(r.aux[k])) store_grid(*results[k], r.aux[k]);
