@@ -196,7 +196,18 @@ bool gcd_over_field(WordGcdEnv& env, polyptrr g) {
     return found;
 }
 
+// The leading number is 1 or -1, as that of most denominators is.
+static bool leads_with_unit(const polynode* p) {
+    while (!p->numb) p = p->pcoef;
+    boolean minus = 0;
+    return equal_to_pm1(p->ncoef, &minus) != 0;
+}
+
 void common_content(const polynode* u, const polynode* v, imptr c) {
+    if (!lintmode && (leads_with_unit(u) || leads_with_unit(v))) {
+        setvalue(1, c);
+        return;
+    }
     find_gcdcoefs(u, c);
     if (lintmode || is_longint(c, 1)) return;
     number other = {};
