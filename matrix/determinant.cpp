@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdio>
 namespace tolvex {
 namespace {
@@ -161,10 +162,38 @@ double determinant_work(const quoly* a, int32_t m, int32_t n) {
     return work;
 }
 
+/// About the nanoseconds of elimination without fractions, whose products are fast ones, where the entries are
+/// polynomials in one variable.
+static double elimination_work(const Functions& f) {
+    constexpr double k_step = 140, k_digit_share = 0.5;
+    int32_t only = -1;
+    double degree = 0, digits = 0;
+    for (int64_t k = 0; k < int64_t{f.m} * f.m; k++) {
+        if (f.a[k]->numb) continue;
+        PackMeasure here = {};
+        pack_measure(f.a[k]->numer, &here);
+        for (int32_t i = 0; i < here.levels; i++) {
+            if (here.most[i] == 0 && here.least[i] == 0) continue;
+            if (only >= 0 && only != i) return 1e30;
+            only = i;
+            degree = std::max(degree, static_cast<double>(here.most[i]) - here.least[i]);
+        }
+        if (!lintmode) digits = std::max(digits, static_cast<double>(here.digits));
+        poll_interrupt();
+    }
+    double work = 0;
+    for (int32_t k = 1; k < f.m; k++) {
+        double size = k * degree + 2, left = f.m - k;
+        work += 3 * left * left * size * std::log2(size) * k_step * (1 + k_digit_share * k * digits);
+    }
+    return work;
+}
+
 static Engine choose_engine(const Functions& f) {
     if (detcutoff >= 0 || gauss_cutoff == 1 || f.tower || f.m == 1) return Engine::elimination;
     double expansion = determinant_work(f.a, f.m, f.m), images = interpolation_work(f.a, f.m, false);
-    if (images >= 0 && images < expansion) return Engine::interpolation;
+    if (images >= 0 && images < expansion)
+        return elimination_work(f) < images ? Engine::elimination : Engine::interpolation;
     constexpr int32_t k_most_expanded = 12;
     return f.m <= k_most_expanded ? Engine::minors : Engine::elimination;
 }
