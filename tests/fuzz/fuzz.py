@@ -21,7 +21,9 @@ import time
 
 from grammar import VARIABLES, Grammar
 
-TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|Tolvex error")
+# A field that is declared and is none is the user's own doing.
+BROKEN = rb"Tolvex error(?!\. poly invertibility failure)"
+TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|" + BROKEN)
 # Out of all levels and fields, then to the integers. The blanks are for a long prompt, whose length is taken off each line.
 LEAVE = [b";\n", b"&@\n"] + 2 * [b"&(P=%s)\n" % v.encode() for v in VARIABLES] + 2 * [b"&(p=_i)\n", b";\n"]
 PROBE = b"\n" * 17 + b"".join(b" " * 10 + line for line in LEAVE + [b"!(123456789*1000)\n", b"&q\n"])
@@ -63,7 +65,7 @@ def attempt(binary, text, files, directory):
     reason = ""
     if process.returncode not in (0, 1):
         reason = f"status {process.returncode}" + (" after an interrupt" if stopped else "")
-    if TROUBLE.search(stderr) or b"*** Tolvex error" in stdout:
+    if TROUBLE.search(stderr) or re.search(BROKEN, stdout):
         reason = "report"
     # a literal, comment or definition that is still open takes the probe in
     swallowed = stdout.count(b"inside a literal.") + stdout.count(b"inside a comment.") > PROBE.count(b"\n") // 2
