@@ -2,9 +2,8 @@
 /// field/cantor_zass.h: a random residue that tells factors of one degree apart. For the files of
 /// factorisation.
 ///
-/// Purpose    the trace of a random residue lies in the field modulo each factor; a power of it, or its trace
-/// to the
-///            field of two elements, is then one of two values, which a gcd separates.
+/// Purpose    the trace of a random residue lies in the field modulo each factor; a power of it, or its
+///            trace to the field of two elements, is then one of two values, which a gcd separates.
 #include "field/factor_words.h"
 namespace tolvex {
 /// out := the sum of a^(q^i), 0 <= i < d. By powers of Frobenius, or by doubling and compositions.

@@ -2,10 +2,9 @@
 /// field/factor_words.h: factorisation of polynomials in one variable over a finite field, in flat arrays.
 ///
 /// Purpose    square-free parts, products of factors of one degree, and their splitting (Cantor and
-/// Zassenhaus, "A
-///            new algorithm for factoring polynomials over finite fields", 1981), with the powers of
-///            Frobenius in giant steps and by modular composition (von zur Gathen and Shoup, "Computing
-///            Frobenius maps and factoring polynomials", 1992; Kaltofen and Shoup, 1998).
+///            Zassenhaus, "A new algorithm for factoring polynomials over finite fields", 1981), with the
+///            powers of Frobenius in giant steps and by modular composition (von zur Gathen and Shoup,
+///            "Computing Frobenius maps and factoring polynomials", 1992; Kaltofen and Shoup, 1998).
 /// Invariant  all polynomials are monic. Random choices come from a generator that starts anew for each
 ///            factorisation: equal input gives equal output.
 /// Ownership  lists stand in scratch memory of the caller, with room for all factors of one polynomial.

@@ -3,8 +3,7 @@
 ///
 /// Ownership  *at is rewritten in place.
 /// Modes      any. Field levels in modular mode go through flat arrays (field/tower_words.h), all else
-/// through
-///            the records.
+///            through the records.
 /// Raises     211: a negative exponent that cannot be reduced.
 #include "poly/poly.h"
 namespace tolvex {

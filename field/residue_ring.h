@@ -3,16 +3,13 @@
 /// arrays.
 ///
 /// Purpose    what factorisation computes with. The field is the ground field, or a tower over it, of any
-/// height;
-///            products of polynomials over a tower are products over the ground field (Kronecker's
-///            substitution).
-/// Invariant  a polynomial of degree d is d + 1 elements, lowest exponent first, each of `size` words; -1 is
-/// the
-///            degree of 0. A residue modulo a polynomial of degree n is n elements, the leading ones may be
-///            0.
+///            height; products of polynomials over a tower are products over the ground field
+///            (Kronecker's substitution).
+/// Invariant  a polynomial of degree d is d + 1 elements, lowest exponent first, each of `size` words; -1
+///            is the degree of 0. A residue modulo a polynomial of degree n is n elements, the leading
+///            ones may be 0.
 /// Ownership  everything stands in scratch memory of the caller. A field is a copy of the tower: what a
-/// command
-///            level does meanwhile to the records of field/tower_words.h changes nothing.
+///            command level does meanwhile to the records of field/tower_words.h changes nothing.
 /// Modes      modular: a prime modulus or a table field.
 /// Raises     poll_interrupt in each product.
 #include "field/tower_words.h"

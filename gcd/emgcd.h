@@ -2,11 +2,9 @@
 /// gcd/emgcd.h: gcds in one variable over a field of words: on arrays, and as half-gcd on lists of terms.
 ///
 /// Purpose    basic_poly_gcd (gcd/engines.h) chooses; the list form serves degrees beyond fast_gcd_size,
-/// where an array
-///            indexed by exponents would be mostly holes.
-/// Modes      a prime modulus or a table field, one variable, no negative exponents. A composite modulus: a
-/// leading number
-///            that is no unit ends the arrays with gcd 1; the list form raises error 85.
+///            where an array indexed by exponents would be mostly holes.
+/// Modes      a prime modulus or a table field, one variable, no negative exponents. A composite modulus:
+///            a leading number that is no unit ends the arrays with gcd 1; the list form raises error 85.
 /// Source     K. Thull, C. Yap: A unified approach to HGCD algorithms for polynomials and integers (1990).
 #include "poly/poly.h"
 namespace tolvex {

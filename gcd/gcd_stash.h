@@ -6,17 +6,15 @@
 ///               └─ slot ── pcoef: operand of higher degree, next: the gcd (nil: unknown), exp: mass of the
 ///               entry
 ///
-/// Purpose    elimination over rational functions asks for the same gcds again and again. Off by default; the
-/// matrix
-///            routines switch it on for the length of their work.
+/// Purpose    elimination over rational functions asks for the same gcds again and again. Off by default;
+///            the matrix routines switch it on for the length of their work.
 /// Invariant  entries hold canonical operands (positive leading number, or monic) of one ground ring, one
-/// list of variables
-///            and one state of laurent: a change of these empties the table before it is used again. With a
-///            field the level of the main variable belongs to the pair. While a frame holds an open slot
-///            (polygcd_stack_depth > 0) nothing is evicted, and an entry whose gcd is unknown outlives even
-///            the emptying of the table until all frames are closed.
+///            list of variables and one state of laurent: a change of these empties the table before it
+///            is used again. With a field the level of the main variable belongs to the pair. While a
+///            frame holds an open slot (polygcd_stack_depth > 0) nothing is evicted, and an entry whose
+///            gcd is unknown outlives even the emptying of the table until all frames are closed.
 /// Ownership  entries own their polynomials. A slot belongs to the table; its user fills it by
-/// gcd_stash_store.
+///            gcd_stash_store.
 #include "poly/poly.h"
 #include "storage/memory.h"
 

@@ -2,9 +2,8 @@
 /// gcd/hensel.h: what the two lifting gcds share. Private to gcd/ and to tests.
 ///
 /// Purpose    x = g h modulo an ideal element, g and h coprime, is lifted to powers of it; g is monic and
-/// stays so, h
-///            carries the leading coefficient of x. The gcd is the lifted g times the gcd of the leading
-///            coefficients, up to a content. (Moses and Yun, "The EZ GCD algorithm", 1973.)
+///            stays so, h carries the leading coefficient of x. The gcd is the lifted g times the gcd of
+///            the leading coefficients, up to a content. (Moses and Yun, "The EZ GCD algorithm", 1973.)
 /// Modes      one variable over a prime field or table field.
 #include "poly/poly.h"
 namespace tolvex {

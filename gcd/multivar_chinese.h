@@ -1,16 +1,14 @@
 #pragma once
 /// gcd/multivar_chinese.h: gcds in several variables over a field of words by evaluation and interpolation of
-/// the main
-///            variable. Private to gcd/ and to tests.
+/// the main variable. Private to gcd/ and to tests.
 ///
 ///   x^2 y + 3x + 5 y   transposed:   y · row 0, row 1      row 0: x^2 + 5      row 1: 3x
 ///
-/// Purpose    values at many points are taken from the transposed form: a tree in the levels below the main
-/// one,
-///            whose leaves stand for polynomials in the main variable, each a short array.
-/// Invariant  the top two levels may be renamed freely: a gcd depends on positions alone. What lacks level 2
-/// is
-///            therefore handed to polygcd one level down, and no variable record is ever changed.
+/// Purpose    values at many points are taken from the transposed form: a tree in the levels below the
+///            main one, whose leaves stand for polynomials in the main variable, each a short array.
+/// Invariant  the top two levels may be renamed freely: a gcd depends on positions alone. What lacks
+///            level 2 is therefore handed to polygcd one level down, and no variable record is ever
+///            changed.
 /// Ownership  arrays live in scratch memory of the caller's mark; trees belong to the caller.
 #include "poly/poly.h"
 #include "poly/word_field.h"

@@ -2,9 +2,10 @@
 /// gcd/polygcd_env.h: the record that the steps of polygcd share. Private to gcd/.
 ///
 /// Each step is a function of this record; it returns true when it has ended the call, the result standing in
-/// *r. Invariant  an operand whose save flag is true is never written to: what a step changes is a private
-/// form of it, so
-///            that errors and interrupts find the caller's operands as they came.
+/// *r.
+///
+/// Invariant  an operand whose save flag is true is never written to: what a step changes is a private form
+///            of it, so that errors and interrupts find the caller's operands as they came.
 #include "gcd/gcd_modes.h"
 #include "poly/poly.h"
 namespace tolvex {

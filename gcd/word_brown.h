@@ -2,12 +2,11 @@
 /// gcd/word_brown.h: gcds over a word field by evaluation and interpolation.
 ///
 /// Purpose    the gcd of flat polynomials in several variables: the last variable is set to points, the
-/// images
-///            are interpolated; the contents met on the way are polynomials in one variable. (Brown, "On
-///            Euclid's algorithm and the computation of polynomial greatest common divisors", 1971.)
-/// Invariant  results err only towards a polynomial that is too large or foreign: a result 1 is proved, any
-/// other
-///            is proved by dividing both operands.
+///            images are interpolated; the contents met on the way are polynomials in one variable.
+///            (Brown, "On Euclid's algorithm and the computation of polynomial greatest common divisors",
+///            1971.)
+/// Invariant  results err only towards a polynomial that is too large or foreign: a result 1 is proved,
+///            any other is proved by dividing both operands.
 /// Ownership  results live in scratch memory of the caller's mark.
 #include "poly/packed.h"
 namespace tolvex {

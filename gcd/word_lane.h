@@ -2,9 +2,8 @@
 /// gcd/word_lane.h: the engines on word arrays, tried by polygcd before its other engines.
 ///
 /// Purpose    operands are read once into flat arrays of packed exponents and residues; images in each
-/// variable bound the
-///            gcd, coprime pairs end there; else interpolation (dense or sparse) over one word prime, and
-///            further primes over Z.
+///            variable bound the gcd, coprime pairs end there; else interpolation (dense or sparse) over
+///            one word prime, and further primes over Z.
 /// Ownership  operands are only read; *r is replaced when the gcd is found.
 /// Modes      Z, a prime modulus, table fields; no field tower; no negative exponents.
 #include "poly/poly.h"

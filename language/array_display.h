@@ -1,9 +1,8 @@
 #pragma once
 /// language/array_display.h: matrices as text.
 ///
-/// Purpose    a dense matrix by rows, its elements in fields; a sparse one by the rows that are not empty, as
-/// a
-///            literal.
+/// Purpose    a dense matrix by rows, its elements in fields; a sparse one by the rows that are not
+///            empty, as a literal.
 /// Raises     nothing of its own.
 #include "language/array_operand.h"
 

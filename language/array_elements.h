@@ -1,12 +1,11 @@
 #pragma once
 /// language/array_elements.h: single elements of arrays in expressions: subscripts, reading, storing.
 ///
-/// Purpose    `x[i]`, `x[i,j]`, `%[k][i,j]`, `<[i]` as factors, as targets of assignments, and as places that
-/// are
-///            written to later.
-/// Invariant  a place that outlives the reading of its subscripts is kept as the stamp of its array and the
-/// number
-///            of the element, never as a location: arrays are cancelled, converted, and move in the store.
+/// Purpose    `x[i]`, `x[i,j]`, `%[k][i,j]`, `<[i]` as factors, as targets of assignments, and as places
+///            that are written to later.
+/// Invariant  a place that outlives the reading of its subscripts is kept as the stamp of its array and
+///            the number of the element, never as a location: arrays are cancelled, converted, and move
+///            in the store.
 /// Raises     27, 28, 61, 118, 121, 175, 217..221, 314.
 #include "language/evaluator.h"
 #include "matrix/array.h"

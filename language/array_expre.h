@@ -2,16 +2,14 @@
 /// language/array_expre.h: the recursive-descent evaluator of array expressions.
 ///
 /// Purpose    sums, terms and factors with matrices in them. Every value travels in an ArrOperand; scalar
-/// factors
-///            come from the evaluator of scalar expressions.
+///            factors come from the evaluator of scalar expressions.
 ///
 ///   expression   term { ("+" | "-") term }
 ///   term         factor { ("*" | "/" | "|" | "\" | "_" | nothing) factor }        all of one rank, left to
 ///   right factor       ("-" | "$" | Trans | Diag | Adjoint) factor | primary ["^" e | "#" ...]
 ///
 /// Raises     1, 2, 24, 40, 43, 45, 56..59, 63, 71, 72, 74, 78..80, 82, 83, 105, 110, 142, 172..175, 188,
-/// 202, 244,
-///            251, 255, 265, 288, 336, and those of language/array_ops.h.
+///            202, 244, 251, 255, 265, 288, 336, and those of language/array_ops.h.
 #include "language/array_operand.h"
 
 #include <cstdio>

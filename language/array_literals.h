@@ -3,8 +3,7 @@
 ///
 /// Purpose    lists, rows, sparse rows, computed and random matrices, strings.
 /// Invariant  the reader begins at the first token behind the outer "[" and leaves the outer "]" as the
-/// current
-///            token. r.want_sparse: the result is sparse.
+///            current token. r.want_sparse: the result is sparse.
 /// Raises     24, 27, 43, 71, 78..80, 82, 110, 142, 173, 250, 251, 255, 265, 336 and those of loop headers.
 #include "language/array_expre.h"
 namespace tolvex {

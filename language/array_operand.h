@@ -1,12 +1,10 @@
 #pragma once
 /// language/array_operand.h: matrices on their way through the array expression evaluator.
 ///
-/// Purpose    an operand is a scalar, a dense matrix in a work array, or a sparse chain; private, or borrowed
-/// from a
-///            named array.
-/// Invariant  operands begin and end nested, as their work arrays do. A borrowed element is never changed.
-/// facts
-///            .arrsize 0: a scalar, in n; else n is nil. spar nil: dense.
+/// Purpose    an operand is a scalar, a dense matrix in a work array, or a sparse chain; private, or
+///            borrowed from a named array.
+/// Invariant  operands begin and end nested, as their work arrays do. A borrowed element is never
+///            changed. facts .arrsize 0: a scalar, in n; else n is nil. spar nil: dense.
 /// Ownership  a private operand owns its elements; after a jump they are given back through drop_unfinished.
 /// Raises     88 begin_operand.
 #include "language/array_values.h"

@@ -1,11 +1,10 @@
 #pragma once
 /// language/array_ops.h: arithmetic of operands of array expressions.
 ///
-/// Ownership  the left operand takes the result; what is private in either is used where it can be. The right
-/// one
-///            is left in any state that end_operand accepts.
-/// Raises     39 shapes; 22, 85 quotients; 43, 250 size; 36, 44 inverse; 72, 74, 172, 191, 241, 242 kinds of
-/// operands.
+/// Ownership  the left operand takes the result; what is private in either is used where it can be. The
+///            right one is left in any state that end_operand accepts.
+/// Raises     39 shapes; 22, 85 quotients; 43, 250 size; 36, 44 inverse; 72, 74, 172, 191, 241, 242 kinds
+///            of operands.
 #include "language/array_operand.h"
 namespace tolvex {
 /// left := left + right, or left - right: matrices of one shape, or a scalar with every element.

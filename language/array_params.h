@@ -2,10 +2,9 @@
 /// language/array_params.h: arrays as arguments of user functions.
 ///
 /// Purpose    `F([a])` makes an alias of [a] under the name of the parameter for the time of the call:
-/// elements are
-///            shared, not copied. `F(a[3])` for a parameter ^p is an element as a place.
+///            elements are shared, not copied. `F(a[3])` for a parameter ^p is an element as a place.
 /// Raises     24, 28, 121, 176, 217..221 arguments; 318 an element that is not there; 30 at the end of a
-/// call.
+///            call.
 #include "language/array_elements.h"
 namespace tolvex {
 /// Where the value of a parameter ^p goes: a variable, or an element. Both names empty: nowhere.

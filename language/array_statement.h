@@ -1,9 +1,8 @@
 #pragma once
 /// language/array_statement.h: statements that begin with a matrix, and those that create arrays.
 ///
-/// Purpose    `[x] := ...`, `[x[..]] := ...`, `Diag[x] := ...`, `%[i] := ...`, and expressions whose value
-/// goes to the
-///            system array.
+/// Purpose    `[x] := ...`, `[x[..]] := ...`, `Diag[x] := ...`, `%[i] := ...`, and expressions whose
+///            value goes to the system array.
 /// Invariant  the right side is complete before the first element of the target changes.
 /// Raises     4, 42, 60, 125, 139, 176, 242, 244, 249, 250, 297 and those of array expressions.
 #include "language/array_expre.h"

@@ -1,10 +1,8 @@
 #include "language/builtin_table.h"
 
-#include "language/ports.h"
 #include "numbers/data_files.h"
 #include "numbers/ring_switch.h"
 
-#include <cstdio>
 #include <cstdlib>
 namespace tolvex {
 static int16_t sorted_rows[k_builtin_rows];  // ids in strcmp order of their names
@@ -149,14 +147,9 @@ constexpr BuiltinRoutines routines;
 bool builtin_function(FILE* inf, quolyptr n, nameptr* flag) {
     int32_t id = token.address < 0 ? builtin_id(token) : token.address - k_builtin_address;
     if (id < 0) return false;
-    BuiltinRoutine routine = routines.of[id];
-    if (routine == nullptr) {
-        printf("not implemented\n");
-        return_to_top();
-    }
     BuiltinCall call = {inf, n, flag, id};
     bool resumed = routines.in_ring[id] && ring_resume();
-    routine(call);
+    routines.of[id](call);
     ring_suspend(resumed);
     return true;
 }

@@ -1,9 +1,8 @@
 #pragma once
 /// language/builtin_table.h: built-in functions by name.
 ///
-/// Purpose    the rows of the message file's table stand in the order of their ids; the search is binary over
-/// a
-///            sorted index of them. An id leads to its routine through one table.
+/// Purpose    the rows of the message file's table stand in the order of their ids; the search is binary
+///            over a sorted index of them. An id leads to its routine through one table.
 #include "language/builtin_args.h"
 namespace tolvex {
 using BuiltinRoutine = void (*)(BuiltinCall& call);

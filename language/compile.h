@@ -1,16 +1,15 @@
 #pragma once
 /// language/compile.h: the statement Compile, and the names it binds to their storage.
 ///
-/// Purpose    after Compile the nodes of a function's body that name a parameter or a listed variable lead to
-/// the
-///            variable without a search.
+/// Purpose    after Compile the nodes of a function's body that name a parameter or a listed variable
+///            lead to the variable without a search.
 ///
 ///   namenode.bound -> binding.var -> varnode.val         one binding a name, shared by all its nodes
 ///
 /// Invariant  binding.var is the variable that the name stands for, or nil: then the name is looked up. A
-/// variable
-///            that goes clears the bindings on its list; a parameter is bound for the time of its call, and
-///            the call below has its binding back afterwards. So no node ever leads to storage given back.
+///            variable that goes clears the bindings on its list; a parameter is bound for the time of
+///            its call, and the call below has its binding back afterwards. So no node ever leads to
+///            storage given back.
 /// Ownership  a function owns its bindings.
 /// Raises     19, 28 unknown name; 229 not a statement of the body; 230 to 234 the list; 242, 246, 247, 267.
 #include "language/array_elements.h"

@@ -2,13 +2,11 @@
 /// language/expre.h: the recursive-descent evaluator of scalar expressions.
 ///
 /// Purpose    parsing and arithmetic are one pass over tokens. The full forms expre/term/fact work on the
-/// location of
-///            a variable, so that a big value is not copied; old_* give plain values; half_* go on from a
-///            value.
+///            location of a variable, so that a big value is not copied; old_* give plain values; half_*
+///            go on from a value.
 /// Invariant  *n may be nil on entry; on return either *qp == n and the value is in *n, or *qp is the
-/// location where the
-///            value lives and *n is nil. qp nil: the name has no location. aux: the sparse element to be
-///            created.
+///            location where the value lives and *n is nil. qp nil: the name has no location. aux: the
+///            sparse element to be created.
 /// Raises     through error(), with the current token or the stated symbol.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"

@@ -2,8 +2,8 @@
 /// language/functions.h: user functions: definitions, calls, and the frames of running calls.
 ///
 /// Purpose    a function is a stored body with a list of parameters. A call pushes its parameters on the
-/// table
-///            of variables, runs the body, and takes them off; a parameter ^p is copied in and moved back.
+///            table of variables, runs the body, and takes them off; a parameter ^p is copied in and
+///            moved back.
 ///
 ///   call_frames -> frame of the innermost call -> its caller's frame -> ... -> nil     (statcount of them)
 ///

@@ -2,11 +2,9 @@
 /// language/integer_eval.h: expressions in machine words.
 ///
 /// Purpose    after the statement Integer the rest of a body is evaluated with int32 arithmetic: no value
-/// record
-///            is made and no token is copied. It reads stored lists only.
-/// Invariant  words wrap silently; in modular mode they are residues. Between two routines the cursor *flag
-/// stands
-///            on the node of the current token.
+///            record is made and no token is copied. It reads stored lists only.
+/// Invariant  words wrap silently; in modular mode they are residues. Between two routines the cursor
+///            *flag stands on the node of the current token.
 /// Modes      any; in modular mode products and sums are reduced, and "/" multiplies by the inverse.
 /// Raises     1, 19, 22, 63, 68, 129, 177, 202, 226, 227, 240, 279, 317, 340.
 #include "language/tokens/token.h"

@@ -2,9 +2,8 @@
 /// language/integer_words.h: what the files of the integer evaluator share.
 ///
 /// Invariant  `at` is the node of the current token. The global token and the caller's cursor follow only
-/// where
-///            somebody else looks at them: give_back before a routine of the general evaluator, an error or
-///            the end, take_up after it.
+///            where somebody else looks at them: give_back before a routine of the general evaluator, an
+///            error or the end, take_up after it.
 #include "language/compile.h"
 #include "language/evaluator.h"
 #include "language/integer_eval.h"

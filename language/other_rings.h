@@ -2,9 +2,8 @@
 /// language/other_rings.h: values that a change of the ground ring leaves in the ring before.
 ///
 /// Purpose    a change with a list converts only what is listed. Every other value is put away with the
-/// number
-///            of its ring: reading it is error 121, storing a new value is legal, and it comes back with its
-///            ring or when a later change converts it.
+///            number of its ring: reading it is error 121, storing a new value is legal, and it comes
+///            back with its ring or when a later change converts it.
 /// Invariant  a ring is told by its modulus, -1 for the integers. A location stands on the list of the values
 ///            put away at most once; its own value is nil, or 0 while a new value is being worked out for it.
 /// Ownership  the list owns the values. They are freed, walked and converted in their own ring.

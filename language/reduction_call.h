@@ -5,10 +5,10 @@
 ///
 /// Purpose    reads the call, reduces a private copy, and stores [a] and the named results when the reduction
 ///            is complete, as `[p] := ...` would; sparse if [a] is sparse. Until then no array changes.
-/// Raises     177 no "("; 178 no "["; 28 unknown [a]; 121 another ring; 244, 182 a part of an array; 40 no
-/// name
-///            for a result, or a name twice; 15 too many slots; 227 no number; 1 no ")"; 297, 139 a result
-///            that cannot change its shape; 26, 43 no room; 235 in modular mode, where the form says so.
+/// Raises     177 no "("; 178 no "["; 28 unknown [a]; 121 another ring; 244, 182 a part of an array; 40
+///            no name for a result, or a name twice; 15 too many slots; 227 no number; 1 no ")"; 297, 139
+///            a result that cannot change its shape; 26, 43 no room; 235 in modular mode, where the form
+///            says so.
 #include "language/builtin_args.h"
 #include "matrix/reduction.h"
 namespace tolvex {

@@ -2,8 +2,7 @@
 /// language/statements.h: stored statements: how they are read, kept and run.
 ///
 /// Purpose    bodies of functions and of control statements are read once into token lists and run by the
-/// same
-///            readers as what is typed, through a cursor.
+///            same readers as what is typed, through a cursor.
 ///
 ///   formnode -> condnode   simple statement: expr
 ///      |                   if:         cond, form1 (then), form2 (else)

@@ -3,7 +3,7 @@
 ///
 /// Purpose    p#e, p#(a, b, c) by place, p#(x = a, y = b) by name. All replacements are made at once.
 /// Raises     1 no ")"; 22 a denominator becomes 0; 202 the two kinds are mixed; 273 more places than
-/// variables.
+///            variables.
 #include "language/evaluator.h"
 namespace tolvex {
 /// "#" is the current token; *n, a private value, takes the result.

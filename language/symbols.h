@@ -1,9 +1,9 @@
 #pragma once
 /// language/symbols.h: the symbol table of scalar variables.
 ///
-/// Purpose    chained hash tables; the first letter and the syntax decide the table (lower case: variable or
-/// array;
-///            upper case: function). Polynomial variables live in polynames and take precedence.
+/// Purpose    chained hash tables; the first letter and the syntax decide the table (lower case: variable
+///            or array; upper case: function). Polynomial variables live in polynames and take
+///            precedence.
 /// Invariant  a bucket is a chain, new entries at its head, so that locals shadow globals.
 /// Ownership  a varnode owns its value; nil: the variable exists without a value.
 /// Raises     19 undefined variable (spec_retrieve).

@@ -7,7 +7,8 @@
 ///            it stands now. A matrix of operations that is not wanted is absent. All are dense, or all are
 ///            sparse.
 /// Ownership  the record owns all elements; drop_reduction() gives them back, at any moment between two
-/// steps. Raises     poll_interrupt within steps; the record is whole then.
+///            steps.
+/// Raises     poll_interrupt within steps; the record is whole then.
 #include "matrix/sparse.h"
 #include "storage/failure.h"
 

@@ -2,8 +2,7 @@
 /// matrix/row_reduce.h: echelon forms by elimination over the field of fractions.
 ///
 /// Purpose    reductions of the record of matrix/reduction.h: dense and sparse, in every ring. Over a
-/// composite
-///            modulus each pivot is a unit.
+///            composite modulus each pivot is a unit.
 /// Ownership  the record takes the result; r->failed tells that an error has come back.
 /// Raises     375: a sparse matrix of more than 50000 rows or columns; 85: entries are left, and none of them is a unit. poll_interrupt.
 #include "matrix/reduction.h"

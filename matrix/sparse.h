@@ -5,12 +5,11 @@
 ///                  indx[0] -> colnode(coord 3) -> colnode(coord 8) -> nil
 ///
 /// Purpose    storage of matrices that are mostly zero, and the walks over them.
-/// Invariant  within a row `coord`, the column counted from 1, rises strictly; no entry has the value 0. Row
-/// r,
-///            counted from 0, stands in block r / 2048 at indx[r % 2048]; heads behind the last row are nil.
+/// Invariant  within a row `coord`, the column counted from 1, rises strictly; no entry has the value 0.
+///            Row r, counted from 0, stands in block r / 2048 at indx[r % 2048]; heads behind the last
+///            row are nil.
 /// Ownership  a chain owns its entries and their values, unless it is a frame (flip_sparse), whose values
-/// belong
-///            to another matrix.
+///            belong to another matrix.
 /// Raises     nothing: subscripts are checked by the callers (matrix/array.h).
 #include "quoly/quoly.h"
 

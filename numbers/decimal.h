@@ -2,9 +2,8 @@
 /// numbers/decimal.h: between chains in base 2^28 and decimal digits.
 ///
 /// Purpose    three decimal forms: text without leading zeros; limb arrays, the binary side of both
-/// conversions; and
-///            decimal chains, which are number records whose digits are in base 10^8, so that a node is 8
-///            characters.
+///            conversions; and decimal chains, which are number records whose digits are in base 10^8, so
+///            that a node is 8 characters.
 /// Ownership  all work memory is scratch, given back before return; the powers of ten stay for the session.
 /// Raises     nothing. Long conversions poll for interrupts.
 #include "numbers/limbs.h"

@@ -3,7 +3,7 @@
 ///
 /// Modes      dispcutoff, uglyprint, alt_form_display, disp_size (numbers/display_modes.h).
 /// Raises     new_readin: warning of overflow in lintmode. get_decimal_part: errors 235, 341 (language
-/// layer).
+///            layer).
 #include "language/tokens/token.h"
 #include "numbers/display_modes.h"
 #include "numbers/number.h"

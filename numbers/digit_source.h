@@ -2,8 +2,8 @@
 /// numbers/digit_source.h: many digits at once from the free list, for routines that write a chain.
 ///
 /// Purpose    the free list is walked in a local variable and keeps its links, so that a digit costs one
-/// load.
-///            Chains go back as they are: a new chain mostly follows the nodes of an old one in memory.
+///            load. Chains go back as they are: a new chain mostly follows the nodes of an old one in
+///            memory.
 /// Invariant  no digit leaves the list before finish() or a pause, which cut it behind the last one taken;
 ///            nothing else may take or give back digits in between.
 #include "numbers/number.h"

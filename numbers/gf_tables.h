@@ -2,8 +2,8 @@
 /// numbers/gf_tables.h: the fields of 2^8 and 2^16 elements.
 ///
 /// Purpose    GF(2^8) is Z/2[x] modulo x^8+x^4+x^3+x+1, elements as bit vectors; GF(2^16) is GF(2^8)[z]
-/// modulo
-///            z^2+2z+1, the element h z + l encoded 256 h + l, generator 263. Addition is exclusive or.
+///            modulo z^2+2z+1, the element h z + l encoded 256 h + l, generator 263. Addition is
+///            exclusive or.
 /// Modes      f256, f2t16 tell which is in force.
 #include "numbers/number_modes.h"
 

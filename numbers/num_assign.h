@@ -2,8 +2,7 @@
 /// numbers/num_assign.h: assignment of numbers.
 ///
 /// Ownership  the old chain of the destination is given back after the new one is built: source and
-/// destination may
-///            be one record.
+///            destination may be one record.
 #include "numbers/number.h"
 namespace tolvex {
 void setvalue(int32_t n, imptr x);      ///< x := n in the mode in force; -2^31 stays one raw digit

@@ -6,10 +6,10 @@
 ///            sign size = 3
 ///
 /// Purpose    a number is a chain of digits, or in lintmode the word `lint`.
-/// Invariant  a chain has no leading zero digit except in 0, which is one node 0 with size 1; tail->next is
-/// nil;
-///            size is the true length, 0 means that the record owns no chain. Outside lintmode only head,
-///            tail and size count; in lintmode only lint counts, in modular mode a residue 0..modulus-1.
+/// Invariant  a chain has no leading zero digit except in 0, which is one node 0 with size 1; tail->next
+///            is nil; size is the true length, 0 means that the record owns no chain. Outside lintmode
+///            only head, tail and size count; in lintmode only lint counts, in modular mode a residue
+///            0..modulus-1.
 /// Ownership  a chain has exactly one owner. A local number starts as `number n = {};` and is given back with
 ///            free_num or special_free before it goes out of scope.
 /// Modes      numbers/number_modes.h

@@ -3,8 +3,8 @@
 ///
 /// Purpose    no routine takes a ring as an argument: it reads these words.
 /// Invariant  modularmode implies lintmode; modulus is -1 exactly in rational mode; modulus and all that
-/// depends on
-///            it is written by set_modulus alone (numbers/ring_switch.h). finf is tested before smallmodulus.
+///            depends on it is written by set_modulus alone (numbers/ring_switch.h). finf is tested
+///            before smallmodulus.
 #include "storage/types.h"
 
 #include <cstdint>

@@ -2,8 +2,7 @@
 /// numbers/residue.h: arithmetic on residues 0..modulus-1 and in the table fields.
 ///
 /// Purpose    the inner loop of all modular work. A product is reduced by a 64-bit reciprocal (Barrett),
-/// never by a
-///            division instruction.
+///            never by a division instruction.
 /// Raises     mod_inverse: "bad seca." for 0 (fatal), error 85 for a non-unit.
 #include "numbers/gf_tables.h"
 #include "numbers/number.h"

@@ -2,11 +2,10 @@
 /// numbers/ring_switch.h: the one place that changes the ground ring in force.
 ///
 /// Purpose    set_modulus writes the modulus and all that depends on it; RingState saves and restores the
-/// whole;
-///            check_modular suspends modular arithmetic around a value that must stay an ordinary integer.
-/// Invariant  code that switches calls ring_save/ring_enter_prime/ring_restore in pairs; what an error jump
-/// leaves
-///            behind is restored by the session through ring_unwind.
+///            whole; check_modular suspends modular arithmetic around a value that must stay an ordinary
+///            integer.
+/// Invariant  code that switches calls ring_save/ring_enter_prime/ring_restore in pairs; what an error
+///            jump leaves behind is restored by the session through ring_unwind.
 #include "numbers/number.h"
 namespace tolvex {
 struct RingState {

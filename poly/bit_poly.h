@@ -1,12 +1,10 @@
 #pragma once
 /// poly/bit_poly.h: polynomials in one variable over the field of two elements, as bits.
 ///
-/// Purpose    64 coefficients to a word: sums are exclusive ors, products are those of words without carry,
-/// of
-///            which processors have an instruction.
-/// Invariant  bit e of the array is the coefficient of x^e; bits above the degree are 0 up to the end of the
-/// last
-///            word. -1 is the degree of 0.
+/// Purpose    64 coefficients to a word: sums are exclusive ors, products are those of words without
+///            carry, of which processors have an instruction.
+/// Invariant  bit e of the array is the coefficient of x^e; bits above the degree are 0 up to the end of
+///            the last word. -1 is the degree of 0.
 /// Ownership  arrays of the caller; no result overlaps an operand but where it says so.
 /// Raises     nothing; poll_interrupt in long products and divisions.
 #include <cstdint>

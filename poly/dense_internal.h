@@ -1,9 +1,8 @@
 #pragma once
 /// poly/dense_internal.h: records and steps that the gcd files of the dense engine share.
 ///
-/// Purpose    the half-gcd of x, y with deg x = n >= deg y: with m = n div 2, the matrix M for which M (x, y)
-/// is
-///            the pair of the Euclidean sequence with deg x > m >= deg y.
+/// Purpose    the half-gcd of x, y with deg x = n >= deg y: with m = n div 2, the matrix M for which M
+///            (x, y) is the pair of the Euclidean sequence with deg x > m >= deg y.
 /// Ownership  entries stand in scratch memory; a matrix has room for n - m + 1 elements in each entry.
 /// Modes      a result of false: a leading element is no unit (composite modulus); then the operands are
 ///            spoilt.

@@ -2,7 +2,7 @@
 /// poly/dense_school.h: the schoolbook product of residues. For dense_*.cpp.
 ///
 /// Modes      residues of any modulus from 2 to 2^31 - 1; not the table fields. The processor rounds to
-/// nearest.
+///            nearest.
 #include "poly/word_field.h"
 
 #include <cstdint>

@@ -5,9 +5,8 @@
 ///            One level: through residue arrays. Several levels: classical, or divide and conquer on the
 ///            degree (Karatsuba's split of m, after Burnikel and Ziegler).
 /// Invariant  no negative exponents, except that fast_mod_and_div clears them.
-/// Ownership  operands are kept; old results are given back after the new ones are complete, so a result may
-/// be
-///            an operand.
+/// Ownership  operands are kept; old results are given back after the new ones are complete, so a result
+///            may be an operand.
 /// Modes      pt: the variable of the operands' top level, for coefficients that are modded out.
 /// Raises     error 85 when the leading number of m is no unit.
 #include "poly/poly.h"

@@ -1,16 +1,15 @@
 #pragma once
 /// poly/evaluate.h: values for variables, and variables that change their level.
 ///
-/// Purpose    Horner's scheme along each chain, from the highest exponent down: no power is formed that is
-/// not needed.
-///            The residue form allocates nothing; interpolation runs it millions of times.
-/// Invariant  a list of values is a chain with one node a level: a leaf holds a number, a term a polynomial
-/// in its
-///            pcoef, or nil there: this variable stays. Polynomial values stand one level below their
-///            variable. Levels keep their numbers: an evaluated level leaves a pad, unless the result is a
-///            number.
+/// Purpose    Horner's scheme along each chain, from the highest exponent down: no power is formed that
+///            is not needed. The residue form allocates nothing; interpolation runs it millions of times.
+/// Invariant  a list of values is a chain with one node a level: a leaf holds a number, a term a
+///            polynomial in its pcoef, or nil there: this variable stays. Polynomial values stand one
+///            level below their variable. Levels keep their numbers: an evaluated level leaves a pad,
+///            unless the result is a number.
 /// Ownership  operands are kept unless said otherwise; results are fresh, an old *p or *ans is given back
-/// last. Modes      any ground ring; values are elements of it. Exponents are not negative.
+///            last.
+/// Modes      any ground ring; values are elements of it. Exponents are not negative.
 #include "poly/poly.h"
 namespace tolvex {
 /// *ans := *q with its main variable kept and the variables below it replaced by the list arg, which may end

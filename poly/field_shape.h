@@ -1,9 +1,8 @@
 #pragma once
 /// poly/field_shape.h: where a polynomial stands with respect to the field tower.
 ///
-/// Purpose    levels field_depth and deeper belong to the tower; these tests look at the shape alone. depth:
-/// the level of
-///            the polynomial's top variable.
+/// Purpose    levels field_depth and deeper belong to the tower; these tests look at the shape alone.
+///            depth: the level of the polynomial's top variable.
 /// Invariant  without a tower (field_depth 0) nothing is a field element and every polynomial lies above it.
 #include "poly/poly.h"
 namespace tolvex {

@@ -2,8 +2,7 @@
 /// poly/packed_crt.h: integers from their images modulo word primes, for all terms of a polynomial at once.
 ///
 /// Purpose    Garner's mixed radix: value = d_0 + p_0 (d_1 + p_1 (d_2 + ...)), digits extended prime by
-/// prime;
-///            the symmetric value is the answer. (Knuth, TAOCP 2, 4.3.2.)
+///            prime; the symmetric value is the answer. (Knuth, TAOCP 2, 4.3.2.)
 /// Invariant  primes are distinct odd primes below 2^31.
 /// Ownership  arrays live in scratch memory; crt_add tells when it took new ones, so that the caller does not
 ///            release them.

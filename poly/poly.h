@@ -9,16 +9,16 @@
 ///   [leaf 1]
 ///
 /// Purpose    one chain of terms a level, in strictly decreasing exp, coefficients in deeper levels.
-/// Invariant  - a constant is one leaf: numb true, exp 0, next nil; zero is the leaf 0; nil is no polynomial.
-///            - the constant term inside a chain is a leaf node in that chain (numb true, exp 0): x + 5 is
-///              (exp 1 -> leaf 1), leaf 5. A term of exp 0 over a number stands nowhere (remove_dummy).
-///            - a level that does not occur is skipped by a pad: one term of exp 0 over a polynomial. A term
-///            of
-///              exp 0 over a polynomial is legal alone (a pad) or last (x + y).
+/// Invariant  - a constant is one leaf: numb true, exp 0, next nil; zero is the leaf 0; nil is no
+///              polynomial.
+///            - the constant term inside a chain is a leaf node in that chain (numb true, exp 0): x + 5
+///              is (exp 1 -> leaf 1), leaf 5. A term of exp 0 over a number stands nowhere
+///              (remove_dummy).
+///            - a level that does not occur is skipped by a pad: one term of exp 0 over a polynomial. A
+///              term of exp 0 over a polynomial is legal alone (a pad) or last (x + y).
 ///            - no term has the coefficient 0.
-///            - under laurent exponents may be negative; the exponent-0 leaf may then have a next, also at
-///            the head:
-///              "is a number" always means numb and next nil (is_number).
+///            - under laurent exponents may be negative; the exponent-0 leaf may then have a next, also
+///              at the head: "is a number" always means numb and next nil (is_number).
 /// Ownership  a polynode owns its coefficient and the rest of its chain.
 /// Modes      in lintmode leaves hold their value in lint.
 #include "language/tokens/token.h"

@@ -3,7 +3,8 @@
 ///
 /// Purpose    *p := n + m and n - m, in four versions that differ in what becomes of n and m.
 /// Ownership  poly_ keeps both operands; better_ uses up n; best_ and simplest_ use up both. *p may be a
-/// used-up operand. Modes      any; simplest_ needs modularmode and one level.
+///            used-up operand.
+/// Modes      any; simplest_ needs modularmode and one level.
 #include "poly/poly.h"
 namespace tolvex {
 void poly_add(poly n, poly m, polyptrr p);

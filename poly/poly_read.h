@@ -6,16 +6,14 @@
 ///   coef  := digits | "(" poly ")"
 ///   power := variable [ "^" ( ["-"] digits | "(" ["-"] digits ")" ) ]
 ///
-/// Purpose    both forms that the display writes, nested and list of monomials, read back. Levels rise inside
-/// a term;
-///            a coefficient in parentheses lives in deeper levels than the first power after it.
+/// Purpose    both forms that the display writes, nested and list of monomials, read back. Levels rise
+///            inside a term; a coefficient in parentheses lives in deeper levels than the first power
+///            after it.
 /// Ownership  *p is replaced when the value is complete; a partial value is given back before an error.
 /// Modes      nomodpolyreadin: coefficients are read as words, out-of-range ones reduced at the end. In
-/// modular mode
-///            a minus draws a warning: once a load, once a statement at the terminal.
-/// Raises     159 coefficient not deeper than its power; 160 no polynomial variable; 161 exponent; 162, 165 a
-/// missing
-///            parenthesis; 163 order of the variables.
+///            modular mode a minus draws a warning: once a load, once a statement at the terminal.
+/// Raises     159 coefficient not deeper than its power; 160 no polynomial variable; 161 exponent; 162,
+///            165 a missing parenthesis; 163 order of the variables.
 #include "poly/poly.h"
 
 #include <cstdio>

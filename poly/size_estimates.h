@@ -2,14 +2,11 @@
 /// poly/size_estimates.h: cheap measures of polynomials, from which the strategies choose.
 ///
 /// Purpose    each measure is compared with a fixed number by its callers; its walk ends as soon as the
-/// answer is
-///            large enough for that, so that measuring costs a fraction of what it steers.
+///            answer is large enough for that, so that measuring costs a fraction of what it steers.
 /// Invariant  nothing wraps: every result stays at its cap. A node is any polynode, a term is a leaf. A
-/// constant is one
-///            node and one term; its degrees, heights and depths are 0.
-/// Modes      any. Levels below field_depth belong to the tower: measures with an argument depth, the level
-/// of the
-///            operand's top variable, take a coefficient there for a number.
+///            constant is one node and one term; its degrees, heights and depths are 0.
+/// Modes      any. Levels below field_depth belong to the tower: measures with an argument depth, the
+///            level of the operand's top variable, take a coefficient there for a number.
 #include "poly/poly.h"
 
 #include <cstdint>

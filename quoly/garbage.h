@@ -1,9 +1,8 @@
 #pragma once
 /// quoly/garbage.h: how much stands on the free lists.
 ///
-/// Purpose    the measures by which memory-hungry methods decide, and the report of `&G`. Records of higher
-/// folders
-///            are counted through rows that those folders provide.
+/// Purpose    the measures by which memory-hungry methods decide, and the report of `&G`. Records of
+///            higher folders are counted through rows that those folders provide.
 /// Modes      checked build: records in quarantine are on no list and are not counted.
 #include "quoly/quoly.h"
 

@@ -1,11 +1,10 @@
 #pragma once
 /// quoly/quoly.h: the value of the language: a number or a quotient of two polynomials.
 ///
-/// Invariant  canonical form: a constant without denominator is numb; denom is nil rather than 1; rat exactly
-/// when
-///            lintmode is off and both parts are constants; over Z the leading number of denom is positive;
-///            numer and denom are coprime, integer contents included; in lintmode denom is monic and never
-///            constant; under laurent denom has no monomial factor.
+/// Invariant  canonical form: a constant without denominator is numb; denom is nil rather than 1; rat
+///            exactly when lintmode is off and both parts are constants; over Z the leading number of
+///            denom is positive; numer and denom are coprime, integer contents included; in lintmode
+///            denom is monic and never constant; under laurent denom has no monomial factor.
 /// Ownership  a quoly owns its parts. Result parameters are freed before they receive the result:
 ///            quoly_add(x, y, &x) is right.
 #include "poly/poly.h"

@@ -1,14 +1,13 @@
 #pragma once
 /// quoly/quoly_convert.h: quolys between ground rings and variable lists.
 ///
-/// Purpose    what a lasting change of the ground ring or of the variable list does to one stored value. The
-/// result is
-///            in canonical form.
-/// Modes      modulus and mod_is_prime are those of the modular ring, in both directions; for a table field
-/// modulus is
-///            2 (to) or the table field's own (from). modularmode and lintmode may be on or off: they are set
-///            as needed and come back as they were. `to` reads chains, gives them back and leaves residues;
-///            `from` leaves chains, symmetric under alt_form_display outside table fields.
+/// Purpose    what a lasting change of the ground ring or of the variable list does to one stored value.
+///            The result is in canonical form.
+/// Modes      modulus and mod_is_prime are those of the modular ring, in both directions; for a table
+///            field modulus is 2 (to) or the table field's own (from). modularmode and lintmode may be on
+///            or off: they are set as needed and come back as they were. `to` reads chains, gives them
+///            back and leaves residues; `from` leaves chains, symmetric under alt_form_display outside
+///            table fields.
 /// Raises     nothing: a value without an image becomes 0.
 #include "quoly/quoly.h"
 #include "storage/failure.h"

@@ -2,8 +2,10 @@
 /// quoly/quoly_eval.h: values of the language put in for polynomial variables.
 ///
 /// Purpose    Horner's scheme in the arithmetic of rational functions: a power is formed only for a gap
-/// above 1. Ownership  operands are kept, an old *n is given back when the result is complete: *n may be the
-/// operand. Modes      any. Negative exponents take the reciprocal of the value. Raises     22 a reciprocal
+///            above 1. Ownership  operands are kept, an old *n is given back when the result is complete:
+///            *n may be the operand.
+/// Modes      any. Negative exponents take the reciprocal of the value.
+/// Raises     22 a reciprocal
 /// of 0; 210 a denominator that becomes 0.
 #include "quoly/quoly.h"
 namespace tolvex {

@@ -1,9 +1,8 @@
 #pragma once
 /// quoly/quoly_fraction.h: the product of two fractions, for products and quotients.
 ///
-/// Ownership  the parts are only read. Of a fraction that is lent a part may become a result as it stands:
-/// its
-///            owner finds it by the address and lets it go.
+/// Ownership  the parts are only read. Of a fraction that is lent a part may become a result as it
+///            stands: its owner finds it by the address and lets it go.
 #include "quoly/quoly_internal.h"
 namespace tolvex {
 /// numer / denom, borrowed; denom nil: 1.

@@ -1,9 +1,8 @@
 #pragma once
 /// quoly/quoly_internal.h: what the files of the four operations share.
 ///
-/// Purpose    views of operands as fractions, and the ends of every operation: what is computed is put into
-/// the
-///            target record, classified.
+/// Purpose    views of operands as fractions, and the ends of every operation: what is computed is put
+///            into the target record, classified.
 /// Ownership  a view borrows; receive_* use up what they are given and give back the old parts of *p last, so
 ///            that an operand may be the target.
 #include "numbers/limbs.h"

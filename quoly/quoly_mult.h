@@ -1,8 +1,8 @@
 #pragma once
 /// quoly/quoly_mult.h: products, powers, reciprocals.
 ///
-/// Raises     22 reciprocal of 0; 32 exponent of more than one digit; 85 no inverse; 210 denominator became
-/// 0.
+/// Raises     22 reciprocal of 0; 32 exponent of more than one digit; 85 no inverse; 210 denominator
+///            became 0.
 #include "quoly/quoly.h"
 namespace tolvex {
 /// What a quotient by 0 is after error 22 has come back: 1, and 0 where a pushed level carries on by itself.

@@ -1,12 +1,12 @@
 #pragma once
 /// session/levels.h: errors, interrupts, and the command levels that they open.
 ///
-/// Purpose    error() reports a failed statement and leaves for level 1, or opens a command level on top of
-/// it and
-///            comes back when the level is left. The routines of storage/failure.h are defined here.
-/// Invariant  whoever goes to level 1 goes through return_to_top (language/ports.h): modes that a computation
-/// had
-///            changed, the scratch stack and the per-statement counters are put in order there.
+/// Purpose    error() reports a failed statement and leaves for level 1, or opens a command level on top
+///            of it and comes back when the level is left. The routines of storage/failure.h are defined
+///            here.
+/// Invariant  whoever goes to level 1 goes through return_to_top (language/ports.h): modes that a
+///            computation had changed, the scratch stack and the per-statement counters are put in order
+///            there.
 /// Raises     everything here leaves by a long jump or returns as storage/failure.h says.
 #include "storage/failure.h"
 #include "storage/interrupt.h"

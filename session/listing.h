@@ -2,12 +2,10 @@
 /// session/listing.h: functions, variables and arrays as text: for the displays `&f`, `&v` and for saved
 /// sessions.
 ///
-/// Purpose    a stored body is written back as source text from its token lists. What is written to a file
-/// reads back to the
-///            same tokens: blanks stand wherever two tokens would run into one.
-/// Invariant  a listing names what stood in the tables when it began; what an interrupt changes meanwhile is
-/// looked up again
-///            before it is written.
+/// Purpose    a stored body is written back as source text from its token lists. What is written to a
+///            file reads back to the same tokens: blanks stand wherever two tokens would run into one.
+/// Invariant  a listing names what stood in the tables when it began; what an interrupt changes meanwhile
+///            is looked up again before it is written.
 /// Raises     129 what follows the listing commands; 222 no control statement; 303 the terminator of `&v`.
 #include "language/functions.h"
 

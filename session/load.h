@@ -1,18 +1,16 @@
 #pragma once
 /// session/load.h: running files of statements.
 ///
-/// Purpose    one input file at a time; its statements run as if typed, with the file rules of the scanner. A
-/// load ends at
-///            `&x`, at the end of the file, or at an error, which keeps the file open unless close_inpuf is
-///            set.
+/// Purpose    one input file at a time; its statements run as if typed, with the file rules of the
+///            scanner. A load ends at `&x`, at the end of the file, or at an error, which keeps the file
+///            open unless close_inpuf is set.
 ///
 ///   inpuf -> the open file        running_loads -> innermost load under way -> the load below it -> ... ->
 ///   nil
 ///
-/// Invariant  a file that a running load still reads is not closed under it: who replaces it hands it over,
-/// and the load
-///            closes it when its statement has ended. A load whose file has been replaced reads no further
-///            statement.
+/// Invariant  a file that a running load still reads is not closed under it: who replaces it hands it
+///            over, and the load closes it when its statement has ended. A load whose file has been
+///            replaced reads no further statement.
 /// Raises     129 statements of the file; 149, 248, 374 names.
 #include "quoly/quoly.h"
 #include "storage/types.h"

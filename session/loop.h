@@ -1,15 +1,13 @@
 #pragma once
 /// session/loop.h: the read-evaluate loop, its prompt, and the questions of commands.
 ///
-/// Purpose    run_level is one loop for level 1 and for the levels that error() opens on top of a statement.
-/// A
-///            round reads one statement, runs it, checks its terminator and shows its value.
+/// Purpose    run_level is one loop for level 1 and for the levels that error() opens on top of a
+///            statement. A round reads one statement, runs it, checks its terminator and shows its value.
 ///
 ///   terminator   ";" (or the line end) shows the value, ":" does not, "@" neither, but keeps the line feeds;
 ///                the end mark of stored statements counts as ";".
 ///   prompt step  white space up to the line feed and the line feed are dropped; text that follows a
-///   terminator
-///                on its line is the next statement.
+///                terminator on its line is the next statement.
 ///
 /// Invariant  line_open tells whether a line of the standard input has been begun and its line feed not yet
 ///            taken: what is dropped after an error, before a question and on entry of a level is that line.

@@ -7,7 +7,7 @@
 ///            nothing changes (session/value_images.h); the change itself is not interrupted. The value under way and
 ///            the previous value are 0 after a change.
 /// Raises     62, 73, 84 before anything is changed; 353 where modular mode may not be left; 148 at the
-/// question.
+///            question.
 #include "quoly/quoly.h"
 #include "storage/types.h"
 

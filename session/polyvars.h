@@ -1,17 +1,15 @@
 #pragma once
 /// session/polyvars.h: declaring and removing polynomial variables.
 ///
-/// Purpose    attach_poly reads the list of `&(J = ...)`, `&(J > ...)` and `&J`, item by item, and rewrites
-/// all
-///            stored values for each change of the list of variables.
+/// Purpose    attach_poly reads the list of `&(J = ...)`, `&(J > ...)` and `&J`, item by item, and
+///            rewrites all stored values for each change of the list of variables.
 ///
 ///   x          a new variable: "=" in front (level 1), ">" at the end (deepest)
 ///   -x         x is removed; no stored value may contain it
 ///   -x = e     x is replaced by the number e everywhere, then removed
 ///
 /// Invariant  the first bad item stops the list; the items before it stay done, the bad one has changed
-/// nothing.
-///            A new deepest variable rewrites nothing.
+///            nothing. A new deepest variable rewrites nothing.
 /// Raises     124, 126, 228, 355, 356, 360, 361, 362.
 #include "language/tokens/token.h"
 

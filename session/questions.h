@@ -5,8 +5,7 @@
 ///            answer always comes from the standard input, also when the command stands in a function, a file
 ///            or the start-up script; where the command came from is put back afterwards.
 /// Raises     129 an answer that is not terminated, and the number given for an answer that is no number.
-/// Where an
-///            error comes back, the routines return false and nothing has changed.
+///            Where an error comes back, the routines return false and nothing has changed.
 #include "session/session_modes.h"
 #include "storage/failure.h"
 namespace tolvex {

@@ -1,15 +1,13 @@
 #pragma once
 /// session/save_file.h: the output file and the saved session.
 ///
-/// Purpose    one output file at a time: for images of the session (`&s`) and for `!(&o, ...)`. An image is a
-/// script that
-///            builds the session again when it is loaded.
+/// Purpose    one output file at a time: for images of the session (`&s`) and for `!(&o, ...)`. An image
+///            is a script that builds the session again when it is loaded.
 /// Invariant  naming a file destroys nothing: content goes to a file beside it, which takes its place,
-/// flushed to the disk,
-///            when the first image is complete or the file is closed; after that writing goes on in place. At
-///            every moment the path holds the whole old or the whole new content. An image that an error or a
-///            panic stop has cut off is taken off again before anything else is written. What is no plain
-///            file (a pipe, a device) is written directly.
+///            flushed to the disk, when the first image is complete or the file is closed; after that
+///            writing goes on in place. At every moment the path holds the whole old or the whole new
+///            content. An image that an error or a panic stop has cut off is taken off again before
+///            anything else is written. What is no plain file (a pipe, a device) is written directly.
 /// Raises     149, 248, 374 names; 348 a write that fails: the file is closed then;
 ///            362 from a level that has been opened while an image is written.
 #include "language/language_modes.h"

@@ -3,9 +3,8 @@
 /// times.
 ///
 /// Purpose    the words that the driver, the switches and the error route share. Lower layers see none of
-/// them. Invariant  promptsize is the length of prompt, except for the empty prompt: that is one carriage
-/// return and
-///            promptsize 0. levelcount and time_level are 1 at the main loop.
+///            them. Invariant  promptsize is the length of prompt, except for the empty prompt: that is
+///            one carriage return and promptsize 0. levelcount and time_level are 1 at the main loop.
 #include "language/tokens/token.h"
 #include "numbers/display_modes.h"
 #include "quoly/quoly.h"

@@ -1,15 +1,12 @@
 #pragma once
 /// session/startup.h: everything between the start of the process and the first prompt.
 ///
-/// Purpose    prepares the process, finds and reads the data directory, sets up the constants of all layers,
-/// and
-///            runs the start-up script.
+/// Purpose    prepares the process, finds and reads the data directory, sets up the constants of all
+///            layers, and runs the start-up script.
 /// Invariant  the order of start_up is fixed: stashes before constants, data files before the script, the
-/// memory
-///            budget before the first statement of the script.
-/// Raises     a missing or damaged data file ends the process; an error in the script leaves for level 1 with
-/// the
-///            rest of the script not run.
+///            memory budget before the first statement of the script.
+/// Raises     a missing or damaged data file ends the process; an error in the script leaves for level 1
+///            with the rest of the script not run.
 #include <cstddef>
 namespace tolvex {
 /// Input and Output, and the buffers of the latter.

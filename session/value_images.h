@@ -1,17 +1,15 @@
 #pragma once
 /// session/value_images.h: what stored values are to become, worked out beside them before anything changes.
 ///
-/// Purpose    a change of the ground ring rewrites all values at once. Their images are collected first, with
-/// safe
-///            points, while the session is as before; then they take their places in one short step without
-///            any. A level that opens meanwhile may change every value: the images are thrown away then, and
-///            the work begins anew. A panic stop there has changed nothing.
+/// Purpose    a change of the ground ring rewrites all values at once. Their images are collected first,
+///            with safe points, while the session is as before; then they take their places in one short
+///            step without any. A level that opens meanwhile may change every value: the images are
+///            thrown away then, and the work begins anew. A panic stop there has changed nothing.
 /// Invariant  images are kept, and exchanged, in the order of one walk over the values.
 /// Ownership  the list owns the images, after the exchange the values that they have replaced. The list
-/// itself lives
-///            in scratch memory of the statement.
-/// Modes      the images have the shape of numbers (lintmode) that begin_images is told, the values before
-/// the other.
+///            itself lives in scratch memory of the statement.
+/// Modes      the images have the shape of numbers (lintmode) that begin_images is told, the values
+///            before the other.
 #include "quoly/quoly.h"
 
 #include <cstdint>

@@ -2,10 +2,11 @@
 /// storage/audit.h: leak accounting of the checked build.
 ///
 /// Purpose    each pool counts its live records; after every statement the session walks all roots and
-/// compares:
-///            live = reachable + what stood at start-up. A difference names the pool and fails the test.
+///            compares: live = reachable + what stood at start-up. A difference names the pool and fails
+///            the test.
 /// Invariant  every module that keeps records between statements registers its pools and a walker of its
-/// roots. Modes      in the release build all calls are empty.
+///            roots.
+/// Modes      in the release build all calls are empty.
 #include "storage/pool.h"
 namespace tolvex {
 #ifdef TOLVEX_CHECKED

@@ -2,8 +2,8 @@
 /// storage/checked.h: the macros of the checked build (-DTOLVEX_CHECKED=ON).
 ///
 /// Purpose    CHECK tests an internal invariant; POOL_POISON and POOL_UNPOISON tell the address sanitizer
-/// which
-///            records are on a free list; USED_UP marks a name whose value has been consumed by a call.
+///            which records are on a free list; USED_UP marks a name whose value has been consumed by a
+///            call.
 /// Modes      all of them vanish in the release build.
 #ifdef TOLVEX_CHECKED
 #include <cstddef>

@@ -2,13 +2,11 @@
 /// storage/failure.h: how every layer fails and stops. Declared here, defined in session/ (in tests/support
 /// for unit tests), because no lower layer may know the session.
 ///
-/// Purpose    error() is the one way out of a failed statement: it reports, and leaves by a long jump to the
-/// read
-///            loop. At a pushed command level it may come back: after a call leave the result in normal form
-///            (usually 0) and return at once.
+/// Purpose    error() is the one way out of a failed statement: it reports, and leaves by a long jump to
+///            the read loop. At a pushed command level it may come back: after a call leave the result in
+///            normal form (usually 0) and return at once.
 /// Invariant  no object with a non-trivial destructor is alive across a call of error, tolvex_error,
-/// mem_error or
-///            poll_interrupt. Global tables are in order before the call.
+///            mem_error or poll_interrupt. Global tables are in order before the call.
 #include <cstdint>
 namespace tolvex {
 /// Numbers into the message table (data/error-messages.txt; line k is number k). ORDER ERROR_NUMBERS

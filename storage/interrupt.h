@@ -1,9 +1,9 @@
 #pragma once
 /// storage/interrupt.h: the interrupt flag and its safe points.
 ///
-/// Purpose    the signal handler sets `interrupt_pending` and nothing else; long loops call poll_interrupt()
-/// once
-///            a term, row or prime. TOLVEX_NO_POLL leaves the safe points out, to measure what they cost.
+/// Purpose    the signal handler sets `interrupt_pending` and nothing else; long loops call
+///            poll_interrupt() once a term, row or prime. TOLVEX_NO_POLL leaves the safe points out, to
+///            measure what they cost.
 /// Invariant  never polled while a free list is half spliced or an operand half built.
 #include "storage/failure.h"
 #include "storage/types.h"

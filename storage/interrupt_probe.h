@@ -3,10 +3,9 @@
 /// TOLVEX_POLL_GAPS; otherwise nothing is left of it.
 ///
 /// Purpose    a timer of the process's own processor time raises the interrupt flag again and again, as a
-/// user
-///            would; the next safe point tells how long that took. A gap above k_reported_gap is written to
-///            the standard error with addresses of the calls that were under way in its middle, which
-///            tests/fault/poll_gaps.py turns into names.
+///            user would; the next safe point tells how long that took. A gap above k_reported_gap is
+///            written to the standard error with addresses of the calls that were under way in its
+///            middle, which tests/fault/poll_gaps.py turns into names.
 /// Invariant  a flag raised by the probe opens no level, so that what the program prints stays the same.
 #ifdef TOLVEX_POLL_GAPS
 namespace tolvex {

@@ -2,8 +2,7 @@
 /// storage/memory.h: the memory budget, and the general allocator as the program uses it.
 ///
 /// Purpose    the budget is advice for caches, never a limit: memavail and the garbsize family answer "is
-/// there
-///            still room". checked_malloc never returns nil.
+///            there still room". checked_malloc never returns nil.
 #include "storage/types.h"
 
 #include <cstddef>

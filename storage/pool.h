@@ -4,13 +4,11 @@
 ///
 /// Purpose    pool_pop takes a record, pool_push gives one back, pool_splice gives back a whole chain. Typed
 ///            constructors (newpoly, newimag ...) stand beside their record and are one call of these.
-/// Invariant  a list keeps the order in which chains are given back, so that the next chain is again written
-/// in
-///            memory order. A record on a list belongs to nobody.
-/// Modes      checked build: a record given back is poisoned and rests in a quarantine before it is handed
-/// out
-///            again, a second release of it is reported, and live records are counted for each type. With
-///            -DTOLVEX_POOLS=direct every record comes from the general allocator.
+/// Invariant  a list keeps the order in which chains are given back, so that the next chain is again
+///            written in memory order. A record on a list belongs to nobody.
+/// Modes      checked build: a record given back is poisoned and rests in a quarantine before it is
+///            handed out again, a second release of it is reported, and live records are counted for each
+///            type. With -DTOLVEX_POOLS=direct every record comes from the general allocator.
 /// Raises     nothing: a source that has run dry reports for itself (storage/stash.h).
 #include "storage/checked.h"
 #include "storage/interrupt.h"

@@ -2,8 +2,7 @@
 /// storage/progress.h: the progress output of verbose computations.
 ///
 /// Purpose    nested computations report what they count to, as long as the product of the counts stays
-/// small: the
-///            volume is bounded however deep they nest.
+///            small: the volume is bounded however deep they nest.
 #include "storage/types.h"
 
 #include <cstdint>

@@ -2,14 +2,12 @@
 /// storage/scratch.h: a stack of scratch memory for arrays that live inside one operation.
 ///
 /// Purpose    limb arrays, residue arrays, packed terms: taken in any size, given back all at once. An
-/// operation
-///            takes a mark, takes arrays, and releases to its mark on every way out.
+///            operation takes a mark, takes arrays, and releases to its mark on every way out.
 /// Invariant  release in the reverse order of the marks. Contents are undefined. Addresses are 64-byte
-/// aligned and
-///            stay where they are until released.
+///            aligned and stay where they are until released.
 /// Ownership  after an error jump the session resets the stack to the mark of the level that goes on.
 /// Raises     as checked_malloc. Safe points (poll_interrupt) where blocks beyond k_kept go back to the
-/// system.
+///            system.
 #include <cstddef>
 #include <cstdint>
 namespace tolvex {

@@ -2,9 +2,8 @@
 /// storage/stash.h: the slug allocator. Blocks of 512 KiB are carved into equal slugs and never returned.
 ///
 /// Purpose    the lower of the two layers of storage; the typed free lists (storage/pool.h) stand above it.
-/// Invariant  slugs of a fresh block are handed out from the high end down; records freed by the program go
-/// to
-///            their free list, never back here.
+/// Invariant  slugs of a fresh block are handed out from the high end down; records freed by the program
+///            go to their free list, never back here.
 /// Raises     get_slug: reports, calls mem_error() once and tries again; then the statement ends. Never nil.
 #include "storage/types.h"
 

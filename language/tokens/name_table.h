@@ -1,16 +1,14 @@
 #pragma once
 /// language/tokens/name_table.h: the chained hash tables of everything that has a name.
 ///
-///   chains: hash 0: [ | | | ]  hash 1: [ | | | ] ...        `spread` chains side by side for each value of
-///   the hash
+///   chains: hash 0: [ | | | ]  hash 1: [ | | | ] ...        `spread` of them for each value of the hash
 ///                      └─► newest ─► ... ─► oldest ─► nil
 ///
-/// Purpose    records that own their link, of which the newest of a name hides the older ones. Few names have
-/// one
-///            chain a bucket; a session of very many names spreads its buckets, so that a lookup stays short.
-/// Invariant  the records of one name stand in one chain, the newest first; spread is a power of two. Removal
-/// is
-///            done by the owner of the link.
+/// Purpose    records that own their link, of which the newest of a name hides the older ones. Few names
+///            have one chain a bucket; a session of very many names spreads its buckets, so that a lookup
+///            stays short.
+/// Invariant  the records of one name stand in one chain, the newest first; spread is a power of two.
+///            Removal is done by the owner of the link.
 /// Ownership  the table owns its chains, not the records.
 #include "language/tokens/token.h"
 #include "storage/memory.h"

@@ -1,13 +1,11 @@
 #pragma once
 /// language/tokens/token.h: the token, the token list, and the state of reading.
 ///
-/// Purpose    a token is a text of at most 10 characters with the cached hash of a name. Stored statements
-/// are
-///            lists of namenodes that end with the token "¥".
-/// Invariant  `token` is one ahead: every reading routine finds its first token there and leaves there the
-/// first
-///            token after what it has read. A cursor `flag` (pointer to a list pointer) that points to nil
-///            means that tokens come from the stream.
+/// Purpose    a token is a text of at most 10 characters with the cached hash of a name. Stored
+///            statements are lists of namenodes that end with the token "¥".
+/// Invariant  `token` is one ahead: every reading routine finds its first token there and leaves there
+///            the first token after what it has read. A cursor `flag` (pointer to a list pointer) that
+///            points to nil means that tokens come from the stream.
 #include "storage/pool.h"
 
 #include <cstdint>

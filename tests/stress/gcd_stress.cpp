@@ -1,13 +1,12 @@
 // Random gcd problems of all families in all rings. The answer under the settings of the start is proved by
 // an independent method (judge.h); under permuted settings the answer must be the same one.
 //
-//   gcd_stress [--count N] [--seed S] [--family NAME] [--ring NAME] [--ways N] [--large PERCENT] [--slow
-//   SECONDS]
-//              [--only I] [--trace] [--singular]
+//   gcd_stress [--count N] [--seed S] [--family NAME] [--ring NAME] [--ways N] [--large PERCENT]
+//              [--slow SECONDS] [--only I] [--trace] [--singular]
 //
 // Problem I of seed S is the same whatever the other options are. --only runs that one alone; --singular
-// writes a script for an independent system instead of a report: gcd_stress --singular --count 500 | Singular
-// -q
+// writes a script for an independent system instead of a report:
+//   gcd_stress --singular --count 500 | Singular -q
 #include "gcd/gcd_modes.h"
 #include "gcd/gcd_stash.h"
 #include "gcd/polygcd.h"
