@@ -16,6 +16,4 @@ void warning(Err code, const char* text);
 /// Numbers that are warnings alone, with texts of their own.
 inline constexpr Err k_warn_det_factor{1}, k_warn_det_degree{2}, k_warn_det_power_ring{3}, k_warn_det_even_power{4},
     k_warn_det_odd_power{5};
-/// Gives up the statement under way and goes back to the read loop of level 1, as a panic stop does.
-[[noreturn]] void return_to_top();
 }  // namespace tolvex

@@ -40,7 +40,6 @@ namespace tolvex {
 // Numbers of failures beside those of the message table, as enter_level_1 tells them apart.
 static constexpr int32_t k_panic_stop = 0;
 static constexpr int32_t k_internal_fault = -2;
-static constexpr int32_t k_unfinished_builtin = -3;
 
 /// The counters that belong to one statement.
 struct StatementCounters {
@@ -176,8 +175,6 @@ static void drop_line_rests() {
     audit_rebase();
     jump_to_level_1(failure);
 }
-
-void return_to_top() { leave_for_level_1(k_unfinished_builtin); }
 
 // ---- reports -------------------------------------------------------------------------------------------
 

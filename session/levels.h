@@ -4,7 +4,7 @@
 /// Purpose    error() reports a failed statement and leaves for level 1, or opens a command level on top
 ///            of it and comes back when the level is left. The routines of storage/failure.h are defined
 ///            here.
-/// Invariant  whoever goes to level 1 goes through return_to_top (language/ports.h): modes that a
+/// Invariant  whoever goes to level 1 goes through leave_for_level_1 (levels.cpp): modes that a
 ///            computation had changed, the scratch stack and the per-statement counters are put in order
 ///            there.
 /// Raises     everything here leaves by a long jump or returns as storage/failure.h says.

@@ -15,7 +15,7 @@ PORTS = {
     "poly/ports.h": ("field", ["reduce_product", "tower_divide", "tower_div_rem"]),
     "gcd/field_hooks.h": ("field", ["tower_gcd", "tower_gcd_form", "tower_reduce", "tower_pth_root"]),
     "quoly/ports.h": ("field", ["tower_normal_fraction", "tower_lead_is_unit", "tower_integer_lead"]),
-    "language/ports.h": ("session", ["run_command", "return_to_top", "open_answer", "warning"]),
+    "language/ports.h": ("session", ["run_command", "open_answer", "warning"]),
 }
 JUMPS = re.compile(r"\b(sig)?(setjmp|longjmp)\b")
 HEAVY = re.compile(r"\bstd::(string|vector|function|map|unique_ptr|shared_ptr)\b|\bthrow\b|\btry\s*\{|\bnew\s+[A-Za-z_]")
