@@ -9,7 +9,10 @@ static void open_level(PackMeasure* m, int32_t level) {
     m->most[level] = INT32_MIN;
 }
 
+static void measure_any(const polynode* p, int32_t level, PackMeasure* m, int32_t* zero_from);
+
 /// zero_from: below the leaf nearest to the top the exponent 0 occurs in every level.
+template <bool polled>
 static void measure_chain(const polynode* p, int32_t level, PackMeasure* m, int32_t* zero_from) {
     int32_t least = m->least[level], most = m->most[level], digits = m->digits;
     int64_t leaves = 0;
@@ -19,21 +22,28 @@ static void measure_chain(const polynode* p, int32_t level, PackMeasure* m, int3
         const polynode* leaf = p->numb ? p : is_number(p->pcoef) ? p->pcoef : nullptr;
         if (leaf == nullptr) {
             if (level + 1 >= m->levels) open_level(m, level + 1);
-            measure_chain(p->pcoef, level + 1, m, zero_from);
+            measure_any(p->pcoef, level + 1, m, zero_from);
+            poll_interrupt();
             continue;
         }
         leaves++;
         if (!lintmode && leaf->ncoef->size > digits) digits = leaf->ncoef->size;
-        poll_every<k_terms_unpolled>(leaves);
+        if constexpr (polled) poll_every<k_terms_unpolled>(leaves);
     }
     m->least[level] = least;
     m->most[level] = most;
     if (leaves == 0) return;
     if (digits > m->digits) m->digits = digits;
     if (*zero_from > level + 1) *zero_from = level + 1;
-    const int64_t before = m->terms;
     m->terms += leaves;
-    if ((before ^ m->terms) >= k_terms_unpolled) poll_interrupt();
+}
+
+/// A chain that begins with a small exponent is short.
+static void measure_any(const polynode* p, int32_t level, PackMeasure* m, int32_t* zero_from) {
+    if (may_be_long(p))
+        measure_chain<true>(p, level, m, zero_from);
+    else
+        measure_chain<false>(p, level, m, zero_from);
 }
 
 void pack_measure(const polynode* p, PackMeasure* m) {
@@ -47,7 +57,7 @@ void pack_measure(const polynode* p, PackMeasure* m) {
         return;
     }
     open_level(m, 0);
-    measure_chain(p, 0, m, &zero_from);
+    measure_any(p, 0, m, &zero_from);
     for (int32_t level = zero_from; level < m->levels; level++) {
         if (m->least[level] > 0) m->least[level] = 0;
         if (m->most[level] < 0) m->most[level] = 0;

@@ -1,11 +1,15 @@
 #pragma once
 /// poly/pack_measure.h: what one walk over a tree tells before its terms are packed.
 #include "poly/poly.h"
+#include "poly/poly_modes.h"
 
 #include <cstdint>
 namespace tolvex {
 /// Terms from one safe point of a walk to the next.
 inline constexpr int64_t k_terms_unpolled = int64_t{1} << 14;
+
+/// False: the chain has fewer terms than that.
+inline bool may_be_long(const polynode* p) { return laurent || p->exp >= k_terms_unpolled - 1; }
 
 /// Exponents by level counted from the top of the tree (0 based); deeper than `levels` all of them are 0.
 struct PackMeasure {

@@ -47,8 +47,7 @@ static int64_t word_of_number(const number* n) {
     return int64_t{n->head->value} * k_base + n->head->next->value;
 }
 
-static void put_term(PackReader& reader, int64_t index, const number* n) {
-    poll_every<k_terms_unpolled>(reader.out.count);
+[[gnu::always_inline]] static inline void put_term(PackReader& reader, int64_t index, const number* n) {
     if (reader.field == nullptr) {
         reader.out.index[reader.out.count] = index;
         if (reader.leaves)
@@ -57,25 +56,37 @@ static void put_term(PackReader& reader, int64_t index, const number* n) {
             reader.out.word[reader.out.count++] = word_of_number(n);
         return;
     }
+    poll_every<k_terms_unpolled>(reader.out.count);
     uint32_t r = wf_of_number(*reader.field, n);
     if (r == 0) return;
     reader.out.index[reader.out.count] = index;
     reader.out.residue[reader.out.count++] = r;
 }
 
-static void read_terms(PackReader& reader, const polynode* p, int32_t level, int64_t index) {
-    if (is_number(p)) {
-        put_term(reader, index + reader.below[level], p->ncoef);
-        return;
-    }
+static void read_terms(PackReader& reader, const polynode* p, int32_t level, int64_t index);
+
+template <bool polled>
+static void read_chain(PackReader& reader, const polynode* p, int32_t level, int64_t index) {
     int64_t weight = reader.weight[level];
     for (const polynode* t = p; t != nullptr; t = t->next) {
         int64_t here = index + weight * (t->exp - reader.low[level]);
-        if (t->numb)
+        if (t->numb) {
+            if constexpr (polled) poll_every<k_terms_unpolled>(reader.out.count);
             put_term(reader, here + reader.below[level + 1], t->ncoef);
-        else
-            read_terms(reader, t->pcoef, level + 1, here);
+            continue;
+        }
+        read_terms(reader, t->pcoef, level + 1, here);
+        poll_interrupt();
     }
+}
+
+static void read_terms(PackReader& reader, const polynode* p, int32_t level, int64_t index) {
+    if (is_number(p))
+        put_term(reader, index + reader.below[level], p->ncoef);
+    else if (may_be_long(p))
+        read_chain<true>(reader, p, level, index);
+    else
+        read_chain<false>(reader, p, level, index);
 }
 
 // Exponents of levels that a leaf leaves out are 0, which stands at digit -low.
