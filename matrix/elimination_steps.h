@@ -12,17 +12,24 @@
 
 #include <algorithm>
 namespace tolvex {
+/// A pivot of the open block, if there is one, comes to (i, i).
+template <class Frame> PivotSearch bring_pivot(Frame& f, int32_t i) {
+    poll_interrupt();
+    int32_t row = 0, column = 0;
+    PivotSearch found = f.block_pivot(i, &row, &column);
+    if (found == PivotSearch::none || found == PivotSearch::no_unit) return found;
+    f.exchange_rows(i, row);
+    f.exchange_columns(i, column);
+    return found;
+}
+
 /// The rank, or the pivots found up to `cut`; -1: no unit.
 template <class Frame> int32_t row_steps(Frame& f, int32_t cut) {
     int32_t last = std::min({f.rows(), f.cols(), cut}), i = 0;
     for (; i < last; i++) {
-        poll_interrupt();
-        int32_t row = 0, column = 0;
-        PivotSearch found = f.block_pivot(i, &row, &column);
+        PivotSearch found = bring_pivot(f, i);
         if (found == PivotSearch::none) break;
         if (found == PivotSearch::no_unit) return -1;
-        f.exchange_rows(i, row);
-        f.exchange_columns(i, column);
         f.clear_rows(i, i, i + 1);
     }
     return i;
@@ -47,13 +54,9 @@ template <class Frame> int32_t echelon_steps(Frame& f) {
 template <class Frame> int32_t normal_steps(Frame& f) {
     int32_t last = std::min(f.rows(), f.cols()), i = 0;
     for (; i < last; i++) {
-        poll_interrupt();
-        int32_t row = 0, column = 0;
-        PivotSearch found = f.block_pivot(i, &row, &column);
+        PivotSearch found = bring_pivot(f, i);
         if (found == PivotSearch::none) break;
         if (found == PivotSearch::no_unit) return -1;
-        f.exchange_rows(i, row);
-        f.exchange_columns(i, column);
         f.make_monic(i, i);
         f.clear_rows(i, i, i + 1);
         f.clear_columns(i);

@@ -158,30 +158,49 @@ PROPERTY(systems_with_integer_solutions, 40) {
     scratch_release(mark);
 }
 
+using Reduce = void (*)(Reduction*, const ReductionOptions*);
+/// A random matrix, reduced with all matrices of operations.
+struct Reduced {
+    Reduction r;
+    Values start, end;
+};
+/// The same matrix comes to the same form without them, the other way.
+Reduced reduce_two_ways(Rng& rng, int32_t rows, int32_t cols, Reduce way, Reduce other) {
+    std::vector<int32_t> a = random_integers(rng, rows, cols);
+    Reduced t = {};
+    Reduction bare = {};
+    t.r.m = matrix_of(a, rows, cols, rng() % 3 == 0);
+    bare.m = matrix_of(a, rows, cols, rng() % 3 == 0);
+    t.start = values_of(t.r.m);
+    ReductionOptions options = {};
+    begin_reduction(&t.r, k_all);
+    way(&t.r, &options);
+    expect_invariant(t.r, t.start);
+    begin_reduction(&bare, k_none);
+    other(&bare, &options);
+    EXPECT_EQ(bare.rank, t.r.rank);
+    t.end = values_of(t.r.m);
+    Values without = values_of(bare.m);
+    expect_equal(t.end, without);
+    free_values(without);
+    drop_reduction(&bare);
+    return t;
+}
+void free_reduced(Reduced& t) {
+    free_values(t.start);
+    free_values(t.end);
+    drop_reduction(&t.r);
+}
+
 /// Small ones by the stated steps, larger ones by the engine.
 PROPERTY(hermite_forms, 60) {
     set_up_matrices();
     use_integers();
     auto side = [&] { return static_cast<int32_t>(rng() % (round % 4 == 0 ? 16 : 7)) + 1; };
     int32_t rows = side(), cols = side();
-    std::vector<int32_t> a = random_integers(rng, rows, cols);
-    Reduction r = {}, bare = {};
-    r.m = matrix_of(a, rows, cols, rng() % 3 == 0);
-    bare.m = matrix_of(a, rows, cols, rng() % 3 == 0);
-    Values start = values_of(r.m);
-    ReductionOptions options = {};
-    begin_reduction(&r, k_all);
-    intcolred(&r, &options);
-    expect_invariant(r, start);
-    expect_hermite(r);
-    begin_reduction(&bare, k_none);
-    intcolred(&bare, &options);
-    EXPECT_EQ(bare.rank, r.rank);
-    Values with = values_of(r.m), without = values_of(bare.m);
-    expect_equal(with, without);
-    for (Values* v : {&start, &with, &without}) free_values(*v);
-    drop_reduction(&r);
-    drop_reduction(&bare);
+    Reduced t = reduce_two_ways(rng, rows, cols, intcolred, intcolred);
+    expect_hermite(t.r);
+    free_reduced(t);
 }
 
 /// The engine gives the form that the steps give when the rows come in the same order.
@@ -216,26 +235,11 @@ PROPERTY(smith_forms, 60) {
     use_integers();
     auto side = [&] { return static_cast<int32_t>(rng() % (round % 4 == 0 ? 14 : 6)) + 1; };
     int32_t rows = side(), cols = side();
-    std::vector<int32_t> a = random_integers(rng, rows, cols);
-    Reduction r = {}, bare = {};
-    r.m = matrix_of(a, rows, cols, rng() % 3 == 0);
-    bare.m = matrix_of(a, rows, cols, rng() % 3 == 0);
-    Values start = values_of(r.m);
-    ReductionOptions options = {};
-    begin_reduction(&r, k_all);
-    intnormal(&r, &options);
-    expect_invariant(r, start);
-    begin_reduction(&bare, k_none);
-    (rng() % 2 == 0 ? intnormal : modular_smith)(&bare, &options);
-    EXPECT_EQ(bare.rank, r.rank);
-    Values with = values_of(r.m), without = values_of(bare.m);
-    expect_equal(with, without);
+    Reduced t = reduce_two_ways(rng, rows, cols, intnormal, rng() % 2 == 0 ? intnormal : modular_smith);
     for (int32_t k = 0; k < rows * cols; k++) {
-        bool on_diagonal = k % rows == k / rows && k / rows < r.rank;
-        EXPECT_EQ(less(quol_num_0, with[static_cast<size_t>(k)]), on_diagonal);
-        EXPECT_EQ(quoly_iszero(with[static_cast<size_t>(k)]) != 0, !on_diagonal);
+        bool on_diagonal = k % rows == k / rows && k / rows < t.r.rank;
+        EXPECT_EQ(less(quol_num_0, t.end[static_cast<size_t>(k)]), on_diagonal);
+        EXPECT_EQ(quoly_iszero(t.end[static_cast<size_t>(k)]) != 0, !on_diagonal);
     }
-    for (Values* v : {&start, &with, &without}) free_values(*v);
-    drop_reduction(&r);
-    drop_reduction(&bare);
+    free_reduced(t);
 }

@@ -52,27 +52,13 @@ Words random_words(Rng& rng, int32_t n, uint32_t p) {
     return a;
 }
 
-/// f(k) for k = 0..n*n-1, by columns.
-template <class F> std::vector<quoly> elements(int32_t n, F f) {
-    std::vector<quoly> a;
-    for (int32_t k = 0; k < n * n; k++) a.push_back(f(k));
-    return a;
-}
-void free_all(std::vector<quoly>& a) {
-    for (quoly& q : a) free_quoly(&q);
-}
-quoly value_of_poly(poly p) {
-    quoly q = nullptr;
-    poly_to_quoly(&p, &q);
-    return q;
-}
-quoly determinant_of(const std::vector<quoly>& a, int32_t n) {
+quoly determinant_of(const Values& a, int32_t n) {
     quoly det = nullptr;
     dense_determinant(a.data(), n, &det);
     return det;
 }
 /// a b, by columns.
-std::vector<quoly> product_of(const std::vector<quoly>& a, const std::vector<quoly>& b, int32_t n) {
+Values product_of(const Values& a, const Values& b, int32_t n) {
     return elements(n, [&](int32_t k) {
         quoly sum = number_value(0);
         for (int32_t i = 0; i < n; i++) {
@@ -84,15 +70,15 @@ std::vector<quoly> product_of(const std::vector<quoly>& a, const std::vector<quo
     });
 }
 /// Checks det(a b) = det a det b, and gives all back.
-void expect_multiplicative(std::vector<quoly> a, std::vector<quoly> b, int32_t n) {
-    std::vector<quoly> ab = product_of(a, b, n);
+void expect_multiplicative(Values a, Values b, int32_t n) {
+    Values ab = product_of(a, b, n);
     quoly x = determinant_of(a, n), y = determinant_of(b, n), z = determinant_of(ab, n);
     fast_quoly_mult(&x, y);
     EXPECT_TRUE(quoly_equal(x, z));
     for (quoly* q : {&x, &y, &z}) free_quoly(q);
-    free_all(a);
-    free_all(b);
-    free_all(ab);
+    free_values(a);
+    free_values(b);
+    free_values(ab);
 }
 }  // namespace
 
@@ -165,17 +151,17 @@ PROPERTY(minors_agree_with_elimination, 40) {
     use_variables(2);
     use_ring(rng() % 2 == 0 ? 0 : 32003);
     int32_t n = static_cast<int32_t>(rng() % 6) + 1;
-    std::vector<quoly> a = elements(n, [&](int32_t) {
+    Values a = elements(n, [&](int32_t) {
         return rng() % 3 == 0 ? number_value(0) : value_of_poly(random_poly(rng, 2, 3, 2));
     });
     quoly expanded = nullptr, eliminated = nullptr, finished = nullptr;
     small_determ(a.data(), n, n, &expanded);
-    std::vector<quoly> b = elements(n, [&](int32_t k) {
+    Values b = elements(n, [&](int32_t k) {
         quoly q = nullptr;
         quoly_assign(a[k], &q);
         return q;
     });
-    std::vector<quoly> c = elements(n, [&](int32_t k) {
+    Values c = elements(n, [&](int32_t k) {
         quoly q = nullptr;
         quoly_assign(a[k], &q);
         return q;
@@ -185,9 +171,9 @@ PROPERTY(minors_agree_with_elimination, 40) {
     EXPECT_TRUE(quoly_equal(expanded, eliminated));
     EXPECT_TRUE(quoly_equal(expanded, finished));
     for (quoly* q : {&expanded, &eliminated, &finished}) free_quoly(q);
-    free_all(a);
-    free_all(b);
-    free_all(c);
+    free_values(a);
+    free_values(b);
+    free_values(c);
     use_variables(0);
     use_integers();
 }

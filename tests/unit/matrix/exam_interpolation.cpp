@@ -20,46 +20,26 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 namespace {
-using Matrix = std::vector<quoly>;
-
-template <class F> Matrix elements(int32_t n, F f) {
-    Matrix a;
-    for (int32_t k = 0; k < n * n; k++) a.push_back(f(k));
-    return a;
-}
-Matrix copy_of(const Matrix& a) {
-    Matrix b(a.size(), nullptr);
-    for (size_t k = 0; k < a.size(); k++) quoly_assign(a[k], &b[k]);
-    return b;
-}
-void free_all(Matrix& a) {
-    for (quoly& q : a) free_quoly(&q);
-}
-quoly value_of_poly(poly p) {
-    quoly q = nullptr;
-    poly_to_quoly(&p, &q);
-    return q;
-}
-quoly eliminated(const Matrix& a, int32_t n) {
-    Matrix b = copy_of(a);
+quoly eliminated(const Values& a, int32_t n) {
+    Values b = copy_of(a);
     quoly det = nullptr;
     bareiss_determinant(b.data(), n, 0, &det);
-    free_all(b);
+    free_values(b);
     return det;
 }
 constexpr InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
 
-bool has_function(const Matrix& a) {
+bool has_function(const Values& a) {
     return std::any_of(a.begin(), a.end(), [](const quolynode* q) { return !q->numb; });
 }
 /// Entries of which some are 0; one of them is no number.
-Matrix random_matrix(Rng& rng, int32_t n, const Shape& shape) {
+Values random_matrix(Rng& rng, int32_t n, const Shape& shape) {
     for (;;) {
-        Matrix a = elements(n, [&](int32_t) {
+        Values a = elements(n, [&](int32_t) {
             return rng() % 4 == 0 ? number_value(0) : value_of_poly(random_poly(rng, shape));
         });
         if (has_function(a)) return a;
-        free_all(a);
+        free_values(a);
     }
 }
 }  // namespace
@@ -72,7 +52,7 @@ PROPERTY(interpolation_in_every_ring, 150) {
     int32_t n = static_cast<int32_t>(rng() % 6) + 1;
     Shape shape = {static_cast<int32_t>(rng() % 4) + 1, 4, n > 4 ? 2 : 4,
                    rng() % 3 == 0 ? Coefs::huge : Coefs::small};
-    Matrix a = random_matrix(rng, n, shape);
+    Values a = random_matrix(rng, n, shape);
     quoly x = number_value(5);
     Interpolated outcome = interpolate_determinant(a.data(), n, k_plain, &x);
     bool composite = ring.modulus != 0 && !ring.table_field && !mod_is_prime;
@@ -85,7 +65,7 @@ PROPERTY(interpolation_in_every_ring, 150) {
         EXPECT_EQ(outcome, Interpolated::done) << ring.name;
     }
     free_quoly(&x);
-    free_all(a);
+    free_values(a);
     use_variables(0);
     use_integers();
 }
@@ -97,12 +77,12 @@ PROPERTY(interpolation_with_negative_exponents, 30) {
     laurent = 1;
     Shape shape = {2, 3, 2, Coefs::small, -3};
     int32_t n = static_cast<int32_t>(rng() % 3) + 2;
-    Matrix a = random_matrix(rng, n, shape);
+    Values a = random_matrix(rng, n, shape);
     quoly x = nullptr, y = eliminated(a, n);
     EXPECT_EQ(interpolate_determinant(a.data(), n, k_plain, &x), Interpolated::done);
     EXPECT_TRUE(quoly_equal(x, y));
     for (quoly* q : {&x, &y}) free_quoly(q);
-    free_all(a);
+    free_values(a);
     laurent = 0;
     use_variables(0);
     use_integers();
@@ -115,12 +95,12 @@ PROPERTY(interpolation_of_many_rows, 8) {
     use_variables(1);
     use_ring(rings[round % 4]);
     int32_t n = 19 + static_cast<int32_t>(rng() % 4);
-    Matrix a = random_matrix(rng, n, {1, 2, 1, Coefs::small});
+    Values a = random_matrix(rng, n, {1, 2, 1, Coefs::small});
     quoly x = nullptr, y = eliminated(a, n);
     EXPECT_EQ(interpolate_determinant(a.data(), n, k_plain, &x), Interpolated::done);
     EXPECT_TRUE(quoly_equal(x, y)) << n;
     for (quoly* q : {&x, &y}) free_quoly(q);
-    free_all(a);
+    free_values(a);
     use_variables(0);
     use_integers();
 }
@@ -130,7 +110,7 @@ PROPERTY(divisors_of_determinants, 40) {
     use_variables(3);
     use_ring(rng() % 2 == 0 ? 0 : rng() % 2 == 0 ? 32003 : 2147483629);
     int32_t n = static_cast<int32_t>(rng() % 4) + 2;
-    Matrix a = random_matrix(rng, n, {2, 3, 2, Coefs::small});
+    Values a = random_matrix(rng, n, {2, 3, 2, Coefs::small});
     poly fct = random_nonzero_poly(rng, 2, 3, 2);
     quoly divisor = value_of_poly(copy_of(fct)), whole = eliminated(a, n), other = nullptr;
     for (int32_t r = 0; r < n; r++)
@@ -146,7 +126,7 @@ PROPERTY(divisors_of_determinants, 40) {
     fast_quoly_mult(&whole, divisor);
     for (quoly* q : {&divisor, &whole, &other}) free_quoly(q);
     free_poly(&fct);
-    free_all(a);
+    free_values(a);
     use_variables(0);
     use_integers();
 }
@@ -156,7 +136,7 @@ TEST(Interpolation, DivisorsThatDoNotDivide) {
     use_variables(1);
     for (int32_t ring : {0, 32003, 2147483629}) {
         use_ring(ring);
-        Matrix a = {value_of_poly(poly_of("x")), number_value(1), number_value(1),
+        Values a = {value_of_poly(poly_of("x")), number_value(1), number_value(1),
                     value_of_poly(poly_of("x"))};
         poly fct = poly_of("x + 2");
         Err fault = {};
@@ -167,7 +147,7 @@ TEST(Interpolation, DivisorsThatDoNotDivide) {
         EXPECT_EQ(fault, Err::given_factor);
         free_quoly(&det);
         free_poly(&fct);
-        free_all(a);
+        free_values(a);
     }
     use_variables(0);
     use_integers();
@@ -178,7 +158,7 @@ TEST(Interpolation, ContentsOfDivisorsCount) {
     set_up_matrices();
     use_variables(1);
     use_integers();
-    Matrix a = {value_of_poly(poly_of("x + 1")), number_value(0), number_value(0),
+    Values a = {value_of_poly(poly_of("x + 1")), number_value(0), number_value(0),
                 value_of_poly(poly_of("x"))};
     poly fct = poly_of("2*x + 2");
     Err fault = {};
@@ -188,7 +168,7 @@ TEST(Interpolation, ContentsOfDivisorsCount) {
     EXPECT_EQ(fault, Err::given_factor);
     free_quoly(&det);
     free_poly(&fct);
-    free_all(a);
+    free_values(a);
     use_variables(0);
 }
 
@@ -201,7 +181,7 @@ PROPERTY(roots_of_determinants, 30) {
     quoly x = value_of_poly(r), y = value_of_poly(s), base = nullptr, root = nullptr;
     quoly_mult(x, y, &base);
     if (square) fast_quoly_mult(&base, base);  // the root of a square's square is told by its being a square
-    Matrix a = elements(3, [](int32_t) { return number_value(0); });
+    Values a = elements(3, [](int32_t) { return number_value(0); });
     int32_t power = square ? 2 : 3;
     for (int32_t k = 0; k < 3; k++) quoly_assign(k < power ? base : quol_num_1, &a[k * 4]);
     InterpolationPlan plan = {nullptr, -1, -1, power, 0, true, true, nullptr};
@@ -210,7 +190,7 @@ PROPERTY(roots_of_determinants, 30) {
         EXPECT_TRUE(quoly_equal(root, base)) << power;
     }
     for (quoly* q : {&x, &y, &base, &root}) free_quoly(q);
-    free_all(a);
+    free_values(a);
     use_variables(0);
     use_integers();
 }
@@ -219,7 +199,7 @@ TEST(Interpolation, BrokenPromisesAreNoticed) {
     set_up_matrices();
     use_variables(1);
     use_integers();
-    Matrix a = {value_of_poly(poly_of("x^2 + x + 1")), number_value(0), number_value(0), number_value(1)};
+    Values a = {value_of_poly(poly_of("x^2 + x + 1")), number_value(0), number_value(0), number_value(1)};
     quoly det = nullptr;
     InterpolationPlan cube = {nullptr, -1, -1, 3, 0, true, true, nullptr};
     EXPECT_EQ(interpolate_determinant(a.data(), 2, cube, &det), Interpolated::broken_promise);
@@ -229,7 +209,7 @@ TEST(Interpolation, BrokenPromisesAreNoticed) {
     ASSERT_TRUE(rat_poly_determ(a.data(), 2, request, false, &det));
     EXPECT_TRUE(quoly_equal(det, a[0]));
     free_quoly(&det);
-    free_all(a);
+    free_values(a);
     use_variables(0);
 }
 
@@ -238,14 +218,14 @@ TEST(Interpolation, ZeroByTheEntries) {
     set_up_matrices();
     use_variables(1);
     use_integers();
-    Matrix a = {value_of_poly(poly_of("x")), number_value(0), value_of_poly(poly_of("x + 1")),
+    Values a = {value_of_poly(poly_of("x")), number_value(0), value_of_poly(poly_of("x + 1")),
                 number_value(0)};
     quoly det = number_value(7);
     EXPECT_EQ(interpolate_determinant(a.data(), 2, k_plain, &det), Interpolated::done);
     EXPECT_TRUE(quoly_iszero(det));
     EXPECT_EQ(interpolation_work(a.data(), 2, false), 0);
     free_quoly(&det);
-    free_all(a);
+    free_values(a);
     use_variables(0);
 }
 
@@ -254,13 +234,13 @@ TEST(Interpolation, FieldsWithTooFewElements) {
     set_up_matrices();
     use_variables(1);
     use_ring(7);
-    Matrix a = {value_of_poly(poly_of("x^9 + 3*x")), number_value(2), value_of_poly(poly_of("x + 5")),
+    Values a = {value_of_poly(poly_of("x^9 + 3*x")), number_value(2), value_of_poly(poly_of("x + 5")),
                 value_of_poly(poly_of("x^4 + 6"))};
     quoly x = nullptr, y = eliminated(a, 2);
     EXPECT_EQ(interpolate_determinant(a.data(), 2, k_plain, &x), Interpolated::done);
     EXPECT_TRUE(quoly_equal(x, y));
     for (quoly* q : {&x, &y}) free_quoly(q);
-    free_all(a);
+    free_values(a);
     use_variables(0);
     use_integers();
 }

@@ -16,27 +16,7 @@ using namespace tolvex;
 using namespace tolvex::test;
 
 namespace {
-using Matrix = std::vector<quoly>;
-
-template <class F> Matrix elements(int32_t n, F f) {
-    Matrix a;
-    for (int32_t k = 0; k < n * n; k++) a.push_back(f(k));
-    return a;
-}
-Matrix copy_of(const Matrix& a) {
-    Matrix b(a.size(), nullptr);
-    for (size_t k = 0; k < a.size(); k++) quoly_assign(a[k], &b[k]);
-    return b;
-}
-void free_all(Matrix& a) {
-    for (quoly& q : a) free_quoly(&q);
-}
-quoly value_of_poly(poly p) {
-    quoly q = nullptr;
-    poly_to_quoly(&p, &q);
-    return q;
-}
-quoly element_of_product(const Matrix& a, const Matrix& b, int32_t n, int32_t r, int32_t c) {
+quoly element_of_product(const Values& a, const Values& b, int32_t n, int32_t r, int32_t c) {
     quoly sum = number_value(0);
     for (int32_t i = 0; i < n; i++) {
         quoly term = nullptr;
@@ -46,7 +26,7 @@ quoly element_of_product(const Matrix& a, const Matrix& b, int32_t n, int32_t r,
     return sum;
 }
 /// a b = value times the identity.
-void expect_multiple_of_identity(const Matrix& a, const Matrix& b, int32_t n, const quolynode* value) {
+void expect_multiple_of_identity(const Values& a, const Values& b, int32_t n, const quolynode* value) {
     for (int32_t r = 0; r < n; r++)
         for (int32_t c = 0; c < n; c++) {
             quoly q = element_of_product(a, b, n, r, c);
@@ -55,24 +35,24 @@ void expect_multiple_of_identity(const Matrix& a, const Matrix& b, int32_t n, co
         }
 }
 /// Checks inverse and adjoint of a, and gives it back.
-void expect_inverse_and_adjoint(Matrix a, int32_t n, bool units_only) {
+void expect_inverse_and_adjoint(Values a, int32_t n, bool units_only) {
     quoly det = nullptr;
     dense_determinant(a.data(), n, &det);
-    Matrix copy = copy_of(a), result(a.size(), nullptr);
+    Values copy = copy_of(a), result(a.size(), nullptr);
     adjoint_matrix(copy.data(), result.data(), n);
     expect_multiple_of_identity(result, a, n, det);
     expect_multiple_of_identity(a, result, n, det);
-    free_all(copy);
-    free_all(result);
+    free_values(copy);
+    free_values(result);
     bool unit = !quoly_iszero(det);
     if (units_only) unit = std::gcd(det->ncoef->lint, modulus) == 1;
     copy = copy_of(a);
     EXPECT_EQ(invert_matrix(copy.data(), result.data(), n), unit);
     if (unit) expect_multiple_of_identity(result, a, n, quol_num_1);
-    free_all(copy);
-    free_all(result);
+    free_values(copy);
+    free_values(result);
     free_quoly(&det);
-    free_all(a);
+    free_values(a);
 }
 }  // namespace
 
@@ -82,7 +62,7 @@ PROPERTY(inverses_of_numbers_in_every_ring, 120) {
     use_ring(ring);
     int32_t n = static_cast<int32_t>(rng() % 9) + 1;
     Coefs style = rng() % 2 == 0 ? Coefs::digit : Coefs::huge;
-    Matrix a = elements(n, [&](int32_t) { return value_of_poly(random_poly(rng, 0, 1, 0, style)); });
+    Values a = elements(n, [&](int32_t) { return value_of_poly(random_poly(rng, 0, 1, 0, style)); });
     if (n > 1 && rng() % 3 == 0)  // two columns are the same
         for (int32_t r = 0; r < n; r++) quoly_assign(a[r], &a[r + n]);
     expect_inverse_and_adjoint(a, n, modularmode && !finf && !mod_is_prime);
@@ -111,7 +91,7 @@ PROPERTY(inverses_of_polynomials, 60) {
     int32_t ring = rings[rng() % std::size(rings)];
     use_ring(ring, ring == 256);
     int32_t n = static_cast<int32_t>(rng() % 4) + 1;
-    Matrix a = elements(n, [&](int32_t) {
+    Values a = elements(n, [&](int32_t) {
         return rng() % 3 == 0 ? number_value(0) : value_of_poly(random_poly(rng, 2, 3, 2));
     });
     if (n > 1 && rng() % 4 == 0)
@@ -147,15 +127,15 @@ PROPERTY(adjoints_by_interpolation, 40) {
     int32_t ring = rings[rng() % std::size(rings)];
     use_ring(ring, ring == 65536);
     int32_t n = static_cast<int32_t>(rng() % 4) + 2;
-    Matrix a = elements(n, [&](int32_t) {
+    Values a = elements(n, [&](int32_t) {
         return rng() % 4 == 0 ? number_value(0) : value_of_poly(random_poly(rng, 3, 4, 3));
     });
     a[0] = (free_quoly(&a[0]), value_of_poly(poly_of("x + 1")));
-    Matrix result(a.size(), nullptr);
+    Values result(a.size(), nullptr);
     ASSERT_TRUE(interpolate_adjoint(a.data(), n, result.data()));
     for (int32_t r = 0; r < n; r++)
         for (int32_t c = 0; c < n; c++) {
-            Matrix minor;
+            Values minor;
             for (int32_t k = 0; k < n * n; k++)
                 if (k % n != r && k / n != c) minor.push_back(a[static_cast<size_t>(k)]);
             quoly det = nullptr;
@@ -165,8 +145,8 @@ PROPERTY(adjoints_by_interpolation, 40) {
                 << r << ", " << c << " of " << n;
             free_quoly(&det);
         }
-    free_all(result);
-    free_all(a);
+    free_values(result);
+    free_values(a);
     use_variables(0);
     use_integers();
 }

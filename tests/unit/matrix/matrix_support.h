@@ -23,6 +23,26 @@ inline quoly number_value(int32_t n) {
     quoly_set(n, &q);
     return q;
 }
+inline quoly value_of_poly(poly p) {
+    quoly q = nullptr;
+    poly_to_quoly(&p, &q);
+    return q;
+}
+using Values = std::vector<quoly>;  // the elements of a matrix, by columns
+/// f(k) for k = 0..n*n-1.
+template <class F> Values elements(int32_t n, F f) {
+    Values a;
+    for (int32_t k = 0; k < n * n; k++) a.push_back(f(k));
+    return a;
+}
+inline Values copy_of(const Values& a) {
+    Values b(a.size(), nullptr);
+    for (size_t k = 0; k < a.size(); k++) quoly_assign(a[k], &b[k]);
+    return b;
+}
+inline void free_values(Values& a) {
+    for (quoly& q : a) free_quoly(&q);
+}
 inline int32_t word_of(const quolynode* q) { return big_quoly_convert_to_int(q); }
 inline tokentipe name_of(const char* text) {
     tokentipe name;

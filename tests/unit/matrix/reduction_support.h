@@ -4,8 +4,6 @@
 #include "matrix/reduction.h"
 #include "tests/unit/matrix/matrix_support.h"
 namespace tolvex::test {
-using Values = std::vector<quoly>;  // by columns
-
 inline Values values_of(const LineMatrix& m) {
     Values v;
     for (int32_t c = 0; c < m.cols; c++)
@@ -14,9 +12,6 @@ inline Values values_of(const LineMatrix& m) {
             quoly_assign(matrix_element(m, r, c), &v.back());
         }
     return v;
-}
-inline void free_values(Values& v) {
-    for (quoly& q : v) free_quoly(&q);
 }
 inline Values product(Values& a, Values& b, int32_t rows, int32_t inner, int32_t cols) {
     Values c(static_cast<size_t>(rows) * static_cast<size_t>(cols), nullptr);
