@@ -154,8 +154,10 @@ void WordFrame::clear_columns(int32_t k) {
 
 static bool all_numbers(const LineMatrix& m) {
     if (m.at == nullptr) return sparse_allnumbs(m.spar, m.rows);
-    for (int64_t k = 0; k < int64_t{m.rows} * m.cols; k++)
+    for (int64_t k = 0; k < int64_t{m.rows} * m.cols; k++) {
+        poll_every<4096>(k);
         if (!m.at[k]->numb) return false;
+    }
     return true;
 }
 
@@ -178,7 +180,7 @@ static WordMatrix words_of(const LineMatrix& m, bool transposed) {
             count = int64_t{m.rows} * m.cols;
     w.at = scratch_array<uint32_t>(count);
     if (m.at != nullptr) {
-        for (int64_t c = 0; c < m.cols; c++)
+        for (int64_t c = 0; c < m.cols; c++, poll_interrupt())
             for (int64_t r = 0; r < m.rows; r++)
                 w.at[r * row_step + c * col_step] = static_cast<uint32_t>(m.at[r + c * m.rows]->ncoef->lint);
         return w;
@@ -206,20 +208,22 @@ static void rewrite_sparse(LineMatrix* m, const uint32_t* at, int64_t row_step, 
     if (m->flipped) std::swap(row_step, col_step);
     free_sparse_data(m->spar, rows);
     SparseWalk walk = walk_sparse(m->spar, rows);
-    while (colm_ptrptr t = next_row(walk))
+    while (colm_ptrptr t = next_row(walk)) {
+        poll_interrupt();
         for (int32_t c = 0; c < cols; c++) {
             uint32_t word = at[walk.row * row_step + c * col_step];
             if (word == 0) continue;
             *t = newcolm(c + 1, word_value(word), nullptr);
             t = &(*t)->next;
         }
+    }
 }
 
 static void write_back(LineMatrix* m, const WordMatrix& w, bool transposed) {
     if (w.at == nullptr) return;
     int64_t row_step = transposed ? 1 : w.cols, col_step = transposed ? w.cols : 1;
     if (m->at == nullptr) return rewrite_sparse(m, w.at, row_step, col_step);
-    for (int64_t c = 0; c < m->cols; c++)
+    for (int64_t c = 0; c < m->cols; c++, poll_interrupt())
         for (int64_t r = 0; r < m->rows; r++)
             m->at[r + c * m->rows]->ncoef->lint = static_cast<int32_t>(w.at[r * row_step + c * col_step]);
 }
