@@ -25,7 +25,9 @@ from grammar import VARIABLES, Grammar
 BROKEN = rb"Tolvex error(?!\. poly invertibility failure)"
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:|" + BROKEN)
 # Out of all levels and fields, then to the integers. The blanks are for a long prompt, whose length is taken off each line.
-LEAVE = [b";\n", b"&@\n"] + 2 * [b"&(P=%s)\n" % v.encode() for v in VARIABLES] + 2 * [b"&(p=_i)\n", b";\n"]
+NAMES = [v.encode() for v in VARIABLES]
+LEAVE = [b";\n", b"&@\n"] + [b"@(%s)\n" % v for v in NAMES]  # the value of a name would be a field's new modulus
+LEAVE += 2 * [b"&(P=%s)\n" % v for v in NAMES] + 2 * [b"&(p=_i)\n", b";\n"]
 PROBE = b"\n" * 17 + b"".join(b" " * 10 + line for line in LEAVE + [b"!(123456789*1000)\n", b"&q\n"])
 ANSWER = b"123456789000"
 LIMIT = 20
