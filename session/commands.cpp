@@ -18,14 +18,15 @@
 #include "session/listing.h"
 #include "session/load.h"
 #include "session/loop.h"
-#include "session/modulus.h"
 #include "session/mod_out.h"
+#include "session/modulus.h"
 #include "session/polyvars.h"
 #include "session/questions.h"
 #include "session/ring_list.h"
 #include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/status.h"
+#include "session/switch_arrays.h"
 #include "session/switch_table.h"
 #include "session/switches.h"
 #include "storage/failure.h"
@@ -182,22 +183,48 @@ static After list_variables(Command& c) {
     return After::stay;
 }
 
-/// The answer to the question for a file name; "@" takes the command back: false then, and after an error.
-static bool ask_file_name(const char* text, const char* taken_back, char* name) {
-    QuestionMark mark = open_question(text);
+namespace {
+/// What a question for the name of a file says.
+struct NameQuestion {
+    const char *text, *taken_back, *cut;  // cut: a name that is too long
+};
+constexpr NameQuestion input_question = {"Enter name of input file: \n", "*** Read cancelled\n",
+                                         "*** Warning. Name is too int32_t.\n"};
+constexpr NameQuestion output_question = {"Enter name of output file: \n", "*** Save cancelled\n",
+                                          "*** Warning. Name is too long.\n"};
+}  // namespace
+
+/// The name that begins with the current token of the terminal: quoted, in an array of character codes, or one
+/// token. False after an error.
+static bool read_file_name(const NameQuestion& q, char* name) {
     nameptr terminal = nullptr;
-    bool given = !tok_is(token, "@");
-    if (!given) {
-        printf("%s", taken_back);
-        next_token(Input, &terminal);
-    } else if (tok_is(token, "'")) {
-        given = read_quoted(Input, &terminal, name);
-    } else if (at_terminator()) {
-        given = false;
-        error(Err::file_name_missing);
-    } else {
+    bool quoted = tok_is(token, "'");
+    if (!quoted && !tok_is(token, "[")) {
+        if (at_terminator()) {
+            error(Err::file_name_missing);
+            return false;
+        }
         strcpy(name, tok_text(token));
         putchar('\n');
+        return true;
+    }
+    if (!(quoted ? read_quoted(Input, &terminal, name, q.cut) : get_from_array(Input, &terminal, name)))
+        return false;
+    if (at_terminator()) return true;
+    error(Err::not_terminated);
+    return false;
+}
+
+/// Asks for the name of a file; "@" takes the command back: false then, and after an error.
+static bool ask_file_name(const NameQuestion& q, char* name) {
+    QuestionMark mark = open_question(q.text);
+    nameptr terminal = nullptr;
+    bool given = !tok_is(token, "@");
+    if (given) {
+        given = read_file_name(q, name);
+    } else {
+        fputs(q.taken_back, Output);
+        next_token(Input, &terminal);
     }
     close_question(mark);
     return given;
@@ -208,7 +235,7 @@ static After load_command(Command& c) {
     char name[k_text_length + 1];
     if (inpuf != nullptr && !tok_is(token, "R")) {
         load_again();
-    } else if (ask_file_name("Enter name of input file: \n", "*** Read cancelled\n", name)) {
+    } else if (ask_file_name(input_question, name)) {
         load_named(name, c.stored());
     }
     return After::read_next;
@@ -219,7 +246,7 @@ static After save_command(Command& c) {
     char name[k_text_length + 1];
     if (outpuf != nullptr && !tok_is(token, "S")) {
         save_session();
-    } else if (ask_file_name("Enter name of output file: \n", "*** Save cancelled\n", name)) {
+    } else if (ask_file_name(output_question, name)) {
         save_named(name, c.stored());
     }
     return After::read_next;
@@ -393,7 +420,7 @@ static void toggle(const SwitchRow& row, Command& c) {
     }
     if (row.refuses != nullptr && row.refuses(!*row.at)) return;
     *row.at = !*row.at;
-    fputs(*row.at ? row.on : row.off, Output);
+    if (!row.quiet_stored || !c.stored()) fputs(*row.at ? row.on : row.off, Output);
     if (row.after != nullptr) row.after();
     if (row.leaves_value) leave_value(c.n, *row.at);
 }

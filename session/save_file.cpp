@@ -6,6 +6,7 @@
 #include "storage/failure.h"
 
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -27,10 +28,16 @@ OutputFile output = {"", "", -1, false};
 
 // ---- opening and closing -------------------------------------------------------------------------------
 
-/// A fresh file beside the target, with its permissions.
+/// A fresh file beside the target, with its permissions. Its name is that of the target, as far as it goes, and a mark.
 static FILE* open_beside(const struct stat* old) {
-    if (snprintf(output.beside, k_path, "%s.XXXXXX", output.target) >= static_cast<int>(k_path))
-        return nullptr;
+    static const char mark[] = ".XXXXXX";
+    const char* slash = strrchr(output.target, '/');
+    size_t folder = slash == nullptr ? 0 : static_cast<size_t>(slash + 1 - output.target);
+    size_t length = strlen(output.target), most = folder + NAME_MAX + 1 - sizeof mark;
+    if (length > most) length = most;
+    if (length + sizeof mark > k_path) return nullptr;
+    memcpy(output.beside, output.target, length);
+    strcpy(output.beside + length, mark);
     int fd = mkstemp(output.beside);
     if (fd < 0) return nullptr;
     mode_t mask = umask(0);

@@ -42,11 +42,16 @@ static void save_polyvars(FILE* file) {
 
 /// The "mass" 1, which turns interpolation off, has a place of its own in front of the other values.
 static SavePlace place_of(const SwitchRow& row, int32_t value) {
-    return row.save == SavePlace::lagrange_cut && value != 1 ? SavePlace::later : row.save;
+    return row.save == SavePlace::lagrange_cut && value == 1 ? SavePlace::lagrange_off : row.save;
 }
 
+/// True if the value must stand behind the modulus, which would set it anew.
+static bool waits_for_ring(const SwitchRow& row) { return row.reset_by_modulus && modularmode; }
+
 /// The value that the settings in front of the row leave in a fresh session: a table field clears alt_form_display.
-static int32_t value_before(const SwitchRow& row) { return finf && row.at == &alt_form_display ? 0 : row.start; }
+static int32_t value_before(const SwitchRow& row) {
+    return finf && row.at == &alt_form_display ? 0 : row.start;
+}
 
 static void save_switch(FILE* file, const SwitchRow& row, int32_t value) {
     if (!row.save_always && value == value_before(row)) return;
@@ -56,6 +61,17 @@ static void save_switch(FILE* file, const SwitchRow& row, int32_t value) {
     }
     bool taken = value >= 0 && (row.wide || value <= 1);
     if (taken) fprintf(file, "&(%s = %d);\n", row.letter, value);
+}
+
+/// The switches of one place that wait for the ring, or those that do not.
+static void save_switches(FILE* file, SavePlace place, bool waiting) {
+    size_t count;
+    const SwitchRow* rows = switch_rows(&count);
+    for (size_t i = 0; i < count; i++) {
+        int32_t value = switch_value(rows[i]);
+        if (place_of(rows[i], value) == place && waits_for_ring(rows[i]) == waiting)
+            save_switch(file, rows[i], value);
+    }
 }
 
 static void save_place(FILE* file, SavePlace place) {
@@ -73,16 +89,12 @@ static void save_place(FILE* file, SavePlace place) {
     default:
         break;
     }
-    size_t count;
-    const SwitchRow* rows = switch_rows(&count);
-    for (size_t i = 0; i < count; i++) {
-        int32_t value = switch_value(rows[i]);
-        if (place_of(rows[i], value) == place) save_switch(file, rows[i], value);
-    }
+    save_switches(file, place, false);
 }
 
 void save_settings(FILE* file) {
-    for (int32_t i = 1; i < static_cast<int32_t>(SavePlace::count); i++)
-        save_place(file, static_cast<SavePlace>(i));
+    constexpr auto end = static_cast<int32_t>(SavePlace::count);
+    for (int32_t i = 1; i < end; i++) save_place(file, static_cast<SavePlace>(i));
+    for (int32_t i = 1; i < end; i++) save_switches(file, static_cast<SavePlace>(i), true);
 }
 }  // namespace tolvex

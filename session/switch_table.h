@@ -53,7 +53,7 @@ enum class StatusLine : int32_t {
 };
 
 /// The places of the settings in a saved session, in their order: reading them back must give the session
-/// again, so what a change of ring resets stands behind the ring. Those without a row are written by
+/// again, so what a modulus sets anew stands behind it, in the same order. Those without a row are written by
 /// session/save_settings.cpp.
 /// ORDER SAVE_PLACES
 enum class SavePlace : int32_t {
@@ -65,14 +65,31 @@ enum class SavePlace : int32_t {
     chpoly,
     det_rows,
     prompt_text,
-    display,
-    lagrange_cut,
+    ugly,
+    monomials,
+    timing,
+    comments,
+    more_comments,
+    lagrange_file,
+    lagrange_off,
     pivot,
-    later,
+    product_cutoff,
+    disk,
+    second_factor,
+    line_after,
+    residues,
+    gauss,
+    first_factor,
+    lifting,
+    columns,
+    random,
+    line_suppression,
+    fast_test,
+    remainders,
+    lagrange_cut,
     polyvars,
     exponents,
     ring,
-    after_ring,
     count
 };
 
@@ -91,26 +108,28 @@ struct SwitchRow {
     boolean* at;             // Boolean switches: the word
     int32_t start;           // the value in a fresh session
     const char *on, *off;
-    const char *set_on, *set_off;   // nil: as on and off
-    const char* unchanged;          // nil: there is no form `&(x = v)`
-    const char* question;           // numeric switches
-    Err not_number;                 // the answer is none
-    Err set_not_number;             // nor the value of `&(x = v)`
-    bool (*store)(SwitchStore& s);  // numeric: false after an error that came back
-    void (*after)();                // Boolean: follows a change
-    bool wide;                      // `&(x = v)` takes values above 1
-    bool rational_only;             // 235 in lintmode
-    bool (*refuses)(int32_t value); // raises the error that forbids the value now: true then; nil: none
-    bool leaves_value;              // `&x` leaves the new value, not 0
-    int32_t (*value)();             // the others: the value in force
-    const char* meaning;            // for the manual
-    const char* values;             // for the manual: the range, where it is not 0 and 1
-    StatusLine line;                // where `&g` shows it
+    const char *set_on, *set_off;    // nil: as on and off
+    const char* unchanged;           // nil: there is no form `&(x = v)`
+    const char* question;            // numeric switches
+    Err not_number;                  // the answer is none
+    Err set_not_number;              // nor the value of `&(x = v)`
+    bool (*store)(SwitchStore& s);   // numeric: false after an error that came back
+    void (*after)();                 // Boolean: follows a change
+    bool wide;                       // `&(x = v)` takes values above 1
+    bool rational_only;              // 235 in lintmode
+    bool (*refuses)(int32_t value);  // raises the error that forbids the value now: true then; nil: none
+    bool leaves_value;               // `&x` leaves the new value, not 0
+    bool quiet_stored;               // `&x` says nothing in a stored list
+    int32_t (*value)();              // the others: the value in force
+    const char* meaning;             // for the manual
+    const char* values;              // for the manual: the range, where it is not 0 and 1
+    StatusLine line;                 // where `&g` shows it
     const char* shown;  // its text: with "%s" on or off is said, with "%d" the value; a Boolean one
                         // without either is shown while it is on
     void (*show)();     // in place of the text
     SavePlace save;
-    bool save_always;  // also when it has the value of a fresh session
+    bool save_always;       // also when it has the value of a fresh session
+    bool reset_by_modulus;  // a change to a modulus may set it anew
 };
 /// All rows.
 const SwitchRow* switch_rows(size_t* count);

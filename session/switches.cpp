@@ -37,8 +37,9 @@ void leave_value(quolyptr n, int64_t v) {
 
 // ---- texts ---------------------------------------------------------------------------------------------
 
-bool read_quoted(FILE* inf, nameptr* flag, char* text) {
+bool read_quoted(FILE* inf, nameptr* flag, char* text, const char* cut) {
     int32_t n = 0;
+    bool too_long = false;
     Err fault = Err{};
     while (fault == Err{}) {
         boolean line_end = 0;
@@ -52,7 +53,8 @@ bool read_quoted(FILE* inf, nameptr* flag, char* text) {
             if (line_end && tt_flag && *flag == nullptr) line_open = 0;  // its line feed has been taken
             fault = Err::bad_file_name;
         } else if (n == k_text_length) {
-            fault = Err::text_too_long;
+            too_long = true;
+            if (cut == nullptr) fault = Err::text_too_long;
         } else {
             text[n++] = static_cast<char>(tok_char(token));
         }
@@ -62,6 +64,7 @@ bool read_quoted(FILE* inf, nameptr* flag, char* text) {
         error(fault);
         return false;
     }
+    if (too_long) fputs(cut, Output);
     next_token(inf, flag);
     return true;
 }

@@ -173,7 +173,8 @@ TEST_F(Switches, SavedOrder) {
         if (row->save != SavePlace::none) store(*row, other_value(*row));
     std::string text = saved();
     size_t at = 0;
-    for (const char* letter : {"e", "N", "m", "a", "B", "D", "U", "u", "K", "L", "l", "#"}) {
+    for (const char* letter : {"e", "N", "m", "a", "B", "D", "U", "_l", "t",  "V",  "W",  "_L", "u", "#",
+                               "&", "A", "E", "H", "K", "X", "O", "_d", "_r", "_s", "_t", "|",  "L", "l"}) {
         size_t found = text.find(std::string("&(") + letter + " =");
         ASSERT_NE(found, std::string::npos) << letter;
         EXPECT_GE(found, at) << letter << "\n" << text;
