@@ -10,13 +10,8 @@
 #include "storage/interrupt.h"
 #include "storage/progress.h"
 namespace tolvex {
-/// The polynomial p of that level as a value.
-static void as_value(const polynode* p, int32_t level, quolyptr n) {
-    poly c = nullptr;
-    if (p->numb)
-        node_assign(p, &c);
-    else
-        poly_assign(p, &c);
+/// The polynomial c of that level as a value; c is used up.
+static void as_value(poly c, int32_t level, quolyptr n) {
     add_pad(&c, level - 1);
     free_quoly(n);
     poly_to_quoly(&c, n);
@@ -41,18 +36,23 @@ static void times_power(quolyptr n, quoly x, int32_t e) {
     free_quoly(&power);
 }
 
-/// The coefficient of the term t of `level`.
+/// The coefficient of the term t of `level`: of a leaf the number alone, whatever terms follow it.
 static void evaluate_coefficient(const polynode* t, int32_t level, const quoly* value, int32_t last,
                                  quolyptr n) {
-    if (t->numb)
-        as_value(t, level, n);
-    else
+    if (!t->numb) {
         tot_eval_poly(t->pcoef, level + 1, value, last, n);
+        return;
+    }
+    poly c = nullptr;
+    node_assign(t, &c);
+    as_value(c, level, n);
 }
 
 void tot_eval_poly(const polynode* q, int32_t level, const quoly* value, int32_t last, quolyptr n) {
     if (level > last || is_number(q)) {
-        as_value(q, level, n);
+        poly c = nullptr;
+        poly_assign(q, &c);  // with all its terms: under Laurent exponents its head may be a leaf
+        as_value(c, level, n);
         return;
     }
     bool shown = verbose && windy;
