@@ -8,6 +8,7 @@
 #include "numbers/num_compare.h"
 #include "numbers/ring_switch.h"
 #include "numbers/shape_num.h"
+#include "poly/div_general.h"
 #include "poly/div_trial.h"
 #include "poly/div_user.h"
 #include "poly/field_shape.h"
@@ -257,6 +258,14 @@ void builtin_Equal(BuiltinCall& call) {
 
 // ---- divisibility --------------------------------------------------------------------------------------
 
+/// True and *q := n / m if m divides n. Under Laurent exponents powers of the variables are units.
+static bool exact_quotient(poly n, poly m, polyptrr q) {
+    if (!laurent) return trial_poly_divide(n, m, q, polynames, 0, 0, 0) != 0;
+    boolean failed = 0;
+    Lpoly_divide(n, m, q, 1, polynames, &failed);
+    return !failed;
+}
+
 /// *quotient := b / a if a, which has no denominator, divides b.
 static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotient) {
     polynode leaf_a, leaf_b;
@@ -265,8 +274,7 @@ static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotie
     poly q = nullptr, c = nullptr;
     // Elements of a field are units: the quotient may have a denominator.
     bool in_field = exists_field_element(divisor, 1);
-    if (in_field ? !tower_quotient(numer, divisor, &q, &c, polynames)
-                 : !trial_poly_divide(numer, divisor, &q, polynames, 0, 0, 0)) {
+    if (in_field ? !tower_quotient(numer, divisor, &q, &c, polynames) : !exact_quotient(numer, divisor, &q)) {
         free_poly(&q);
         free_poly(&c);
         return false;
