@@ -47,6 +47,7 @@ void free_statement(condexptr* p) {
 }
 
 void free_form(formptr* f) {
+    last_good = nullptr;
     while (*f != nullptr) {
         formptr gone = *f;
         *f = gone->next;
@@ -222,6 +223,7 @@ static Step read_statement(BodyReader& r, formptr* link, Closer end) {
         zero_statement(*link);
     else if (!basic_form(r, *link, end))
         return Step::failed;
+    if (at_char(';')) last_good = *link;
     return after_statement(r, end);
 }
 

@@ -275,10 +275,11 @@ void eval_form(FILE* inf, formptr f, quolyptr n) {
 
 StoredPlace set_statement_aside() {
     StoredPlace place = {
-        startexpr,     prev_expr,   currentchar, exit_flag, leave_flag, cycle_flag, definition_lines_aside(),
-        last_attached, current_func};
+        startexpr,     prev_expr, currentchar, exit_flag, leave_flag, cycle_flag, definition_lines_aside(),
+        last_attached, last_good, current_func};
     startexpr = prev_expr = currentchar = nullptr;
     last_attached = nullptr;
+    last_good = nullptr;
     exit_flag = leave_flag = cycle_flag = 0;
     return place;
 }
@@ -292,6 +293,7 @@ void resume_stored_place(const StoredPlace& place) {
     cycle_flag = place.cycle_flag;
     resume_definition_lines(place.lines);
     last_attached = place.last_attached;
+    last_good = place.last_good;
     current_func = place.current_func;
 }
 
@@ -359,6 +361,7 @@ void call_sys_func(const tokentipe& word, FILE* inf, quolyptr n, nameptr* flag) 
     BodyReader r = {inf, flag, true, false, false, {}};
     tok_set(current_func, "<F");
     last_attached = nullptr;
+    last_good = nullptr;
     enter_definition();
     condexptr p = nullptr;
     Unfinished u;

@@ -144,6 +144,7 @@ static bool read_definition(BodyReader& r, funcptr f) {
 void funcdef(FILE* inf, nameptr* flag) {
     current_func = token;
     last_attached = nullptr;
+    last_good = nullptr;
     funcptr f = pool_pop<&funcnode::next>(func_garb, nullptr);
     *f = {};
     f->name = token;

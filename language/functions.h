@@ -76,7 +76,4 @@ void report_calls();
 /// Writes the statements under way, the outer one and the current one up to the current token; nothing if
 /// none runs.
 bool report_statements();
-/// What an error does to a definition that is being read: writes where it stopped, for the errors that say
-/// so.
-void report_definition(Err code);
 }  // namespace tolvex

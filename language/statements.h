@@ -75,8 +75,10 @@ bool input_has_ended(const BodyReader& r);
 void free_form(formptr* f);
 /// A statement with its parts; nil is allowed.
 void free_statement(condexptr* p);
-inline nameptr last_attached = nullptr;  // the list gathered last, for reports; nil: none
-inline tokentipe current_func = {};      // the name of the definition under way, for reports
+// For reports on a definition that is given up; nil: none.
+inline nameptr last_attached = nullptr;      // the list gathered last
+inline const formnode* last_good = nullptr;  // the statement that ";" has ended last
+inline tokentipe current_func = {};          // the name of the definition under way
 
 /// What a reader has built so far and nobody else owns yet. It lives on the process stack of the reader; an
 /// error that does not come back gives it back through drop_unfinished.
@@ -151,6 +153,7 @@ struct StoredPlace {
     boolean exit_flag, leave_flag, cycle_flag;
     DefinitionLines lines;
     nameptr last_attached;
+    const formnode* last_good;
     tokentipe current_func;
 };
 /// Clears the place; the present one is the answer.

@@ -57,13 +57,4 @@ bool report_statements() {
     print_tokens(startexpr, currentchar, "", false);
     return true;
 }
-
-void report_definition(Err code) {
-    bool told = code == Err::end_of_file_inside || code == Err::statement_separator ||
-                code == Err::not_terminated || code == Err::too_many_empty_lines;
-    if (func_def_count == 0 || !told) return;
-    printf("Here is the last line %sread:\n", code == Err::too_many_empty_lines ? "" : "successfully ");
-    if (last_attached != nullptr) print_tokens(last_attached, nullptr, "", true);
-    printf("\n*** Definition of %s cancelled.\n", tok_text(current_func));
-}
 }  // namespace tolvex

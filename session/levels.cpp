@@ -15,6 +15,7 @@
 #include "poly/poly_modes.h"
 #include "quoly/quoly_mult.h"
 #include "session/jumps.h"
+#include "session/listing.h"
 #include "session/load.h"
 #include "session/loop.h"
 #include "session/messages.h"
@@ -233,6 +234,7 @@ void panic_stop() {
     if (extra_line) putchar('\n');
     printf("*** Panic stop.\n");
     if (levelcount == 1 && statcount == 0) printf("    You were already at the lowest level.\n");
+    report_load_place();
     report_trail();
     leave_for_level_1(k_panic_stop);
 }

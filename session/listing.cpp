@@ -179,10 +179,15 @@ static void list_statement(const ListingSink& out, const condnode* s, int32_t in
         list_structure(out, s, indent);
 }
 
+/// A statement of a body, its comments in front of it.
+static void list_formed(const ListingSink& out, const formnode* f, int32_t indent) {
+    for (const comnode* c = f->comms; c != nullptr; c = c->next) list_comment(out, c, indent);
+    list_statement(out, f->cptr, indent);
+}
+
 void listform(const ListingSink& out, const formnode* body, int32_t indent) {
     for (const formnode* f = body; f != nullptr; f = f->next) {
-        for (const comnode* c = f->comms; c != nullptr; c = c->next) list_comment(out, c, indent);
-        list_statement(out, f->cptr, indent);
+        list_formed(out, f, indent);
         if (f->next == nullptr) break;
         putc_unlocked(';', out.file);
         line_end(out);
@@ -205,17 +210,19 @@ static void write_name(const ListingSink& out, const char* name, const paramnode
     putc_unlocked(')', out.file);
 }
 
+static constexpr int32_t k_body_indent = 4;
+
 static void begin_in_full(const ListingSink& out, const char* name, const paramnode* pars) {
     fputs("\n Function ", out.file);
     write_name(out, name, pars);
     fputs(" = ", out.file);
     line_end(out);
-    doblanks(out, 4);
+    doblanks(out, k_body_indent);
 }
 
 void big_write_p(const ListingSink& out, const char* name, const paramnode* pars, const formnode* body) {
     begin_in_full(out, name, pars);
-    listform(out, body, 4);
+    listform(out, body, k_body_indent);
     fputs(".", out.file);
 }
 
@@ -282,7 +289,7 @@ static void list_control_statement(const ListingSink& out) {
         return;
     }
     begin_in_full(out, "<F", nullptr);
-    list_statement(out, s, 4);
+    list_statement(out, s, k_body_indent);
     fputs(".\n", out.file);
 }
 
@@ -299,6 +306,21 @@ static void list_one(FILE* inf, nameptr* flag, const ListingSink& out) {
         fprintf(out.file, "%s has not been defined.\n", tok_text(token));
     }
     next_token(inf, flag);
+}
+
+void report_definition(Err code) {
+    ListingSink out = {stdout, true};
+    bool lines = code == Err::too_many_empty_lines;
+    bool told = lines || code == Err::end_of_file_inside || code == Err::statement_separator ||
+                code == Err::not_terminated;
+    if (func_def_count == 0 || !told) return;
+    fputs(lines ? "Here is the last line read:\n" : "Here is the last line successfully read:\n", stdout);
+    if (!lines) {
+        listchars(out, last_attached, false);
+    } else if (last_good != nullptr) {
+        list_formed(out, last_good, k_body_indent);
+    }
+    printf("\n*** Definition of %s cancelled.\n", tok_text(current_func));
 }
 
 static void skip_to_terminator(FILE* inf, nameptr* flag) {

@@ -23,6 +23,10 @@ void listpars(const ListingSink& out, const paramnode* pars);
 /// A function in full.
 void big_write_p(const ListingSink& out, const char* name, const paramnode* pars, const formnode* body);
 
+/// What an error does to a definition that is being read: writes where it stopped, for the errors that say
+/// so.
+void report_definition(Err code);
+
 /// The command `&f`: the letter is the current token. Afterwards the token is "@".
 void listfuncs(FILE* inf, nameptr* flag);
 /// The functions in full, sorted by name, those of one name oldest first.
