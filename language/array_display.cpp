@@ -6,6 +6,7 @@
 #include "quoly/quoly_display.h"
 #include "storage/interrupt.h"
 
+#include <cinttypes>
 #include <cstdlib>
 namespace tolvex {
 // ---- single values -------------------------------------------------------------------------------------
@@ -59,11 +60,11 @@ static void display_row(FILE* out, const ArrOperand& v, int32_t r, int32_t width
 // ---- sparse --------------------------------------------------------------------------------------------
 
 static void display_entries(FILE* out, int32_t row, const colnode* p) {
-    fprintf(out, " [%d", row + addresser);
+    fprintf(out, " [%" PRId64, user_number(row));
     for (; p != nullptr; p = p->next) {
         size_t length;
         const char* text = element_text(p->val, &length);
-        fprintf(out, ", [%d, ", p->coord - 1 + addresser);
+        fprintf(out, ", [%" PRId64 ", ", user_number(p->coord - 1));
         fwrite(text, 1, length, out);
         putc_unlocked(']', out);
     }

@@ -76,18 +76,24 @@ static void add_column(ColumnList* list, int32_t column) {
     list->at[list->count++] = column;
 }
 
-/// The columns of row r join the sorted list.
-static void merge_row_of(const arrnode* a, int32_t r, ColumnList* list) {
+/// The columns of row r join the sorted list. False after error 47 for one beyond the values of loop variables.
+static bool merge_row_of(const arrnode* a, int32_t r, const tokentipe& name, ColumnList* list) {
     ColumnList merged = {scratch_array<int32_t>(list->room), 0, list->room};
     int32_t k = 0;
     for (const colnode* p = *sparse_row(a->spar, r); p != nullptr; p = p->next) {
-        int32_t column = p->coord - 1 + addresser;
+        int64_t number = user_number(p->coord - 1);
+        if (number > k_max_digit || number < -k_max_digit) {
+            error(Err::loop_index_range, tok_text(name));
+            return false;
+        }
+        auto column = static_cast<int32_t>(number);
         while (k < list->count && list->at[k] < column) add_column(&merged, list->at[k++]);
         if (k < list->count && list->at[k] == column) k++;
         add_column(&merged, column);
     }
     while (k < list->count) add_column(&merged, list->at[k++]);
     *list = merged;
+    return true;
 }
 
 /// The array of a loop header, from its "[" up to and over the "]".
@@ -124,7 +130,7 @@ bool columns_of_rows(FILE* inf, nameptr* flag, const int32_t** columns, int32_t*
             return false;
         }
         if (!find_place(a, row, addresser, true, name, &index)) return false;
-        merge_row_of(a, row_of_place(a, index), &list);
+        if (!merge_row_of(a, row_of_place(a, index), name, &list)) return false;
         if (!at_char(',')) break;
         next_token(inf, flag);
     }

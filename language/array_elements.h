@@ -23,7 +23,7 @@ bool evalcoords(FILE* inf, nameptr* flag, char closer, char separator, Subscript
 bool read_plain_integer(FILE* inf, nameptr* flag, Err not_a_number, int64_t* value);
 
 /// `[a] r1, r2, ...` from the "[": the columns, as the user counts them, of the entries of these rows of a
-/// sparse array, in rising order, each once; in scratch memory. False after error 27, 28, 118 or 335.
+/// sparse array, in rising order, each once; in scratch memory. False after error 27, 28, 47, 118 or 335.
 bool columns_of_rows(FILE* inf, nameptr* flag, const int32_t** columns, int32_t* count);
 
 /// An element of the array itself.

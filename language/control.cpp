@@ -105,7 +105,7 @@ static bool read_rows(FILE* inf, nameptr* flag, LoopHeader* h) {
     restore_modular(was_modular);
     if (!good) return false;
     h->step = 1;
-    h->first = h->count > 0 ? h->columns[0] : addresser - 1;
+    h->first = h->count > 0 ? h->columns[0] : static_cast<int32_t>(maxx64(user_number(-1), -INT32_MAX));
     h->last = h->count > 0 ? h->columns[h->count - 1] : -2;
     write_loop_variable(h->name, h->first);
     return true;

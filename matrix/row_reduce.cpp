@@ -4,6 +4,7 @@
 #include "matrix/fraction_free.h"
 #include "matrix/matrix_modes.h"
 #include "matrix/word_reduce.h"
+#include "numbers/num_assign.h"
 #include "numbers/residue.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
@@ -111,8 +112,9 @@ static LineMatrix column_of_numbers(int32_t* numbers, int32_t rank) {
     std::sort(numbers, numbers + rank);
     for (int32_t k = 0; k < rank; k++) {
         quoly q = nullptr;
-        int32_t value = numbers[k] + addresser;
-        quoly_set(modularmode ? residue_of_int(value) : value, &q);
+        int64_t value = user_number(numbers[k]);
+        quoly_set(0, &q);
+        setvalue_any(modularmode ? residue_of_int(value) : value, q->ncoef);
         set_matrix_element(m, k, 0, q);
     }
     return m;

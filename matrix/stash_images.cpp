@@ -15,6 +15,7 @@
 #include "storage/scratch.h"
 
 #include <algorithm>
+#include <cinttypes>
 namespace tolvex {
 namespace {
 struct Stash {
@@ -27,7 +28,7 @@ struct Stash {
 /// "name[i] := value; ", after the statement that makes the array.
 static void write_element(const Stash& s, const char* name, int32_t i, const quolynode* value) {
     if (i == 0) fprintf(s.file, "Array %s[%d]; \n", name, s.degree + 1);
-    fprintf(s.file, "%s[%d] :=", name, i + addresser);
+    fprintf(s.file, "%s[%" PRId64 "] :=", name, user_number(i));
     quoly_display(s.file, 0, value);
     fprintf(s.file, "; \n");
 }

@@ -8,6 +8,8 @@
 #include "session/plain_display.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
+
+#include <cinttypes>
 namespace tolvex {
 static constexpr int32_t k_most_of_a_name = 9;  // arrays of one name that a display describes
 // A display of more arrays than can be sorted.
@@ -145,11 +147,11 @@ static void write_sparse_rows(FILE* file, const ArrOperand& v) {
     while (colm_ptrptr t = next_row(w)) {
         poll_interrupt();
         if (*t == nullptr) continue;
-        fprintf(file, "%s[%d", first ? "[" : ",\n", w.row + addresser);
+        fprintf(file, "%s[%" PRId64, first ? "[" : ",\n", user_number(w.row));
         first = false;
         for (const colnode* p = *t; p != nullptr; p = p->next) {
             poll_interrupt();
-            fprintf(file, ", [%d, ", p->coord - 1 + addresser);
+            fprintf(file, ", [%" PRId64 ", ", user_number(p->coord - 1));
             write_element(file, p->val);
             putc_unlocked(']', file);
         }

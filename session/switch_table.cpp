@@ -17,6 +17,7 @@
 #include "storage/memory.h"
 #include "storage/progress.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 namespace tolvex {
@@ -115,7 +116,7 @@ static bool store_addresser(SwitchStore& s) {
         if (s.loud) printf(" Already had that value; no change in error pushing.\n");
         return true;
     }
-    if (s.asked) s.value = 1 - addresser;
+    if (s.asked) s.value = static_cast<int32_t>(std::min(1 - int64_t{addresser}, int64_t{INT32_MAX}));
     addresser = s.left = s.value;
     if (s.loud)
         printf(s.asked ? " Array initial index now %1d.\n" : " Array initial index now %1d\n", addresser);
