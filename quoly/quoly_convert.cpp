@@ -8,6 +8,7 @@
 #include "numbers/ring_switch.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_convert.h"
+#include "poly/poly_laurent.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_shape.h"
 #include "poly/poly_test.h"
@@ -49,6 +50,33 @@ bool quoly_mod_out(quolyptr q) {
     else
         quoly_set(0, q);
     return stands;
+}
+
+/// The powers of the variables in the denominator become negative exponents.
+static void powers_move_up(quoly q) {
+    if (q->denom == nullptr || is_number(q->denom)) return;
+    poly powers = clear_bads(&q->denom, INT32_MAX, k_leaf_depth);
+    eliminate_bads(&q->numer, powers, -1);
+    free_exponent_list(&powers);
+    if (poly_eq_1(q->denom)) free_poly(&q->denom);
+}
+
+/// The negative exponents of the numerator become powers in the denominator.
+static void powers_move_down(quoly q) {
+    poly powers = clear_bads(&q->numer, 0, k_leaf_depth);
+    if (powers == nullptr) return;
+    if (q->denom == nullptr) poly_set(1, &q->denom);
+    eliminate_bads(&q->denom, powers, -1);
+    free_exponent_list(&powers);
+    q->rat = 0;
+}
+
+void quoly_follow_laurent(quoly q) {
+    if (q->numb) return;
+    if (laurent)
+        powers_move_up(q);
+    else
+        powers_move_down(q);
 }
 
 /// numer / denom as it stands; quoly_mod_out brings it to canonical form.

@@ -25,6 +25,9 @@ Err quoly_reduce_words(quolyptr q);
 /// *q reduced by the modding polynomials in force, in canonical form. False: its denominator has become 0 or
 /// has no inverse that it needs; then *q is 0.
 bool quoly_mod_out(quolyptr q);
+/// q, canonical under the other setting of `laurent`, in the form of the present one: powers of the variables
+/// in its denominator move up as negative exponents, or negative exponents down. Linear.
+void quoly_follow_laurent(quoly q);
 void quoly_insert_level(quoly q, int32_t level);  ///< a new variable came in at that level
 void quoly_remove_level(quoly q, int32_t level);  ///< taken out; it does not occur
 boolean quoly_contains_level(const quolynode* q, int32_t level);

@@ -361,6 +361,15 @@ void test_fields() {
         if (!level_is_field(all[count])) tell_no_field();
 }
 
+static void follow_laurent_at(quolyptr value, void*) { quoly_follow_laurent(*value); }
+
+void follow_laurent() {
+    interrupts_held++;
+    gcd_stash_outdated();
+    for_each_value(follow_laurent_at, nullptr);
+    interrupts_held--;
+}
+
 bool refuse_laurent(int32_t on) {
     if (!on) return false;
     for (polypt v = polynames; v != nullptr; v = v->next)
