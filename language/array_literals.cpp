@@ -350,10 +350,10 @@ static void run_computed(ArrReader& r, ArrOperand& v, nameptr list) {
 }
 
 /// The headers and the body up to the "]" that closes the matrix, which is the current token afterwards.
-/// False after error 24, 81 or 103.
+/// False after error 24, 78, 81 or 103.
 static bool copy_matrix(TokenCopy& c) {
     while (at_char('<'))
-        if (!copy_header(c)) return false;
+        if (!copy_header(c, true)) return false;
     int32_t depth = 0;
     while (depth > 0 || !at_char(']')) {
         if (at_char('\'')) {

@@ -25,10 +25,16 @@ bool copy_literal(TokenCopy& c) {
     return true;
 }
 
-bool copy_header(TokenCopy& c) {
+bool copy_header(TokenCopy& c, bool in_brackets) {
+    int32_t depth = 0;
     while (!at_char('>')) {
-        if (at_char(';')) {
+        if (at_char(';') || tok_is(token, k_end_token)) {
             error(Err::sum_header_not_closed, ";");
+            return false;
+        }
+        if (at_char('[') || at_char('(')) depth++;
+        if ((at_char(']') || at_char(')')) && --depth < 0 && in_brackets) {
+            error(Err::sum_header_end);
             return false;
         }
         if (tok_is(token, "to")) tok_set(token, " to");

@@ -43,7 +43,7 @@ static bool copy_body(TokenCopy& c) {
 
 static bool copy_construct(TokenCopy& c) {
     while (at_char('<'))
-        if (!copy_header(c)) return false;
+        if (!copy_header(c, false)) return false;
     if (!opens()) {
         error(Err::sum_body_expected);
         return false;
@@ -64,21 +64,28 @@ struct RangeSum {
 
 /// From the opening bracket, the current token, over the body that no turn has read to its mate.
 static void skip_body(RangeSum& s) {
+    const char closing = at_char('[') ? ']' : ')';
     int32_t depth = 0;
     bool literal = false;
-    for (;; next_token(s.inf, s.flag)) {
-        if (tok_is(token, k_end_token)) return;
+    for (; !tok_is(token, k_end_token); next_token(s.inf, s.flag)) {
         if (at_char('\'')) literal = !literal;
         if (literal) continue;
         if (opens()) depth++;
-        if (closes() && --depth == 0) return;
+        if (closes() && --depth == 0) break;
     }
+    if (!at_char(closing)) error(Err::sum_body_not_closed);
 }
 
 /// What follows a header of an empty range: further headers, then the body.
 static void skip_rest(RangeSum& s) {
-    while (at_char('<') || (!opens() && !tok_is(token, k_end_token))) next_token(s.inf, s.flag);
-    skip_body(s);
+    while (at_char('<')) {
+        while (!at_char('>') && !tok_is(token, k_end_token)) next_token(s.inf, s.flag);
+        if (at_char('>')) next_token(s.inf, s.flag);
+    }
+    if (opens())
+        skip_body(s);
+    else
+        error(Err::sum_body_expected);
 }
 
 /// In integer mode sums and products wrap as all words do.
