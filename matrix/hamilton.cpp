@@ -255,7 +255,7 @@ static Outcome hamilton_path(PathSearch& s, int32_t limit, int64_t most_branches
 }
 
 static Outcome try_until_limit(PathSearch& s, const bool* edge, int32_t limit) {
-    bool by_subsets = limit == INT32_MAX && s.n <= k_most_subset_vertices;
+    bool by_subsets = s.n <= k_most_subset_vertices;
     begin_try(s);
     Outcome o = hamilton_path(s, limit, by_subsets ? k_branches_alone : INT64_MAX);
     if (o == Outcome::undecided) o = path_by_subsets(edge, s.n) ? Outcome::path : Outcome::none;
@@ -272,7 +272,8 @@ bool hamilton_path_driver(const bool* edge, int32_t n, int32_t limit) {
     s.randint = 145;
     for (uint32_t k = wf_random_below(64); k > 0; k--) toss(s);
     if (verbose) dumpitt("Hamiltonian path search, side ", s.side, 1, 1, 0);
-    Outcome o = has_path_matching(edge, n) ? Outcome::limit : Outcome::none;
+    bool possible = has_path_matching(edge, n) && components_in_line(edge, n);
+    Outcome o = possible ? Outcome::limit : Outcome::none;
     while (o == Outcome::limit) o = try_until_limit(s, edge, limit);
     if (verbose) decr_dumpitt(1, 1, verbose);
     scratch_release(mark);

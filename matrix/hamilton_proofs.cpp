@@ -1,5 +1,6 @@
 #include "matrix/hamilton_proofs.h"
 
+#include "matrix/components.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
@@ -39,6 +40,30 @@ bool has_path_matching(const bool* edge, int32_t n) {
     }
     scratch_release(mark);
     return matched >= n - 1;
+}
+
+bool components_in_line(const bool* edge, int32_t n) {
+    ScratchMark mark = scratch_mark();
+    auto* start = scratch_array<int64_t>(int64_t{n} + 1);
+    auto* column = scratch_array<int32_t>(int64_t{n} * n);
+    start[0] = 0;
+    for (int32_t i = 0; i < n; i++) {
+        start[i + 1] = start[i];
+        for (int32_t j = 0; j < n; j++)
+            if (edge[i * n + j]) column[start[i + 1]++] = j;
+    }
+    Components c = strong_components({n, start, column});
+    auto* component = scratch_array<int32_t>(n);
+    for (int32_t k = 0; k < c.count; k++)
+        for (int32_t r = c.first[k]; r < c.first[k + 1]; r++) component[c.row[r]] = k;
+    auto* joined = scratch_array<bool>(c.count);  // to the one before, which a path enters next
+    std::fill_n(joined, c.count, false);
+    for (int32_t i = 0; i < n; i++)
+        for (int64_t k = start[i]; k < start[i + 1]; k++)
+            if (component[column[k]] == component[i] - 1) joined[component[i]] = true;
+    bool in_line = std::all_of(joined + 1, joined + c.count, [](bool j) { return j; });
+    scratch_release(mark);
+    return in_line;
 }
 
 bool path_by_subsets(const bool* edge, int32_t n) {

@@ -252,6 +252,12 @@ static bool singular_integers(const quoly* a, int32_t n) {
     return zero;
 }
 
+/// What verbose mode says of an adjoint that takes images; up to 3 rows it takes none.
+static void announce_adjoint(const quoly* a, int32_t n) {
+    if (verbose && n > 3 && all_numbers(a, int64_t{n} * n))
+        dumpitt("All integers; adjoint-CRT Method, side ", n, true, false, false);
+}
+
 bool invert_matrix(workptr a, workptr result, int32_t n) {
     switch (kind_of(a, int64_t{n} * n)) {
     case Entries::words:
@@ -260,7 +266,7 @@ bool invert_matrix(workptr a, workptr result, int32_t n) {
         return invert_composite(a, result, n);
     case Entries::numbers:
         if (!mod_matrix_ok) return invert_by_elimination(a, result, n);
-        if (verbose) dumpitt("All integers; adjoint-CRT Method, side ", n, true, false, false);
+        announce_adjoint(a, n);
         return !singular_integers(a, n) && adjoint_or_inverse(a, result, n, true);
     case Entries::polynomials:
         return adjoint_or_inverse(a, result, n, true);

@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdio>
 namespace tolvex {
 namespace {
 enum class Entries { words, integers, rationals, polynomials, functions };
@@ -146,8 +147,8 @@ static bool takes_minors(int32_t m, Entries kind) {
 }
 
 /// By the method that fits; true if the divisor has been taken care of.
-static bool determinant_of_functions(sparseptr spar, int32_t m, Entries kind, const DeterminantRequest& request,
-                                     quolyptr det) {
+static bool determinant_of_functions(sparseptr spar, int32_t m, Entries kind,
+                                     const DeterminantRequest& request, quolyptr det) {
     if (kind == Entries::polynomials && gauss_cutoff == 1) {
         sparse_gauss_Bareiss(spar, m, det);
     } else if (kind == Entries::polynomials && interpolation_is_on() &&
@@ -162,14 +163,23 @@ static bool determinant_of_functions(sparseptr spar, int32_t m, Entries kind, co
 }
 
 /// What is modded out above the field may have zero divisors: the determinant is that of plain polynomials, reduced once.
-static bool determinant_above_field(sparseptr spar, int32_t m, Entries kind, const DeterminantRequest& request,
-                                    quolyptr det) {
+static bool determinant_above_field(sparseptr spar, int32_t m, Entries kind,
+                                    const DeterminantRequest& request, quolyptr det) {
     boolean plain = plain_above_field;
     plain_above_field = 1;
     bool divided = determinant_of_functions(spar, m, kind, request, det);
     plain_above_field = plain;
     if (modout_above_field) (void)quoly_mod_out(det);
     return divided;
+}
+
+/// More rows than elimination takes. Interpolation, if it would come first, has a limit of its own and says so.
+static void refuse_rows(int32_t m, Entries kind) {
+    constexpr int32_t k_most_interpolated_rows = 65535;
+    if (m > k_most_interpolated_rows && kind == Entries::polynomials && gauss_cutoff != 1 &&
+        interpolation_is_on())
+        fputs("Warning. Too many columns (> 65535) for sparse LaGrange method.\n", stdout);
+    error(Err::sparse_rows);
 }
 
 void sparse_determinant(sparseptr spar, int32_t m, const DeterminantRequest& request, quolyptr det) {
@@ -181,7 +191,7 @@ void sparse_determinant(sparseptr spar, int32_t m, const DeterminantRequest& req
         sparse_minors_det(entries, det);
     } else if (m > k_most_pivot_rows) {
         quoly_set(0, det);
-        error(Err::sparse_rows);
+        refuse_rows(m, kind);
     } else if (kind == Entries::words) {
         determinant_of_words(entries, det);
     } else if (kind == Entries::integers || kind == Entries::rationals) {
