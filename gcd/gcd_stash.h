@@ -35,6 +35,7 @@ inline bool gcd_stash_has_room() { return gcdmass <= initial_memory / 2; }
 /// *gcdp := the slot of this pair, found or made. Its next is the gcd, nil: unknown. pt: main variable of the
 /// pair. The hash looks at six terms of each operand.
 void gcdhash(poly u, poly v, polyptrr gcdp, polypt pt);
+poly gcd_stash_known(poly u, poly v, polypt pt);   ///< the gcd of this pair, nil: unknown; nothing is added
 void gcd_stash_store(poly slot, poly g);           ///< a copy of g into an open slot, masses counted
 void gcd_stash_forget(poly u, poly v, polypt pt);  ///< empties the slot of a pair whose gcd proved wrong
 /// Levels of use, counted by lookupgcd. The first one empties a table of another ring. The last one empties

@@ -58,8 +58,8 @@ static void canonical_operand(poly* p, GcdOperand& side) {
         poly_inplace(*p);
 }
 
-// True: a stored gcd has been taken. Otherwise there may be an open slot that waits for the result. What is
-// stored may rest on a check that is still due.
+// True: a stored gcd has been taken. Otherwise there may be an open slot that waits for the result, if the table has
+// room. What is stored may rest on a check that is still due.
 static bool look_up(polygcd_EnvRec& env, int32_t least_degree) {
     bool failed_before = gcd_attempt > 0 && modulus == gcd_retry_ring && lookupgcd < 0;
     if (env.store_new_gcd || (lookupgcd <= 0 && !failed_before) || env.uvsize <= gcd_stash_cutoff ||
@@ -71,14 +71,15 @@ static bool look_up(polygcd_EnvRec& env, int32_t least_degree) {
         gcd_stash_forget(env.u, env.v, env.pt);
         return false;
     }
-    if (!gcd_stash_has_room()) return false;
-    gcdhash(env.u, env.v, &env.gcdp, env.pt);
-    if (env.gcdp->next != nullptr) {
+    if (poly known = gcd_stash_known(env.u, env.v, env.pt); known != nullptr) {
         poly g = nullptr;
-        poly_assign(env.gcdp->next, &g);
+        poly_assign(known, &g);
         gcd_unproved = 1;
         return alternate_finish(env, g);
     }
+    if (!gcd_stash_has_room()) purge_gcd_stash(-1);  // a result may have filled it, with a slot open
+    if (!gcd_stash_has_room()) return false;
+    gcdhash(env.u, env.v, &env.gcdp, env.pt);
     polygcd_stack_depth++;
     env.store_new_gcd = 1;
     return false;

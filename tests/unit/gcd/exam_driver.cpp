@@ -413,6 +413,51 @@ TEST_F(Driver, a_wrong_gcd_in_the_stash_is_found_out) {
     EXPECT_EQ(polygcd_stack_depth, 0);
 }
 
+// Over half of its budget the table takes no new pair while a slot is open; what it holds is found. With none open
+// it makes room. Nested computations, which lower lookupgcd, leave it alone.
+TEST_F(Driver, a_full_stash_and_a_suspended_one_take_no_new_pairs) {
+    PolyGuard u, v, w, z, g;
+    u.p = product("x^2*y + x*z + y^3 + 1", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    v.p = product("x^2 + x*y*z^2 + y + 2", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    w.p = product("x^2 + x*y*z + y + 7", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    z.p = product("x^2 + x*y^2*z + z + 3", "x^3*y^2 + x*y*z + 3*z^3 + 5");
+    tripval = 16384;
+    trial_cutoff = 1000000;
+    gcd_stash_cutoff = 0;
+    word_engines = 0;
+    init_gcd_stash();
+    polygcd(u, v, &g, 0, 1, 1, polynames, 1, 1, 1);
+    int64_t mass = gcdmass, room = initial_memory;
+    EXPECT_GT(mass, 0);
+    initial_memory = 2 * mass - 1;
+    polygcd_stack_depth = 1;
+    polygcd(u, w, &g, 0, 1, 1, polynames, 1, 1, 1);
+    EXPECT_EQ(gcdmass, mass);
+    EXPECT_EQ(gcd_stash_known(u, w, polynames), nullptr);
+    int64_t found = ended_by("stash_lookup");
+    polygcd(u, v, &g, 0, 1, 1, polynames, 1, 1, 1);
+    EXPECT_GT(ended_by("stash_lookup"), found);
+    polygcd_stack_depth = 0;
+    initial_memory = room;
+    polygcd(u, w, &g, 0, 1, 1, polynames, 1, 1, 1);
+    EXPECT_NE(gcd_stash_known(u, w, polynames), nullptr);
+    mass = gcdmass;
+    lookupgcd = -1000;
+    polygcd(v, z, &g, 0, 1, 1, polynames, 1, 1, 1);
+    EXPECT_EQ(lookupgcd, -1000);
+    EXPECT_EQ(gcdmass, mass);
+    EXPECT_EQ(polygcd_stack_depth, 0);
+    lookupgcd = 1;
+    initial_memory = gcdmass + gcdmass / 8;  // full: of several in a bucket the newest stays
+    for (const char* text : {"x^2 + x*y*z + y + 8", "x^2 + x*y*z + y + 9", "x^2 + x*y*z + y + 10"}) {
+        PolyGuard t;
+        t.p = product(text, "x^3*y^2 + x*y*z + 3*z^3 + 5");
+        polygcd(u, t, &g, 0, 1, 1, polynames, 1, 1, 1);
+        EXPECT_EQ(polygcd_stack_depth, 0);
+        EXPECT_LE(gcdmass, initial_memory);
+    }
+}
+
 TEST_F(Driver, warnings_come_in_their_order) {
     verbose = 1;
     testing::internal::CaptureStdout();

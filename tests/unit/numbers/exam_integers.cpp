@@ -371,6 +371,9 @@ TEST_F(Integers, products_at_the_crossings) {
         EXPECT_NUM(product(a, b), number_of(plain_mul(plain(&a.v), plain(&b.v))));
         Num c = power_of_2(28 * (n - 1));
         EXPECT_NUM(product(c, b), number_of(plain_mul(plain(&c.v), plain(&b.v))));
+        Num square(a);
+        fast_mult(&square.v, &square.v, &square.v);  // in place of both operands
+        EXPECT_NUM(square, number_of(plain_mul(plain(&a.v), plain(&a.v))));
     }
 }
 
