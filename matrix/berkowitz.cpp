@@ -110,4 +110,19 @@ void berkowitz_charpoly(const poly* a, int32_t n, poly* c) {
     }
     scratch_release(mark);
 }
+
+double berkowitz_work(const EntryMeasure& e, int32_t n) {
+    constexpr double k_term = 25, k_product = 250;
+    double work = 0;
+    for (int32_t k = 1; k < n; k++) {
+        double products = static_cast<double>(k) * k * e.filled, paths = e.entry_terms;
+        for (int32_t i = 1; i <= k; i++) {  // entries of M^(i-1) C
+            double terms = std::min(paths, product_monomials(e, i));
+            work += products * (k_product + k_term * e.entry_terms * terms);
+            work += k * (k_product + k_term * terms);  // their share of the products of two coefficients
+            paths *= std::max(1.0, k * e.filled * e.entry_terms);
+        }
+    }
+    return work;
+}
 }  // namespace tolvex

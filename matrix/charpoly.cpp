@@ -4,10 +4,13 @@
 #include "matrix/coefficients.h"
 #include "matrix/determinant.h"
 #include "matrix/int_entries.h"
+#include "matrix/interpolated.h"
 #include "matrix/word_charpoly.h"
 #include "numbers/num_compare.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_modes.h"
 #include "poly/poly_mult.h"
 #include "poly/poly_vars.h"
 #include "quoly/quoly_add.h"
@@ -204,7 +207,7 @@ static void sum_of_powers(poly* c, int32_t n, int32_t level, quolyptr result) {
     poly_to_quoly(&sum, result);
 }
 
-static void charpoly_of_polynomials(const DiagonalBlock& b, int32_t level, quolyptr result) {
+static void charpoly_without_divisions(const DiagonalBlock& b, int32_t level, quolyptr result) {
     ScratchMark mark = scratch_mark();
     int64_t count = int64_t{b.n} * b.n;
     auto* entries = scratch_array<poly>(count);
@@ -222,9 +225,8 @@ static void charpoly_of_polynomials(const DiagonalBlock& b, int32_t level, quoly
     scratch_release(mark);
 }
 
-/// The determinant of x I - A.
-static void charpoly_by_determinant(const DiagonalBlock& b, int32_t level, quolyptr p) {
-    ScratchMark mark = scratch_mark();
+/// The entries of x I - A in scratch memory.
+static quoly* shifted_matrix(const DiagonalBlock& b, int32_t level) {
     int64_t count = int64_t{b.n} * b.n;
     auto* shifted = scratch_array<quoly>(count);
     poly x = nullptr;
@@ -241,8 +243,50 @@ static void charpoly_by_determinant(const DiagonalBlock& b, int32_t level, quoly
         poll_every<64>(k);
     }
     free_quoly(&variable);
+    return shifted;
+}
+
+static void free_matrix(quoly* a, int32_t n) {
+    for (int64_t k = 0; k < int64_t{n} * n; k++) free_quoly(&a[k]);
+}
+
+static bool has_field_element(const DiagonalBlock& b) {
+    for (int64_t k = 0; k < int64_t{b.n} * b.n; k++) {
+        const quolynode* q = b.entry[k];
+        if (q != nullptr && !q->numb && exists_field_element(q->numer, 1)) return true;
+    }
+    return false;
+}
+
+/// The determinant of x I - A through its values. False, and nothing has been done: another way is less work, or
+/// what is modded out must be reduced between the steps.
+static bool charpoly_by_images(const DiagonalBlock& b, int32_t level, quolyptr result) {
+    static const InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
+    constexpr int32_t k_least_rows = 5;  // below it the estimates cost more than they save
+    if (b.n < k_least_rows || modout_above_field || has_field_element(b)) return false;
+    EntryMeasure e;
+    measure_entries(b.entry, int64_t{b.n} * b.n, &e);
+    double least = berkowitz_work(e, b.n);
+    ScratchMark mark = scratch_mark();
+    quoly* shifted = shifted_matrix(b, level);
+    double work = interpolation_work(shifted, b.n, false);
+    bool done = work >= 0 && work < least &&
+                interpolate_determinant(shifted, b.n, k_plain, result) == Interpolated::done;
+    free_matrix(shifted, b.n);
+    scratch_release(mark);
+    return done;
+}
+
+static void charpoly_of_polynomials(const DiagonalBlock& b, int32_t level, quolyptr result) {
+    if (!charpoly_by_images(b, level, result)) charpoly_without_divisions(b, level, result);
+}
+
+/// The determinant of x I - A.
+static void charpoly_by_determinant(const DiagonalBlock& b, int32_t level, quolyptr p) {
+    ScratchMark mark = scratch_mark();
+    quoly* shifted = shifted_matrix(b, level);
     dense_determinant(shifted, b.n, p);
-    for (int64_t k = 0; k < count; k++) free_quoly(&shifted[k]);
+    free_matrix(shifted, b.n);
     scratch_release(mark);
 }
 

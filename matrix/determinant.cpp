@@ -2,6 +2,7 @@
 
 #include "matrix/bareiss.h"
 #include "matrix/denominators.h"
+#include "matrix/growth.h"
 #include "matrix/int_determinant.h"
 #include "matrix/interpolated.h"
 #include "matrix/matrix_modes.h"
@@ -118,46 +119,16 @@ static void survey(Functions& f) {
 
 // ---- the work of an expansion --------------------------------------------------------------------------
 
-/// The terms of a k-rowed minor are at most the products of so many entries' terms, and at most the monomials of
-/// their degrees.
-static double minor_terms(const PackMeasure& box, int32_t k, double row_terms) {
-    double products = 1, monomials = 1;
-    for (int32_t i = 1; i <= k; i++) products *= std::max(1.0, i * row_terms);
-    for (int32_t i = 0; i < box.levels; i++) {
-        double degree = static_cast<double>(k) * (box.most[i] - box.least[i]);
-        monomials *= degree + 1;
-    }
-    return std::min(products, monomials);
-}
-
 double determinant_work(const quoly* a, int32_t m, int32_t n) {
     constexpr double k_term = 30, k_product = 300;
     constexpr int32_t k_most_rows = 24;
     if (m > k_most_rows) return 1e30;
-    int64_t count = int64_t{n} * n, terms = 0, entries = 0;
-    PackMeasure box = {};
-    for (int64_t k = 0; k < count; k++) {
-        if (quoly_iszero(a[k])) continue;
-        PackMeasure here = {};
-        here.terms = 1;
-        if (!a[k]->numb) pack_measure(a[k]->numer, &here);
-        terms += here.terms;
-        entries++;
-        for (int32_t i = box.levels; i < here.levels; i++) box.most[i] = box.least[i] = 0;
-        box.levels = std::max(box.levels, here.levels);
-        for (int32_t i = 0; i < here.levels; i++) {
-            box.most[i] = std::max(box.most[i], here.most[i]);
-            box.least[i] = std::min(box.least[i], here.least[i]);
-        }
-        poll_interrupt();
-    }
-    double filled = static_cast<double>(entries) / static_cast<double>(count),
-           entry_terms = static_cast<double>(terms) / static_cast<double>(std::max<int64_t>(entries, 1));
+    EntryMeasure e;
+    measure_entries(a, int64_t{n} * n, &e);
     double work = 0, choices = 1;
     for (int32_t k = 1; k <= m; k++) {
         choices *= static_cast<double>(m - k + 1) / k;
-        work += choices * k * filled *
-                (k_product + k_term * entry_terms * minor_terms(box, k - 1, filled * entry_terms));
+        work += choices * k * e.filled * (k_product + k_term * e.entry_terms * minor_terms(e, k - 1));
     }
     return work;
 }

@@ -1,5 +1,6 @@
 // Characteristic and minimal polynomials: values at points against determinants, the polynomial at its matrix, powers of
 // sequences against their recurrences, components against reachability.
+#include "matrix/berkowitz.h"
 #include "matrix/charpoly.h"
 #include "matrix/components.h"
 #include "matrix/determinant.h"
@@ -8,6 +9,7 @@
 #include "matrix/word_determinant.h"
 #include "matrix/word_minpoly.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_test.h"
 #include "poly/poly_vars.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_mult.h"
@@ -199,5 +201,45 @@ PROPERTY(charpoly_in_every_ring, 60) {
     EXPECT_TRUE(quoly_equal(f, det));
     for (quoly& q : a) free_quoly(&q);
     for (quoly* q : {&f, &det, &x}) free_quoly(q);
+    use_integers();
+}
+
+/// From five rows on the values at points may be less work; the method without divisions must agree.
+PROPERTY(charpoly_of_polynomials_by_two_methods, 24) {
+    set_up_matrices();
+    pick_ring(round);
+    int32_t n = static_cast<int32_t>(rng() % 3) + 5, level = 1;
+    std::vector<quoly> a;
+    std::vector<poly> entry;
+    for (int32_t k = 0; k < n * n; k++) {
+        poly p = random_poly(rng, 1, 2, 2, Coefs::digit);
+        poly_insert_level(&p, level);
+        entry.push_back(nullptr);
+        if (!poly_iszero(p)) poly_assign(p, &entry.back());
+        a.push_back(value_of_poly(p));
+    }
+    quoly f = nullptr, sum = nullptr;
+    ScratchMark mark = scratch_mark();
+    characteristic_polynomial(dense_entries(a.data(), n), level, &f);
+    scratch_release(mark);
+    std::vector<poly> c(static_cast<size_t>(n) + 1);
+    // element k of a stands at row k mod n: the transpose has the same polynomial
+    berkowitz_charpoly(entry.data(), n, c.data());
+    poly x = nullptr;
+    base_poly(&x, level);
+    quoly_set(0, &sum);
+    for (int32_t k = n; k >= 0; k--) {  // Horner
+        poly copy = nullptr;
+        poly_assign(x, &copy);
+        quoly variable = value_of_poly(copy);
+        fast_quoly_mult(&sum, variable);
+        free_quoly(&variable);
+        best_quoly_add(&sum, value_of_poly(c[k]));
+    }
+    EXPECT_TRUE(quoly_equal(f, sum));
+    free_poly(&x);
+    for (poly& p : entry) free_poly(&p);
+    free_values(a);
+    for (quoly* q : {&f, &sum}) free_quoly(q);
     use_integers();
 }
