@@ -1,10 +1,10 @@
 #pragma once
 /// field/factor.h: factorisation of polynomials over finite fields.
 ///
-/// Purpose    polynomials in one variable over the field that the k deepest levels of the tower make, 0 <
-///            k, over the ground field if there is no tower; k = 0 is the whole tower. The main variable
-///            is that of the polynomial itself; should it be modded out, that does not count meanwhile.
-/// Result     a chain of nodes as in gcd/square_free.h: multiplicity in exp, factor in pcoef, at level 1.
+/// Purpose    polynomials in one variable over the field that the k deepest levels of the tower make, 0 < k,
+///            over the ground field if there is no tower; k = 0 is the whole tower. The main variable is that
+///            of the polynomial itself; should it be modded out, that does not count meanwhile.
+/// Invariant  a chain of nodes as in gcd/square_free.h: multiplicity in exp, factor in pcoef, at level 1.
 ///            Factors are monic.
 /// Ownership  operands are kept, results are fresh.
 /// Modes      modular: a prime modulus or a table field.

@@ -15,7 +15,6 @@ namespace tolvex {
 
 static void empty_lists() {
     aux_prime1_number = 0;
-    aux1_hit_0 = 0;
     free_gcd_lists();
 }
 

@@ -299,8 +299,8 @@ void open_powers(PowerTable* table, const ResidueRing* r, const uint32_t* h, int
     }
 }
 
-/// sum[j] := the sum of coef[j][i] row i, i < table.count, for 0 <= j < blocks. Sums are taken before products are
-/// reduced.
+/// sum[j] := the sum of coef[j][i] row i, i < table.count, for 0 <= j < blocks. Sums are taken before
+/// products are reduced.
 static void combine_elements(const PowerTable& table, const uint32_t* coef, int32_t blocks, uint32_t* sum) {
     const ResidueRing& r = *table.r;
     const CoefficientField& k = *r.k;

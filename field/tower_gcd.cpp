@@ -1,9 +1,10 @@
 // Greatest common divisors of polynomials in which elements of a field tower occur.
 //
-// Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else interpolation in a further
-// variable, or a primitive remainder sequence where the ground ring has too few values. Over Q: monic images modulo word primes, Chinese remainders, rational reconstruction; the
-// divisions at the end are the proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that
-// leaves the modding polynomials square-free and the leading elements units an image is never too small.
+// Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else interpolation in a
+// further variable, or a primitive remainder sequence where the ground ring has too few values. Over Q: monic
+// images modulo word primes, Chinese remainders, rational reconstruction; the divisions at the end are the
+// proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that leaves the modding polynomials
+// square-free and the leading elements units an image is never too small.
 #include "field/reconstruct.h"
 #include "field/root_images.h"
 #include "field/tower_divide.h"
@@ -364,8 +365,7 @@ static int32_t next_prime(int32_t* index, int32_t last) {
 
 /// *g := the gcd of u and v, primitive, with a positive integer as leading element. False: no field.
 static bool gcd_over_rationals(poly u, poly v, polyptrr g, polypt pt) {
-    constexpr int32_t k_most_refusals =
-        40;  // a unit is none, or a discriminant is 0, modulo so many primes: no field
+    constexpr int32_t k_most_refusals = 40;  // so many primes: a unit is none or a discriminant 0, no field
     poly acc = nullptr, image = nullptr, candidate = nullptr;
     number m = {}, denom = {};
     int32_t index = k_lrg_primes, p = 0, refusals = 0, images = 0, next_try = 1;

@@ -43,7 +43,8 @@ static polypt deepest_variable(const polynode* p, polypt pt) {
     return deepest;
 }
 
-/// The leading coefficient of p in the variables from pt on above y, a polynomial in y at its level; part of p.
+/// The leading coefficient of p in the variables from pt on above y, a polynomial in y at its level; part of
+/// p.
 static poly leading_in(poly p, polypt pt, polypt y) {
     for (; pt != y && !p->numb; p = p->pcoef) pt = pt->next;
     return p;

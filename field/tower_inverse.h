@@ -1,5 +1,9 @@
 #pragma once
 /// field/tower_inverse.h: inverses of field elements.
+///
+/// Ownership  operands are kept, results are fresh.
+/// Modes      Z, or modular with a prime modulus or a table field.
+/// Raises     poll_interrupt.
 #include "poly/poly.h"
 namespace tolvex {
 /// *numer / *denom := the inverse of the field element a, which is no number, in the variables from pt on

@@ -1,5 +1,9 @@
 #pragma once
 /// field/tower_leaves.h: what is done to the numbers of a polynomial, one after another.
+///
+/// Purpose    the one walk for all changes of ring and of representation.
+/// Invariant  the chain is in normal form again when change_leaves returns: no zero term, no dummy over a
+///            leaf.
 #include "poly/leaf_number.h"
 #include "poly/poly_basic.h"
 namespace tolvex {

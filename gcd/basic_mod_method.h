@@ -1,5 +1,8 @@
 #pragma once
 /// gcd/basic_mod_method.h: the choice of a word prime for an image of two polynomials over Z.
+///
+/// Purpose    shared by all computations that begin with one image.
+/// Ownership  operands are only read.
 #include "poly/poly.h"
 namespace tolvex {
 /// Position, counted from 1, of an entry of prme[0..prmesize) that divides neither leading number; above

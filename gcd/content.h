@@ -3,13 +3,12 @@
 ///
 /// Purpose    the gcd of the coefficients in a variable. The two smallest coefficients meet first: the
 ///            running gcd starts small, and most chains end early at 1.
-/// Invariant  a content is positive over Z and monic in modular mode.
-/// Ownership  results are fresh; *r is replaced. A save flag that is false lets the routine use its
-///            operand up: what is left is given back by its owner.
-/// Cost       one gcd a coefficient; the search for small ones is bounded by the work counters of
+///            Cost: one gcd a coefficient; the search for small ones is bounded by the work counters of
 ///            gcd_modes.h.
-/// Raises     fatal: " *** pp numb in content", " 0 exp head node in general_content", on malformed
-///            operands.
+/// Invariant  a content is positive over Z and monic in modular mode.
+/// Ownership  results are fresh; *r is replaced. A save flag that is false lets the routine use its operand
+///            up: what is left is given back by its owner.
+/// Raises     fatal: " *** pp numb in content", " 0 exp head node in general_content", on malformed operands.
 #include "poly/poly.h"
 namespace tolvex {
 /// *r := gcd of the coefficients of q in the variable pt, standing one level below pt.

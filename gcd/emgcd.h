@@ -3,9 +3,10 @@
 ///
 /// Purpose    basic_poly_gcd (gcd/engines.h) chooses; the list form serves degrees beyond fast_gcd_size,
 ///            where an array indexed by exponents would be mostly holes.
-/// Modes      a prime modulus or a table field, one variable, no negative exponents. A composite modulus:
-///            a leading number that is no unit ends the arrays with gcd 1; the list form raises error 85.
-/// Source     K. Thull, C. Yap: A unified approach to HGCD algorithms for polynomials and integers (1990).
+///            Source: K. Thull, C. Yap: A unified approach to HGCD algorithms for polynomials and integers
+///            (1990).
+/// Modes      a prime modulus or a table field, one variable, no negative exponents. A composite modulus: a
+///            leading number that is no unit ends the arrays with gcd 1; the list form raises error 85.
 #include "poly/poly.h"
 namespace tolvex {
 /// Two linear forms in the operands: row i stands for w[i] u0 + v[i] u1.

@@ -1,9 +1,10 @@
 #pragma once
 /// gcd/engines.h: the engines that polygcd commits to. Private to gcd/ and to tests.
 ///
+/// Purpose    the methods that need a choice: the driver measures the operands and calls one of them.
+/// Ownership  operands are only read and come back unchanged; *r is replaced.
 /// Modes      basic_poly_gcd and below: a prime modulus or a table field, one variable. basic_mod_method,
 ///            basic_hensel: over Z. mod_multivar_Chinese, mod_hensel_2: modular mode, prime modulus.
-/// Ownership  operands are only read and come back unchanged; *r is replaced.
 #include "gcd/polygcd_env.h"
 #include "numbers/number.h"
 #include "poly/poly.h"

@@ -1,5 +1,9 @@
 #pragma once
 /// gcd/field_hooks.h: what the gcd asks of the layer of field towers. Declared here, defined in field/.
+///
+/// Purpose    plain gcds meet field elements in one step of the driver and hand the operands over here.
+/// Ownership  operands are kept and results fresh; what stands behind a pointer to a polynomial is replaced.
+/// Modes      a tower is in force: field_depth is positive.
 #include "poly/poly.h"
 namespace tolvex {
 /// *r := the gcd in normal form of u and v, in the variables from pt on; a field element occurs in one of

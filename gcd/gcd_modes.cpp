@@ -8,9 +8,10 @@ static constexpr int16_t k_tripval = 20;
 static constexpr int32_t k_g_cutoff = 10;
 
 GcdCounters gcd_counters_save() {
-    return {alg_c_count, original_depth, c_cntcount, c_cntdepth, a_cntcount,   a_cntdepth,
-            d_cntcount,  d_cntdepth,     g_cntcount, g_cutoff,   gcd_nesting,  gcd_outer,
-            gcd_attempt, gcd_retry_ring, tripval,    lookupgcd,  gcd_unproved, gcd_sure, plain_above_field};
+    return {alg_c_count, original_depth, c_cntcount,  c_cntdepth,       a_cntcount,
+            a_cntdepth,  d_cntcount,     d_cntdepth,  g_cntcount,       g_cutoff,
+            gcd_nesting, gcd_outer,      gcd_attempt, gcd_retry_ring,   tripval,
+            lookupgcd,   gcd_unproved,   gcd_sure,    plain_above_field};
 }
 
 void gcd_counters_restore(const GcdCounters& saved) {

@@ -1,9 +1,9 @@
 #pragma once
 /// gcd/gcd_modes.h: counters, budgets and switches of the gcd driver.
 ///
-/// The counters below are shared by all recursion of one computation: they keep contents of contents from
-/// costing more than the answer is worth. A nested computation on images saves and restores them
-/// (GcdCounters).
+/// Purpose    the counters are shared by all recursion of one computation: they keep contents of contents
+///            from costing more than the answer is worth.
+/// Invariant  a nested computation on images saves and restores them (GcdCounters).
 #include "storage/types.h"
 
 #include <cstdint>
@@ -12,11 +12,12 @@ namespace tolvex {
 inline int16_t lookupgcd = 0;   // gcd stash: positive on, -1000 around images     writers: &C, init_gcd_stash
 inline boolean chinhensel = 1;  // interpolation for several variables             writers: &O
 inline boolean hen_check = 1;   // lifted answers are checked twice                writers: &c
-inline boolean word_engines = 1;        // the engines on word arrays; cleared by tests that want the others
-inline boolean no_aux_primes2 = 1;      // no second auxiliary primes exist                writers: &P
-inline int32_t trial_cutoff = 25;       // above this size trial division is attempted
-inline int32_t mod_method_diff = 6;     // degrees that v may lose before the modular method is taken
-inline int32_t gcd_stash_cutoff = 200;  // smallest size that polygcd keeps in the stash
+inline boolean no_aux_primes2 = 1;  // no second auxiliary primes exist                writers: &P
+// Choices that tests alone change.
+inline boolean word_engines = 1;           // the engines on word arrays
+inline int32_t trial_cutoff = 25;          // above this size trial division is attempted
+inline int32_t mod_method_diff = 6;        // degrees that v may lose before the modular method is taken
+inline int32_t gcd_stash_cutoff = 200;     // smallest size that polygcd keeps in the stash
 inline int32_t small_gcd_stash_cut = 100;  // smallest degree sum that basic_poly_gcd keeps there
 
 // State of one computation, from an entry on.
@@ -28,10 +29,9 @@ inline int32_t a_cntcount = 0, a_cntdepth = 0;  // work of aux_content
 inline int32_t d_cntcount = 0, d_cntdepth = 0;  // work of dual_content
 inline int32_t g_cntcount = 0, g_cutoff = 10;   // budget of the contents in several levels
 inline int32_t gcd_nesting = 0;                 // polygcd frames in force
-inline int32_t gcd_outer =
-    0;  // frames that belong to statements below the command level; the outermost is next
-inline int32_t gcd_attempt = 0;     // how often the gcd under way has proved wrong
-inline int32_t gcd_retry_ring = 0;  // modulus of the ring in which it did
+inline int32_t gcd_outer = 0;                   // frames of statements below the command level
+inline int32_t gcd_attempt = 0;                 // how often the gcd under way has proved wrong
+inline int32_t gcd_retry_ring = 0;              // modulus of the ring in which it did
 
 /// What a computation on images, a retry and a pushed command level must find again afterwards.
 struct GcdCounters {

@@ -3,13 +3,13 @@
 ///
 /// Purpose    the gcd in normal form: over Z positive leading number, integer content included; modular:
 ///            monic.
-/// Promise    what Lpolygcd2, Lpolygcd3 and the outermost polygcd give is proved or has been divided out.
-///            Lpolygcd alone may leave gcd_unproved set: its caller divides both operands anyway, and
-///            failure there is the check.
+/// Invariant  what Lpolygcd2, Lpolygcd3 and the outermost polygcd give is proved or has been divided out.
+///            Lpolygcd alone may leave gcd_unproved set: its caller divides both operands anyway, and failure
+///            there is the check.
 /// Ownership  an operand whose save flag is true comes back exactly as it was, errors included; one whose
 ///            flag is false may be left as an empty shell (the number 0), which its owner gives back.
-/// Raises     nothing on legal operands. Composite modulus: Euclid with unit leading numbers, a non-unit
-///            ends it with gcd 1.
+/// Raises     nothing on legal operands. Composite modulus: Euclid with unit leading numbers, a non-unit ends
+///            it with gcd 1.
 #include "poly/poly.h"
 namespace tolvex {
 /// *r := gcd(u, v) in the variables from pt on.

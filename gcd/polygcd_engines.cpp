@@ -20,9 +20,7 @@ static bool finish_with_v(polygcd_EnvRec& env) {
 }
 
 // Does v divide u, by a real division?
-static bool v_divides(polygcd_EnvRec& env) {
-    return trial_poly_divide_noq(env.u, env.v, env.pt, 0, 0);
-}
+static bool v_divides(polygcd_EnvRec& env) { return trial_poly_divide_noq(env.u, env.v, env.pt, 0, 0); }
 
 // In sure mode what an engine has found must divide both operands.
 static bool accept(polygcd_EnvRec& env, poly g) {

@@ -36,8 +36,8 @@ struct polygcd_EnvRec {
     poly gcdp;  // slot found by gcdhash
     boolean store_new_gcd;
     // levels
-    int16_t field_level;   // levels in play, the main variable counted, clipped above the field
-    int16_t level;         // number of levels in play
+    int16_t field_level;  // levels in play, the main variable counted, clipped above the field
+    int16_t level;        // number of levels in play
     // strategy
     int16_t height;  // number of evaluation tests; later the step count of Algorithm C
     int32_t delta;   // expected degree of the gcd in the main variable
@@ -50,11 +50,11 @@ struct polygcd_EnvRec {
 // ---- the steps, in the order in which polygcd takes them; true: the call has ended ----
 using GcdStep = bool(polygcd_EnvRec& env);
 // polygcd.cpp
-GcdStep one_is_number, field_units, tower_operands, same_operands, not_a_domain, both_free_of_main, word_lane, one_variable,
-    one_free_of_main, reset_counters, strip_powers, divide_exponents, larger_degree_first;
+GcdStep one_is_number, field_units, tower_operands, same_operands, not_a_domain, both_free_of_main, word_lane,
+    one_variable, one_free_of_main, reset_counters, strip_powers, divide_exponents, larger_degree_first;
 // polygcd_images.cpp
-GcdStep allow_images, try_small_divisor, adjust_allcons, one_image, assign_levels,
-    first_evaluation_tests, missing_variables;
+GcdStep allow_images, try_small_divisor, adjust_allcons, one_image, assign_levels, first_evaluation_tests,
+    missing_variables;
 // polygcd_contents.cpp
 GcdStep main_contents, one_term_or_equal, contents_in_levels;
 // polygcd_strategy.cpp

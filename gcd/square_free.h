@@ -1,14 +1,14 @@
 #pragma once
 /// gcd/square_free.h: square-free decomposition.
 ///
-/// Result     a chain of nodes, each with the multiplicity in exp and the factor in pcoef, numb false;
-///            *count grows by one a factor. The product of the powers is x up to a unit, or up to a
-///            number over Z. Factors are square-free and coprime, monic in modular mode, primitive with
-///            positive leading number over Z.
+/// Purpose    the square-free factors of a polynomial with their multiplicities. In characteristic 0 by Yun,
+///            "On square-free decomposition algorithms", 1976; in characteristic p by Musser's method with
+///            p-th roots (Geddes, Czapor and Labahn, Algorithms for Computer Algebra, 8.3).
+/// Invariant  a chain of nodes, each with the multiplicity in exp and the factor in pcoef, numb false; *count
+///            grows by one a factor. The product of the powers is x up to a unit, or up to a number over Z.
+///            Factors are square-free and coprime, monic in modular mode, primitive with positive leading
+///            number over Z.
 /// Modes      Z, a prime modulus, table fields; no negative exponents.
-/// Source     characteristic 0: Yun, "On square-free decomposition algorithms", 1976. Characteristic p:
-///            Musser's method with p-th roots (Geddes, Czapor and Labahn, Algorithms for Computer
-///            Algebra, 8.3).
 #include "poly/poly.h"
 #include "storage/failure.h"
 namespace tolvex {

@@ -1,5 +1,9 @@
 #pragma once
 /// gcd/word_sparse_env.h: what the steps of gcd_of_few_terms share. Private to gcd/.
+///
+/// Purpose    one record for the steps: reading the operands, choosing weights, images at points, recovering
+///            the terms.
+/// Ownership  arrays stand in scratch memory of gcd_of_few_terms.
 #include "gcd/word_gcd.h"
 #include "gcd/word_recurrence.h"
 namespace tolvex {

@@ -62,8 +62,8 @@ quolyptr location_of(const ElementTarget& target);
 quolyptr location_to_change(const ElementTarget& target);
 /// A 0 in a sparse array goes.
 void purge_element(const ElementTarget& target);
-/// Where the number is that a new number may overwrite in place: nil if the element is another value, or stands in a
-/// sparse array, in another ring, or in an operand.
+/// Where the number is that a new number may overwrite in place: nil if the element is another value, or
+/// stands in a sparse array, in another ring, or in an operand.
 quolyptr number_to_change(const ElementTarget& target);
 /// The element takes the value, which is used up. False, and error 28 or 121, if the array has gone or
 /// belongs to another ring.

@@ -23,7 +23,8 @@ void read_list_value(ArrReader& r, quolyptr value, bool in_rows) {
     eval_state.bar_closes = saved;
 }
 
-/// v, a private dense column, takes one more value, which is used up. False after error 71. A safe point now and then.
+/// v, a private dense column, takes one more value, which is used up. False after error 71. A safe point now
+/// and then.
 static bool append_value(ArrOperand& v, quolyptr value) {
     constexpr int64_t k_unpolled = 256;
     if (v.facts.arrsize == k_greatest_array) {

@@ -196,8 +196,8 @@ static bool counts_are_units(int32_t n) {
 
 using MatrixMap = bool (*)(workptr a, workptr result, int32_t n);
 
-/// result := what the map makes of v, 44 if that fails. Where modular arithmetic is suspended the map works in the ring
-/// all the same.
+/// result := what the map makes of v, 44 if that fails. Where modular arithmetic is suspended the map works
+/// in the ring all the same.
 static Err map_in_ring(ArrOperand& v, ArrOperand& result, MatrixMap map) {
     bool resumed = ring_resume();
     Err fault = Err{};

@@ -198,8 +198,8 @@ struct ArrTarget {
 };
 }  // namespace
 
-/// The record of the target, nil if it has gone (error 28) or is new. One that was new, and that the right side has made
-/// meanwhile, is there.
+/// The record of the target, nil if it has gone (error 28) or is new. One that was new, and that the right
+/// side has made meanwhile, is there.
 static bool record_of(ArrTarget& t, arrptr* named) {
     fastestlookup(t.name, named);
     if (t.stamp == 0) return true;
@@ -412,8 +412,8 @@ static void diagonal_statement(ArrReader& r, ArrOperand& v, quolyptr n) {
 }
 
 bool begins_array_statement() {
-    return tok_is(token, "Trans") || tok_is(token, "Diag") || tok_is(token, "Adjoint") || tok_is(token, "Altmult") ||
-           tok_is(token, "Altpower") || tok_is(token, "MPowermod");
+    return tok_is(token, "Trans") || tok_is(token, "Diag") || tok_is(token, "Adjoint") ||
+           tok_is(token, "Altmult") || tok_is(token, "Altpower") || tok_is(token, "MPowermod");
 }
 
 void arr_parse(FILE* inf, quolyptr n, nameptr* flag) {

@@ -39,8 +39,8 @@ void release_elements(arrptr a);
 void settle_holders(const arrnode* a);
 /// Cancels the array itself, whose elements have holders perhaps. It has no alias and lends nothing.
 void cancel_array(arrptr a);
-/// Cancels every array `listed` tells of, as far as they may be cancelled: the store moves together once. The answer
-/// is the first that may not be cancelled, nil if all have gone; may_cancel() then raises its error.
+/// Cancels every array `listed` tells of, as far as they may be cancelled: the store moves together once. The
+/// answer is the first that may not be cancelled, nil if all have gone; may_cancel() then raises its error.
 arrptr cancel_arrays(bool (*listed)(const arrnode* a, const void* context), const void* context);
 /// Makes the dense array itself sparse.
 void convert_to_sparse(arrptr a);

@@ -38,8 +38,8 @@ void standard_read(BuiltinCall& call, Value* v);
 /// An integer argument, read with modular arithmetic suspended.
 int32_t read_integer(BuiltinCall& call, Err not_a_number = Err::number_expected);
 
-/// An argument that names a level: a variable, or its number, read with modular arithmetic suspended. 0 after the
-/// error.
+/// An argument that names a level: a variable, or its number, read with modular arithmetic suspended. 0 after
+/// the error.
 int32_t read_level(BuiltinCall& call, Err not_declared);
 
 /// The place of an optional result: `x`, or `^x`. The name is kept, since the location may not last.

@@ -84,8 +84,8 @@ static bool read_minors_call(BuiltinCall& call, MinorsCall* m) {
 
 // ---- the sub-matrix ------------------------------------------------------------------------------------
 
-/// Calls f for the links of the entries of the row that stand in the columns, with their places in the list. f
-/// returns the link to go on from.
+/// Calls f for the links of the entries of the row that stand in the columns, with their places in the list.
+/// f returns the link to go on from.
 template <class Visit> static void entries_of_row(colm_ptrptr t, const LineList& columns, Visit f) {
     for (int32_t c = 0; c < columns.count && *t != nullptr; c++) {
         t = get_sparse_colm(t, columns.at[c] + 1);
@@ -150,8 +150,8 @@ static int64_t store_minor(MinorsCall& m) {
     return stored ? count : 0;
 }
 
-/// Minors([s], [r], [c], [new]), Minors(*[s], [r], [c], [new]): [new] := the sub-matrix of [s] in the rows [r] and
-/// the columns [c]; the value is the number of its entries.
+/// Minors([s], [r], [c], [new]), Minors(*[s], [r], [c], [new]): [new] := the sub-matrix of [s] in the rows
+/// [r] and the columns [c]; the value is the number of its entries.
 void builtin_Minors(BuiltinCall& call) {
     ScratchMark mark = scratch_mark();
     MinorsCall m = {};

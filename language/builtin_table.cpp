@@ -17,7 +17,9 @@ void init_builtins() {
 }
 
 /// "_" belongs to names, so that Det_[m] reads as a name of its own: it is Detmin.
-static const char* name_in_table(const tokentipe& name) { return tok_is(name, "Det_") ? "Detmin" : tok_text(name); }
+static const char* name_in_table(const tokentipe& name) {
+    return tok_is(name, "Det_") ? "Detmin" : tok_text(name);
+}
 
 int32_t builtin_id(const tokentipe& name) {
     const char* text = name_in_table(name);

@@ -328,14 +328,6 @@ void old_fact(FILE* inf, quolyptr n, nameptr* flag) {
     own_result(qp, n);
 }
 
-void old_term(FILE* inf, quolyptr n, nameptr* flag) {
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
-    quolyptr qp = n;
-    term(inf, &qp, n, &aux, &colpos, flag);
-    own_result(qp, n);
-}
-
 /// The value of an expression where it lives: no assignment is read.
 static void plain_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     colm_ptrptr aux = nullptr;

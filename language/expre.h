@@ -17,15 +17,18 @@ struct colnode;
 using colm_ptr = colnode*;
 using colm_ptrptr = colm_ptr*;
 
+/// An expression, a factor: *n is always the value.
 void old_expre(FILE* inf, quolyptr n, nameptr* flag);
-void old_term(FILE* inf, quolyptr n, nameptr* flag);
 void old_fact(FILE* inf, quolyptr n, nameptr* flag);
+/// An expression or assignment, a term, a factor: the value is *n or stays where it lives, at *qp.
 void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag);
 void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag);
 void fact(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag,
           boolean leave_it);
-/// What follows the first factor of a statement, which is at *qp: an assignment, or the rest of the expression.
+/// What follows the first factor of a statement, which is at *qp: an assignment, or the rest of the
+/// expression.
 void rest_of_statement(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag);
+/// *n is a value that has been read; what follows it in an expression, a term, a factor is read and applied.
 void half_expre(FILE* inf, quolyptr n, nameptr* flag);
 void half_term(FILE* inf, quolyptr n, nameptr* flag);
 void half_fact(FILE* inf, quolyptr n, nameptr* flag);

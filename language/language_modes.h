@@ -1,18 +1,20 @@
 #pragma once
 /// language/language_modes.h: what the evaluators and the session share of a statement under way.
+///
+/// Purpose    the words that a statement leaves behind or asks for; the session clears them before the next
+///            one and after an error.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"
 namespace tolvex {
-inline quoly sysnum = nullptr;   // value of the statement being executed      writers: main loop
-inline quoly prevnum = nullptr;  // value of the previous statement: bare `<`  writers: main loop, change_prec
+inline quoly sysnum = nullptr;   // value of the statement being executed             writers: session/loop
+inline quoly prevnum = nullptr;  // value of the previous statement: bare `<`         writers: session/loop
 inline nameptr zilch = nullptr;  // a cursor that is always empty: read from the stream
-inline int32_t statcount = 0;    // depth of user-function calls
-inline int32_t uninit = 0;       // uninitialised elements seen in this statement
-inline boolean matrix_eval = 0;
-inline int32_t interrupt_levels = 0;  // open command levels that an interrupt has opened  writers: the levels
-inline boolean output_open = 0;  // the output statements of this statement have left a line open
-inline boolean syst_dump = 0;  // the system array is to be displayed
-inline FILE* outpuf = nullptr;  // the output file, nil: none                 writers: session/save_file
+inline int32_t statcount = 0;    // depth of user-function calls                      writers: functions
+inline int32_t uninit = 0;       // uninitialised elements seen in this statement     writers: array_elements
+inline int32_t interrupt_levels = 0;  // levels that an interrupt has opened      writers: session/levels
+inline boolean output_open = 0;       // output statements have left a line open           writers: write_out
+inline boolean syst_dump = 0;   // the system array is to be displayed               writers: array_statement
+inline FILE* outpuf = nullptr;  // the output file, nil: none  writers: session/save_file
 // Requests of the statement that has just run: leave the function, leave the loop, go on with its next turn.
 inline boolean exit_flag = 0, leave_flag = 0, cycle_flag = 0;
 
@@ -27,11 +29,11 @@ struct held_operand {
 /// What the evaluators keep about the statement under way. The session copies it into the record of a level
 /// and puts it back after a jump: all zero at level 1.
 struct EvalState {
-    held_operand* held;  // innermost first; not nil: a value is half computed, the ring must not change
-    boolean value_dropped;  // the statement that begins here is asked for no value: an assignment makes no copy of it
+    held_operand* held;     // innermost first; not nil: a value is half computed, the ring must not change
+    boolean value_dropped;  // the statement that begins here is asked for no value: an assignment copies none
     boolean bar_closes;  // k_bar_closes, k_line_closes: what ends an expression here (language/evaluator.h)
     polypt user_names;   // the list of variables while a display uses another one; nil: polynames is in force
-    boolean user_line_sup;  // and do_line_sup that goes with it
+    boolean user_line_sup;   // and do_line_sup that goes with it
     boolean plain_residues;  // a save has put alt_form_display aside, which was set
 };
 inline EvalState eval_state = {};

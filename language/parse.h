@@ -1,5 +1,8 @@
 #pragma once
 /// language/parse.h: one statement, by its first token.
+///
+/// Purpose    one reader for the terminal, files and stored bodies: each of them ends in run_statement.
+/// Raises     every error of the language.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"
 

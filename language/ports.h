@@ -1,5 +1,7 @@
 #pragma once
 /// language/ports.h: what the evaluators need from the session above them.
+///
+/// Purpose    commands, questions and warnings. Declared here, defined in session/.
 #include "language/tokens/token.h"
 #include "quoly/quoly.h"
 #include "storage/failure.h"
@@ -14,6 +16,6 @@ FILE* open_answer(const char* text);
 /// Writes a warning on a number of the message table; `text`: what it is about, nil the current token.
 void warning(Err code, const char* text);
 /// Numbers that are warnings alone, with texts of their own.
-inline constexpr Err k_warn_det_factor{1}, k_warn_det_degree{2}, k_warn_det_power_ring{3}, k_warn_det_even_power{4},
-    k_warn_det_odd_power{5};
+inline constexpr Err k_warn_det_factor{1}, k_warn_det_degree{2}, k_warn_det_power_ring{3},
+    k_warn_det_even_power{4}, k_warn_det_odd_power{5};
 }  // namespace tolvex

@@ -23,8 +23,8 @@ static int64_t reduced_cost(const Assignment& s, int32_t row, int32_t column) {
     return degree == k_no_degree ? k_far : -degree - s.row_price[row] - s.column_price[column];
 }
 
-/// The columns that `row` reaches may have become nearer; returns the nearest one that is not done, 0: none is
-/// reached.
+/// The columns that `row` reaches may have become nearer; returns the nearest one that is not done, 0: none
+/// is reached.
 static int32_t look_from(Assignment& s, int32_t row, int32_t column) {
     int32_t nearest = 0;
     for (int32_t c = 1; c <= s.n; c++) {

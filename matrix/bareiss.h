@@ -1,9 +1,10 @@
 #pragma once
 /// matrix/bareiss.h: determinants of matrices over an integral domain.
 ///
-/// Source     E. H. Bareiss, "Sylvester's identity and multistep integer-preserving Gaussian
-///            elimination", Math. Comp. 22 (1968): each step divides exactly by the pivot before, so that
-///            entries are minors.
+/// Purpose    elimination without fractions: each step divides exactly by the pivot before, so that entries
+///            are minors.
+///            Source: E. H. Bareiss, "Sylvester's identity and multistep integer-preserving Gaussian
+///            elimination", Math. Comp. 22 (1968).
 #include "quoly/quoly.h"
 
 #include <cstdint>

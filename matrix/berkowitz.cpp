@@ -1,5 +1,6 @@
-// The leading block of side k + 1 is [M C; R a], M that of side k. The coefficients of its characteristic polynomial
-// are those of M times the lower triangular Toeplitz matrix with the column 1, -a, -R C, -R M C, -R M^2 C, ...
+// The leading block of side k + 1 is [M C; R a], M that of side k. The coefficients of its characteristic
+// polynomial are those of M times the lower triangular Toeplitz matrix with the column 1, -a, -R C, -R M C,
+// -R M^2 C, ...
 #include "matrix/berkowitz.h"
 
 #include "poly/poly_add.h"

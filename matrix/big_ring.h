@@ -1,8 +1,10 @@
 #pragma once
 /// matrix/big_ring.h: residues modulo a large number, all of one length.
 ///
-/// Source     P. Barrett, "Implementing the Rivest Shamir and Adleman public key encryption algorithm on a standard
-///            digital signal processor", CRYPTO '86: two products replace the division.
+/// Purpose    arithmetic modulo a determinant or a minor, where many products share one modulus: two products
+///            replace the division.
+///            Source: P. Barrett, "Implementing the Rivest Shamir and Adleman public key encryption algorithm
+///            on a standard digital signal processor", CRYPTO '86.
 /// Ownership  residues are arrays of `n` limbs of the caller.
 #include "numbers/limbs.h"
 

@@ -51,8 +51,7 @@ static poly charpoly_of_words(const DiagonalBlock& b, int32_t level) {
 
 /// log2 of 1 + the length of a line of entries `step` apart, rounded up a little.
 static double line_bits(const IntEntry* line, int64_t step, int32_t n) {
-    constexpr int64_t k_too_small =
-        400;  // bits below the longest entry that no longer count in floating point
+    constexpr int64_t k_too_small = 400;  // bits below the longest entry: nothing in floating point
     int64_t longest = 0;
     for (int32_t k = 0; k < n; k++) longest = std::max(longest, entry_bits(line[k * step]));
     if (longest == 0) return 0;
@@ -67,8 +66,9 @@ static double line_bits(const IntEntry* line, int64_t step, int32_t n) {
     return static_cast<double>(longest) + std::log2(std::sqrt(squares) + one) + 1e-9;
 }
 
-/// All coefficients stay below 2 to this power in absolute value: they are sums of principal minors, each bounded by the
-/// product of the lengths of its lines (Hadamard), and those sums are terms of the product of all 1 + length.
+/// All coefficients stay below 2 to this power in absolute value: they are sums of principal minors, each
+/// bounded by the product of the lengths of its lines (Hadamard), and those sums are terms of the product of
+/// all 1 + length.
 static int64_t coefficient_bits(const IntEntry* entries, int32_t n) {
     double rows = 0, columns = 0;
     for (int64_t k = 0; k < n; k++) {
@@ -321,7 +321,8 @@ static void charpoly_of_block(const DiagonalBlock& b, int32_t level, quolyptr re
     poly_to_quoly(&p, result);
 }
 
-/// The rows and columns of one component as a full matrix; place[r]: the place of row r among them, -1: not there.
+/// The rows and columns of one component as a full matrix; place[r]: the place of row r among them, -1: not
+/// there.
 static DiagonalBlock cut_out(const MatrixEntries& m, const int32_t* rows, int32_t count,
                              const int32_t* place) {
     DiagonalBlock b = {scratch_array<const quolynode*>(int64_t{count} * count), count};
@@ -336,8 +337,8 @@ static DiagonalBlock cut_out(const MatrixEntries& m, const int32_t* rows, int32_
     return b;
 }
 
-/// The product of the characteristic polynomials of the diagonal blocks: of neighbours first, so that factors stay of
-/// like degrees.
+/// The product of the characteristic polynomials of the diagonal blocks: of neighbours first, so that factors
+/// stay of like degrees.
 void characteristic_polynomial(const MatrixEntries& m, int32_t level, quolyptr result) {
     ScratchMark mark_all = scratch_mark();
     Components c = strong_components(m.places);

@@ -1,5 +1,5 @@
 #pragma once
-/// matrix/coefficients.h: polynomials in one variable from computed coefficients. For charpoly.cpp and minpoly.cpp.
+/// matrix/coefficients.h: polynomials in one variable from computed coefficients. Private to matrix/.
 ///
 /// Ownership  polynomials and numbers are new; terms of images stand in scratch memory of the caller.
 #include "poly/leaf_number.h"
@@ -9,7 +9,8 @@
 
 #include <cstdint>
 namespace tolvex {
-/// The polynomial in the variable of `level` with the coefficients number_of(k) of x^k, nil for 0, asked for k = n..0.
+/// The polynomial in the variable of `level` with the coefficients number_of(k) of x^k, nil for 0, asked for
+/// k = n..0.
 template <class Maker> inline poly poly_of_coefficients(int32_t n, int32_t level, Maker number_of) {
     poly top = nullptr;
     polyptrr link = &top;

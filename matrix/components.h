@@ -1,9 +1,9 @@
 #pragma once
 /// matrix/components.h: the strong components of the graph of a square matrix.
 ///
-/// Purpose    rows and columns ordered by components make the matrix block triangular: determinants and characteristic
-///            polynomials are products over the diagonal blocks.
-/// Source     R. Tarjan, "Depth-first search and linear graph algorithms", SIAM J. Comput. 1 (1972).
+/// Purpose    rows and columns ordered by components make the matrix block triangular: determinants and
+///            characteristic polynomials are products over the diagonal blocks.
+///            Source: R. Tarjan, "Depth-first search and linear graph algorithms", SIAM J. Comput. 1 (1972).
 /// Raises     poll_interrupt: only scratch memory is under way then.
 #include <cstdint>
 namespace tolvex {
@@ -13,8 +13,8 @@ struct MatrixPattern {
     const int64_t* start;   // n + 1 of them
     const int32_t* column;  // from 0
 };
-/// The rows of component k are row[first[k]]..row[first[k + 1] - 1], rising; no place leads from a component to a later
-/// one.
+/// The rows of component k are row[first[k]]..row[first[k + 1] - 1], rising; no place leads from a component
+/// to a later one.
 struct Components {
     int32_t count;
     int32_t* first;  // count + 1 of them

@@ -25,7 +25,8 @@ struct Augmented {
 
 // ---- modulo one prime ----------------------------------------------------------------------------------
 
-/// The rows become upper triangular with pivots 1; the determinant of what they were. 0: no form has been found.
+/// The rows become upper triangular with pivots 1; the determinant of what they were. 0: no form has been
+/// found.
 static uint32_t eliminate(const Augmented& m) {
     uint32_t det = 1;
     for (int32_t k = 0; k < m.n; k++) {
@@ -58,8 +59,8 @@ static void substitute_back(const Augmented& m) {
         }
 }
 
-/// Entry k of row j of u adj(A) as index k_sides n - (j n + k), the determinant as index 0. False: the prime divides the
-/// determinant.
+/// Entry k of row j of u adj(A) as index k_sides n - (j n + k), the determinant as index 0. False: the prime
+/// divides the determinant.
 static bool image(const Augmented& m, PackTerms* t) {
     uint32_t det = eliminate(m);
     if (det == 0) return false;
@@ -79,7 +80,8 @@ static bool image(const Augmented& m, PackTerms* t) {
 
 // ---- the description -----------------------------------------------------------------------------------
 
-/// The product of the lengths of the columns, each with one entry of u among its own, is below 2 to this power.
+/// The product of the lengths of the columns, each with one entry of u among its own, is below 2 to this
+/// power.
 static int64_t column_bits(const IntGrid& a) {
     int64_t twice = 0;
     for (int32_t c = 0; c < a.cols; c++) {
@@ -125,7 +127,8 @@ static IntEntry entry_of_crt(CrtTerms& t, int64_t i) {
     return e;
 }
 
-/// The sums of the rows, the j-th taken times[j] times, go to z; true if they have no factor in common with the index.
+/// The sums of the rows, the j-th taken times[j] times, go to z; true if they have no factor in common with
+/// the index.
 static bool combine(const BigRing& ring, const limb* rows, const uint32_t (&times)[k_sides], int32_t n,
                     IntEntry* z) {
     limb* g = scratch_array<limb>(ring.n);
@@ -169,8 +172,8 @@ CyclicLattice cyclic_lattice(const IntGrid& a) {
 // ---- the form ------------------------------------------------------------------------------------------
 
 namespace {
-/// A row with a pivot above 1: p = g' / g for the gcds g' of the entries of z behind the row with the index, g of those
-/// from the row on.
+/// A row with a pivot above 1: p = g' / g for the gcds g' of the entries of z behind the row with the index,
+/// g of those from the row on.
 struct WideRow {
     int32_t row;
     IntEntry pivot, g;
@@ -205,7 +208,8 @@ static WideRow wide_row(int32_t row, const IntEntry& z, const IntEntry& g, const
     return w;
 }
 
-/// The entries of column c below its pivot: in wide rows alone, each the one that leaves a rest z can make up behind it.
+/// The entries of column c below its pivot: in wide rows alone, each the one that leaves a rest z can make up
+/// behind it.
 static void fill_column(const CyclicLattice& l, const WideRow* wide, int32_t count, int32_t c, IntGrid& h) {
     IntSum sum = new_sum(entry_bits(l.index) + 1, entry_bits(l.index) + 1, 2);
     clear_sum(sum);

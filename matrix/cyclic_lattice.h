@@ -1,11 +1,11 @@
 #pragma once
 /// matrix/cyclic_lattice.h: the Hermite form of a lattice that one congruence describes.
 ///
-/// Purpose    x lies in the lattice of the columns of A if A^-1 x has integer entries; then z x = 0 modulo det A for
-///            z = u adj(A), whatever the row u. If the entries of z and det A have no common factor that says it all: both
-///            lattices have the index |det A|. For u at random that is the rule when the group of all vectors modulo the
-///            lattice is cyclic, as it is for most matrices.
-/// Cost       n^3 / 3 products of words for each 31 bits of Hadamard's bound.
+/// Purpose    x lies in the lattice of the columns of A if A^-1 x has integer entries; then z x = 0 modulo
+///            det A for z = u adj(A), whatever the row u. If the entries of z and det A have no common factor
+///            that says it all: both lattices have the index |det A|. For u at random that is the rule when
+///            the group of all vectors modulo the lattice is cyclic, as it is for most matrices.
+///            Cost: n^3 / 3 products of words for each 31 bits of Hadamard's bound.
 /// Raises     poll_interrupt: only scratch memory is under way then.
 #include "matrix/int_grid.h"
 namespace tolvex {

@@ -133,8 +133,8 @@ double determinant_work(const quoly* a, int32_t m, int32_t n) {
     return work;
 }
 
-/// About the nanoseconds of elimination without fractions, whose products are fast ones, where the entries are
-/// polynomials in one variable.
+/// About the nanoseconds of elimination without fractions, whose products are fast ones, where the entries
+/// are polynomials in one variable.
 static double elimination_work(const Functions& f) {
     constexpr double k_step = 140, k_digit_share = 0.5;
     int32_t only = -1;
@@ -249,8 +249,8 @@ static void determinant_of_functions(const quoly* a, const DeterminantRequest& r
     ScratchMark mark = scratch_mark();
     Functions f = {copy_elements(a, int64_t{m} * m), m, true, false};
     survey(f);
-    // above the field what is modded out may have zero divisors: the determinant is that of plain polynomials,
-    // reduced once
+    // above the field what is modded out may have zero divisors: the determinant is that of plain
+    // polynomials, reduced once
     boolean plain = plain_above_field;
     plain_above_field = 1;
     if (interpolate_by_switch(f, request, det)) {

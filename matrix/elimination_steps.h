@@ -1,12 +1,14 @@
 #pragma once
-/// matrix/elimination_steps.h: the order of the steps of echelon forms, over any kind of frame. Private to
-/// matrix/.
+/// matrix/elimination_steps.h: the order of the steps of echelon forms. Private to matrix/.
 ///
-/// A frame is a matrix under reduction with the matrices of its operations. It offers rows(), cols(),
-/// block_pivot() and column_pivot(), which look for a pivot from row i on, exchange_rows(),
-/// exchange_columns(), clear_rows(k, c, from): all rows from `from` on but k lose their elements in column c;
-/// make_monic(k, c): row k is divided by its element in column c; clear_columns(k): the columns behind k lose
-/// their elements in row k, whose pivot, at (k, k), is 1 and alone in its column.
+/// Purpose    written once for values, dense and sparse, and for words: a frame is a matrix under reduction
+///            with the matrices of its operations. It offers rows(), cols(); block_pivot() and
+///            column_pivot(), which look for a pivot from row i on; exchange_rows(), exchange_columns();
+///            clear_rows(k, c, from): all rows from `from` on but k lose their elements in column c;
+///            make_monic(k, c): row k is divided by its element in column c;
+///            clear_columns(k): the columns behind k lose their elements in row k, whose pivot, at (k, k),
+///            is 1 and alone in its column.
+/// Raises     poll_interrupt between two steps.
 #include "matrix/pivots.h"
 #include "storage/interrupt.h"
 
@@ -35,6 +37,7 @@ template <class Frame> int32_t row_steps(Frame& f, int32_t cut) {
     return i;
 }
 
+/// The rank of the reduced row echelon form; -1: no unit.
 template <class Frame> int32_t echelon_steps(Frame& f) {
     int32_t i = 0;
     for (int32_t c = 0; c < f.cols() && i < f.rows(); c++) {
@@ -51,6 +54,7 @@ template <class Frame> int32_t echelon_steps(Frame& f) {
     return i;
 }
 
+/// The rank of the form with units on the diagonal and nothing beside them; -1: no unit.
 template <class Frame> int32_t normal_steps(Frame& f) {
     int32_t last = std::min(f.rows(), f.cols()), i = 0;
     for (; i < last; i++) {

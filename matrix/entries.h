@@ -1,7 +1,8 @@
 #pragma once
 /// matrix/entries.h: the elements of a square matrix that are not 0, dense and sparse alike.
 ///
-/// Ownership  the lists stand in scratch memory of the caller; the values belong to the matrix and are only read.
+/// Ownership  the lists stand in scratch memory of the caller; the values belong to the matrix and are only
+///            read.
 /// Raises     poll_interrupt.
 #include "matrix/components.h"
 #include "matrix/sparse.h"

@@ -4,8 +4,8 @@
 // halves.
 #include "matrix/float_lu.h"
 
-#include "poly/dense_kernels.h"
 #include "numbers/float_modulus.h"
+#include "poly/dense_kernels.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 

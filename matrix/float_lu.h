@@ -1,8 +1,9 @@
 #pragma once
 /// matrix/float_lu.h: elimination of matrices of residues in blocks, in floating point. Private to matrix/.
 ///
-/// Source     J.-G. Dumas, P. Giorgi, C. Pernet, "Dense linear algebra over word-size prime fields: the FFLAS
-///            and FFPACK packages", ACM TOMS 35 (2008): products of blocks are exact sums, reduced once.
+/// Purpose    products of blocks are exact sums of floating-point products, reduced once.
+///            Source: J.-G. Dumas, P. Giorgi, C. Pernet, "Dense linear algebra over word-size prime fields:
+///            the FFLAS and FFPACK packages", ACM TOMS 35 (2008).
 /// Modes      the processor rounds to nearest.
 #include "poly/word_field.h"
 

@@ -137,7 +137,8 @@ static void clear_rows_of_denominators(Reduction* r) {
     scratch_release(mark);
 }
 
-/// All rows but k lose their elements in the column; the pivots before, all equal to `previous`, become that of row k.
+/// All rows but k lose their elements in the column; the pivots before, all equal to `previous`, become that
+/// of row k.
 static void clear_all_rows(Reduction* r, int32_t k, int32_t column, quoly pivot, quoly previous) {
     for (int32_t i = 0; i < r->m.rows; i++) {
         if (i == k) continue;

@@ -25,7 +25,8 @@ struct Expansion {
     int32_t next;   // the place in the list of the line that is tried next
     int32_t entry;  // under way, -1: none
 };
-/// Lines 0..side-1 are rows, side..2 side-1 columns. An entry is alive while its lines are and its vertex is unused.
+/// Lines 0..side-1 are rows, side..2 side-1 columns. An entry is alive while its lines are and its vertex is
+/// unused.
 struct PathSearch {
     int32_t n, side;
     PathEntry* entry;
@@ -179,8 +180,8 @@ static bool toss(PathSearch& s) {
     return s.randint % 4 == 0;
 }
 
-/// The line with the fewest living entries; of several the one with most that use a vertex; of these any. -1: a line
-/// has none.
+/// The line with the fewest living entries; of several the one with most that use a vertex; of these any. -1:
+/// a line has none.
 static int32_t choose_line(PathSearch& s) {
     int32_t lines = 2 * s.side, best = -1;
     int16_t least = least_count(s.count, lines);

@@ -46,8 +46,8 @@ static const number* number_at(const Reduction& r, int32_t row, int32_t column) 
 
 static bool is_unit(const number* x) { return x->size == 1 && (x->head->value == 1 || x->head->value == -1); }
 
-/// The entry of least absolute value, 1 at once, the first one at a tie, of the rows from `from` on in columns
-/// first..last.
+/// The entry of least absolute value, 1 at once, the first one at a tie, of the rows from `from` on in
+/// columns first..last.
 static Pivot least_entry(const Reduction& r, int32_t from, int32_t first, int32_t last) {
     Pivot best = {-1, -1};
     const number* least = nullptr;
@@ -76,8 +76,8 @@ static void reduce_column(Reduction& r, const Pivot& p, int32_t c) {
     free_num(&q);
 }
 
-/// One round over the open columns; a smaller entry that appears becomes the pivot at once. True: the row of the pivot
-/// is clear.
+/// One round over the open columns; a smaller entry that appears becomes the pivot at once. True: the row of
+/// the pivot is clear.
 static bool clear_pivot_row(Reduction& r, int32_t i, Pivot* p) {
     for (int32_t c = i; c < r.m.cols; c++) {
         if (c == p->column || iszero(number_at(r, p->row, c))) continue;
@@ -133,8 +133,8 @@ static void add_dependent_rows(const IntGrid& ordered, const RankProfile& p, con
         for (int32_t c = 0; c < p.rank; c++) h(p.rank + r, c) = exact_entry_quotient(product(r, c), d);
 }
 
-/// The independent rows, and below them unit rows for the columns that carry no rank: square, of the same determinant up
-/// to the sign.
+/// The independent rows, and below them unit rows for the columns that carry no rank: square, of the same
+/// determinant up to the sign.
 static IntGrid completed(const IntGrid& ordered, const RankProfile& p) {
     IntGrid square = zero_grid(ordered.cols, ordered.cols);
     for (int32_t r = 0; r < p.rank; r++)
@@ -148,7 +148,8 @@ static void copy_corner(const IntGrid& from, int32_t rows, int32_t cols, IntGrid
         for (int32_t c = 0; c < cols; c++) to(r, c) = from(r, c);
 }
 
-/// True if all entries above the diagonal are 0, or all below it; *det: the absolute value of the determinant then.
+/// True if all entries above the diagonal are 0, or all below it; *det: the absolute value of the determinant
+/// then.
 static bool is_triangular(const IntGrid& a, IntEntry* det) {
     bool lower = true, upper = true;
     for (int32_t r = 0; r < a.rows; r++)

@@ -1,15 +1,15 @@
 #pragma once
 /// matrix/hermite.h: Hermite normal forms of matrices of integers, by column operations.
 ///
-///   H = alpha A beta     p1  0  0  0      pivots positive, zeros to the right of each, entries to its left in
-///                        *   p2 0  0      0..pivot - 1; the columns behind the rank are 0. alpha orders the rows.
-///                        *   *  0  0
+///   H = alpha A beta    p1  0  0  0     pivots positive, zeros to the right of each, entries to its left
+///                       *   p2 0  0     in 0..pivot - 1; the columns behind the rank are 0; alpha orders
+///                       *   *  0  0     the rows
 ///
-/// Purpose    up to 12 rows and columns the steps of the elimination are those of the stated pivot rule, which fixes the
-///            order of the rows. Above, the first independent rows come first, as they stand, and H is computed
-///            modulo a multiple of the determinant; beta solves a system of equations.
-/// Source     P. Domich, R. Kannan, L. Trotter, "Hermite normal form computation using modulo determinant arithmetic",
-///            Math. Oper. Res. 12 (1987).
+/// Purpose    up to 12 rows and columns the steps of the elimination are those of the stated pivot rule,
+///            which fixes the order of the rows. Above, the first independent rows come first, as they stand,
+///            and H is computed modulo a multiple of the determinant; beta solves a system of equations.
+///            Source: P. Domich, R. Kannan, L. Trotter, "Hermite normal form computation using modulo
+///            determinant arithmetic", Math. Oper. Res. 12 (1987).
 /// Raises     poll_interrupt: of the engine only scratch memory is under way then.
 #include "matrix/int_grid.h"
 namespace tolvex {

@@ -1,6 +1,7 @@
-// With rows 0..i-1 done, the columns from i on generate the part of the lattice whose vectors begin with i zeros, along
-// with rest times all vectors of that part of the space: rest is d divided by the pivots so far. So they are reduced
-// modulo rest, a column is led by the gcd of its row and rest, and the others are cleared by it.
+// With rows 0..i-1 done, the columns from i on generate the part of the lattice whose vectors begin with i
+// zeros, along with rest times all vectors of that part of the space: rest is d divided by the pivots so far.
+// So they are reduced modulo rest, a column is led by the gcd of its row and rest, and the others are cleared
+// by it.
 #include "matrix/hermite_modular.h"
 
 #include "matrix/big_ring.h"
@@ -73,8 +74,9 @@ static bool bring_unit(ModularHermite& e, int32_t i) {
     return false;
 }
 
-/// g becomes the gcd of row i and the rest, and that of entry (i, i) and the rest: to column i small multiples of others
-/// are added. (A. Storjohann, "Algorithms for matrix canonical forms", 2000, on stabilisers.)
+/// g becomes the gcd of row i and the rest, and that of entry (i, i) and the rest: to column i small
+/// multiples of others are added. (A. Storjohann, "Algorithms for matrix canonical forms", 2000, on
+/// stabilisers.)
 static void gather_row(ModularHermite& e, int32_t i) {
     limb* next = scratch_array<limb>(e.n);
     gcd_with_rest(e, i, i);
@@ -164,7 +166,8 @@ static void triangularise(ModularHermite& e) {
     }
 }
 
-/// Column c loses the multiple of column i, which is reduced already, that takes its entry in row i below the pivot.
+/// Column c loses the multiple of column i, which is reduced already, that takes its entry in row i below the
+/// pivot.
 static void reduce_by_column(ModularHermite& e, const BigRing* ring, int32_t c, int32_t i) {
     limb* x = e.entry(i, c);
     int64_t xn = limbs_trim(x, e.n), pn = limbs_trim(e.pivot(i), e.n);
@@ -181,8 +184,8 @@ static void reduce_by_column(ModularHermite& e, const BigRing* ring, int32_t c, 
     }
 }
 
-/// Entries to the left of the pivots go below them, in the columns from the last one on; what was left of d when a row
-/// was reached may be taken off the entries of that row.
+/// Entries to the left of the pivots go below them, in the columns from the last one on; what was left of d
+/// when a row was reached may be taken off the entries of that row.
 static void reduce_left(ModularHermite& e) {
     auto* ring = scratch_array<BigRing>(e.rows);
     for (int32_t r = 0; r < e.rows; r++) {

@@ -1,7 +1,8 @@
 #pragma once
 /// matrix/int_entries.h: integers in scratch memory, from which matrices are reduced modulo many primes.
 ///
-/// Ownership  magnitudes stand in scratch memory until the caller releases it; results may share those of operands.
+/// Ownership  magnitudes stand in scratch memory until the caller releases it; results may share those of
+///            operands.
 /// Modes      chains are read whatever the mode.
 #include "numbers/limbs.h"
 #include "poly/word_field.h"

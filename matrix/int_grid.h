@@ -30,10 +30,10 @@ IntGrid grid_part(const IntGrid& g, const int32_t* row, int32_t rows, const int3
 IntGrid grid_product(const IntGrid& a, const IntGrid& b);
 /// The permutation matrix whose row i has its 1 in column order[i].
 IntGrid permutation_grid(const int32_t* order, int32_t n);
-
-int64_t grid_bits(const IntGrid& g);  ///< of its longest entry
-/// The product of the lengths of the rows is below 2 to this power; the lengths of rows of zeros count as 1. `rows` of
-/// them at most, the longest ones.
+/// The bits of its longest entry.
+int64_t grid_bits(const IntGrid& g);
+/// The product of the lengths of the rows is below 2 to this power; the lengths of rows of zeros count as 1.
+/// `rows` of them at most, the longest ones.
 int64_t row_length_bits(const IntGrid& g, int32_t rows);
 
 /// The sum of products of integers, in two's complement.

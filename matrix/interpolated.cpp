@@ -85,8 +85,8 @@ static bool next_exponents(const Lattice& l, TermOrder& o) {
     return false;
 }
 
-/// index and position, by the places of exponents in the lattice: sum[i (total + 1) + b] points of the variables
-/// from i on have budgets up to b.
+/// index and position, by the places of exponents in the lattice: sum[i (total + 1) + b] points of the
+/// variables from i on have budgets up to b.
 static void list_terms(Work& w, const int64_t* weight) {
     const Lattice& l = w.l;
     ScratchMark mark = scratch_mark();
@@ -216,8 +216,8 @@ static double coefficient_bits(const Work& w) {
 
 // ---- images --------------------------------------------------------------------------------------------
 
-/// The exponent that takes roots in the field, the inverse of w.plan->root modulo the order of the group of units,
-/// or of squares; 0: there is none.
+/// The exponent that takes roots in the field, the inverse of w.plan->root modulo the order of the group of
+/// units, or of squares; 0: there is none.
 static uint64_t root_exponent(int32_t root, uint32_t p) {
     if (root == 1) return 1;
     int64_t order = root % 2 != 0 ? int64_t{p} - 1 : (int64_t{p} - 1) / 2;

@@ -5,12 +5,12 @@
 ///   prime moduli            in the ring itself; over Z, and reduced, where it has too few elements
 ///   table fields            in the ring itself, or nothing
 ///
-/// Purpose    no polynomial larger than the determinant is formed. The support is bounded by the degrees in the
-///            single variables and the total degree, both from the assignment problem on the degrees of the
-///            entries; over Z the coefficients by Hadamard's inequality on the unit circle.
-/// Ownership  entries and divisor are only read.
-/// Source     for the bound: A. Goldstein, R. Graham, "A Hadamard-type bound on the coefficients of a
+/// Purpose    no polynomial larger than the determinant is formed. The support is bounded by the degrees in
+///            the single variables and the total degree, both from the assignment problem on the degrees of
+///            the entries; over Z the coefficients by Hadamard's inequality on the unit circle.
+///            Source: for the bound: A. Goldstein, R. Graham, "A Hadamard-type bound on the coefficients of a
 ///            determinant of polynomials", SIAM Review 16 (1974).
+/// Ownership  entries and divisor are only read.
 #include "poly/poly.h"
 #include "quoly/quoly.h"
 namespace tolvex {
@@ -24,16 +24,18 @@ struct InterpolationPlan {
     const char* head;   // progress line in front of the degree in the first variable; nil: none
 };
 enum class Interpolated { done, declined, broken_promise };
-/// *det := the determinant of the n by n matrix a, column by column, no element nil, all numbers or polynomials.
-/// declined: nothing has been computed, for there are too many points, primes or variables for this method, or
-/// a field has too few elements. broken_promise: the test of divisor, degrees and root has failed.
+/// *det := the determinant of the n by n matrix a, column by column, no element nil, all numbers or
+/// polynomials. declined: nothing has been computed, for there are too many points, primes or variables for
+/// this method, or a field has too few elements. broken_promise: the test of divisor, degrees and root has
+/// failed.
 Interpolated interpolate_determinant(const quoly* a, int32_t n, const InterpolationPlan& plan, quolyptr det);
-/// adj[row + column n], whose slots are nil, := the adjoint of the same kind of matrix, one entry of which is no
-/// number. False: declined.
+/// adj[row + column n], whose slots are nil, := the adjoint of the same kind of matrix, one entry of which is
+/// no number. False: declined.
 bool interpolate_adjoint(const quoly* a, int32_t n, quoly* adj);
-/// *level := the first level, from 0, of the variables of such a matrix, *degree := a bound for the determinant's
-/// degree in it. False: declined.
+/// *level := the first level, from 0, of the variables of such a matrix, *degree := a bound for the
+/// determinant's degree in it. False: declined.
 bool first_degree(const quoly* a, int32_t n, int32_t* level, int32_t* degree);
-/// About the work of either in nanoseconds, without a plan; negative: it would decline. Reads the matrix once.
+/// About the work of either in nanoseconds, without a plan; negative: it would decline. Reads the matrix
+/// once.
 double interpolation_work(const quoly* a, int32_t n, bool adjoint);
 }  // namespace tolvex

@@ -178,8 +178,8 @@ bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& reques
 
 // ---- sparse matrices -----------------------------------------------------------------------------------
 
-/// The elements of the matrix as a table by columns, in scratch memory; entries that are missing are the shared
-/// zero.
+/// The elements of the matrix as a table by columns, in scratch memory; entries that are missing are the
+/// shared zero.
 static quoly* table_of(sparseptr spar, int32_t m) {
     int64_t count = int64_t{m} * m;
     auto* a = scratch_array<quoly>(count);

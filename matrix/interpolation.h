@@ -1,14 +1,14 @@
 #pragma once
 /// matrix/interpolation.h: the interpolation route of determinants, as the switch &(L = 1) asks for it.
 ///
-/// Purpose    what stands in front of matrix/interpolated.h: which matrices the route takes, its progress lines
-///            and warnings, what the arguments of Det promise. Where a promise fails the determinant is computed
-///            without it, so that the value is right whatever was promised, roots excepted: these are what was
-///            asked for.
+/// Purpose    what stands in front of matrix/interpolated.h: which matrices the route takes, its progress
+///            lines and warnings, what the arguments of Det promise. Where a promise fails the determinant is
+///            computed without it, so that the value is right whatever was promised, roots excepted: these
+///            are what was asked for.
 /// Ownership  matrices and divisors are only read.
-/// Raises     poll_interrupt. Errors are left to the caller, who has memory to give back first: *request.fault :=
-///            304 no point is free of zeros of the divisor; 305 the divisor does not divide; 263 images are to be
-///            written and there is no file. The value is 0 then.
+/// Raises     poll_interrupt. Errors are left to the caller, who has memory to give back first:
+///            *request.fault := 304 no point is free of zeros of the divisor; 305 the divisor does not
+///            divide; 263 images are to be written and there is no file. The value is 0 then.
 #include "matrix/sparse.h"
 #include "storage/failure.h"
 
@@ -25,9 +25,9 @@ struct DeterminantRequest {
     Err* fault = nullptr;   // nil only without fct and lagrange_stash
     FILE* stash = nullptr;  // where lagrange_stash sends the images of sparse matrices; nil: no file is open
 };
-/// *q := the determinant of the m by m matrix a, column by column, divided by request.fct: modulo a prime or in a
-/// table field, and over Z. Power is ignored. check_laurent: negative exponents are looked for. False: no
-/// result, *q as it was.
+/// *q := the determinant of the m by m matrix a, column by column, divided by request.fct: modulo a prime or
+/// in a table field, and over Z. Power is ignored. check_laurent: negative exponents are looked for. False:
+/// no result, *q as it was.
 bool mod_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,
                      quolyptr q);
 bool rat_poly_determ(const quoly* a, int32_t m, const DeterminantRequest& request, bool check_laurent,

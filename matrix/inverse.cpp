@@ -211,8 +211,8 @@ static void expand_first_column(const quoly* a, const quoly* adj, int32_t n, quo
     }
 }
 
-/// a is (b with columns divided by the multiples): its adjoint has rows multiplied by these and divided by the
-/// product of all, its inverse the same rows divided by the determinant of b. False: that is 0.
+/// a is (b with columns divided by the multiples): its adjoint has rows multiplied by these and divided by
+/// the product of all, its inverse the same rows divided by the determinant of b. False: that is 0.
 static bool adjoint_or_inverse(workptr a, workptr result, int32_t n, bool inverse) {
     ScratchMark mark = scratch_mark();
     auto* multiple = scratch_array<quoly>(n);

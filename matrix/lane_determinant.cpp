@@ -11,7 +11,8 @@ namespace {
 constexpr uint32_t k_sum_modulus = 1u << 23;  // below it sums of products need no reduction for a while
 constexpr int64_t k_sum_terms = 128;          // products whose sum stays below 2^51
 
-/// A product of numbers of absolute value little above m / 2, modulo m < 2^50: its low half by a fused product.
+/// A product of numbers of absolute value little above m / 2, modulo m < 2^50: its low half by a fused
+/// product.
 inline double product_rest(double x, double y, FloatModulus m) {
     double high = x * y, low = __builtin_fma(x, y, -high), q = float_round(high * m.inverse);
     return __builtin_fma(-q, m.m, high) + low;

@@ -3,7 +3,8 @@
 ///
 /// Purpose    interpolation takes thousands of determinants of a few rows, each too short for blocks; side by
 ///            side in vector registers they cost a few instructions a product together.
-/// Source     as matrix/float_lu.h: sums of products of residues stay exact in floating point up to 2^52.
+///            Source: as matrix/float_lu.h: sums of products of residues stay exact in floating point up to
+///            2^52.
 /// Modes      the processor rounds to nearest.
 #include "poly/word_field.h"
 
@@ -11,9 +12,9 @@
 namespace tolvex {
 inline constexpr int32_t k_lanes = 16;
 inline constexpr int32_t k_most_lane_rows = 20;
-/// det[l] := the determinant of matrix l, n by n, n <= 20; its element (r, c) is a[(r n + c) 16 + l], an integer
-/// of absolute value below 2^51. Rows are not exchanged: bit l of the result is set where a pivot has come out
-/// 0, and det[l] is not valid. f: a prime field. a is overwritten. n^3 / 3 products a matrix.
+/// det[l] := the determinant of matrix l, n by n, n <= 20; its element (r, c) is a[(r n + c) 16 + l], an
+/// integer of absolute value below 2^51. Rows are not exchanged: bit l of the result is set where a pivot has
+/// come out 0, and det[l] is not valid. f: a prime field. a is overwritten. n^3 / 3 products a matrix.
 uint32_t lane_determinants(const WordField& f, double* a, int32_t n, uint32_t* det);
 /// sum[l] := the sum of coef[t] times power[exp[t] 16 + l] over t < count, of absolute value below 2^51;
 /// coefficients and powers of absolute value at most p / 2.

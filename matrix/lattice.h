@@ -7,13 +7,14 @@
 ///                             0 | * * *
 ///                                 0 1 2  a_1
 ///
-/// Purpose    a bound on the total degree leaves far fewer points than the box of the single degrees;
-///            values at as many points as there are exponents determine the polynomial all the same, for
-///            the set of exponents contains with each one all smaller ones.
-/// Source     divided differences along one variable after the other: H. Werner, "Remarks on Newton type
-///            multivariate interpolation for subsets of grids", Computing 25 (1980).
+/// Purpose    a bound on the total degree leaves far fewer points than the box of the single degrees; values
+///            at as many points as there are exponents determine the polynomial all the same, for the set of
+///            exponents contains with each one all smaller ones.
+///            Cost: per variable two passes over half of the square of its degree, for all lines of the
+///            lattice.
+///            Source: divided differences along one variable after the other: H. Werner, "Remarks on Newton
+///            type multivariate interpolation for subsets of grids", Computing 25 (1980).
 /// Ownership  tables lie in scratch memory of the caller's mark.
-/// Cost       per variable two passes over half of the square of its degree, for all lines of the lattice.
 #include "poly/word_field.h"
 
 #include <cstdint>

@@ -1,6 +1,8 @@
 #pragma once
 /// matrix/matrix_modes.h: the array origin; switches and thresholds of determinants, inverses and
 /// characteristic polynomials.
+///
+/// Purpose    read by matrix/ and the array language.
 #include "storage/types.h"
 
 #include <cstdint>

@@ -3,8 +3,8 @@
 ///
 /// Purpose    no division takes place, so that any commutative ring will do. A minor is told by its rows, the
 ///            last ones of the block, and the set of its columns; each is computed once.
+///            Cost: s 2^(s - 1) products for s dense rows; far fewer where elements are 0.
 /// Ownership  the block is only read.
-/// Cost       s 2^(s - 1) products for s dense rows; far fewer where elements are 0.
 /// Raises     poll_interrupt: minors that are under way then are lost if the computation is given up.
 #include "quoly/quoly.h"
 

@@ -74,8 +74,8 @@ static double bits_wanted(const IntMinpoly& e) {
 
 // ---- images --------------------------------------------------------------------------------------------
 
-/// The minimal polynomial modulo the next prime, which is checked in full if its degree is not `expected`; returns its
-/// degree.
+/// The minimal polynomial modulo the next prime, which is checked in full if its degree is not `expected`;
+/// returns its degree.
 static int32_t next_image(IntMinpoly& e, int32_t expected, WordField* f) {
     *f = word_field_prime(e.prime);
     e.prime = image_prime_below(e.prime);

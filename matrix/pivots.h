@@ -1,5 +1,8 @@
 #pragma once
 /// matrix/pivots.h: the choice of pivots in dense matrices, and exchanges of rows and columns.
+///
+/// Purpose    a small pivot keeps the entries of what is left small.
+/// Ownership  elements are only read; exchanges move their slots.
 #include "matrix/reduction.h"
 
 #include <cstdint>

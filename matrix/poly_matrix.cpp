@@ -104,7 +104,8 @@ static int64_t digit_of(const PackPlan& plan, int32_t k, int64_t index) {
     return index / plan.weight[k] % plan.radix[k];
 }
 
-/// The degree of minors of n - 1 rows, at most: the greatest of each row, or column, but for the least of these.
+/// The degree of minors of n - 1 rows, at most: the greatest of each row, or column, but for the least of
+/// these.
 static int64_t minor_degree(const int64_t* degree, int64_t n) {
     int64_t bound = INT64_MAX;
     for (int64_t step : {int64_t{1}, n}) {

@@ -1,16 +1,16 @@
 #pragma once
-/// matrix/poly_matrix.h: a matrix of polynomials as flat arrays, and its determinants at the points of a lattice.
+/// matrix/poly_matrix.h: a matrix of polynomials as flat arrays, and its determinants at points.
 ///
-///   entries ──stage 0──► values at t_1 ──stage 1──► values at t_2 ... ──last──► words, sixteen points at once
+///   entries ──stage 0──► values at t_1 ──stage 1──► values at t_2 ... ──last──► words, sixteen points each
 ///
-/// Purpose    which terms become one when a variable gets a value is the same for all points and all primes: it
-///            is found out once, and every evaluation runs through arrays of words.
-/// Invariant  entries that are 0 are not stored; a variable has the same place in all arrays "by variable", the
-///            one of the greatest degree the last, so that most points share the work on the others.
-/// Ownership  everything lies in scratch memory of the caller's mark; the numbers of the entries stay where they
-///            are, so that the entries must not change meanwhile.
-/// Modes      Z, a prime modulus, a table field; for primes of the caller's choice also the residues modulo any
-///            number, as integers.
+/// Purpose    which terms become one when a variable gets a value is the same for all points and all primes:
+///            it is found out once, and every evaluation runs through arrays of words.
+/// Invariant  entries that are 0 are not stored; a variable has the same place in all arrays "by variable",
+///            the one of the greatest degree the last, so that most points share the work on the others.
+/// Ownership  everything lies in scratch memory of the caller's mark; the numbers of the entries stay where
+///            they are, so that the entries must not change meanwhile.
+/// Modes      Z, a prime modulus, a table field; for primes of the caller's choice also the residues modulo
+///            any number, as integers.
 #include "matrix/lattice.h"
 #include "poly/packed.h"
 #include "quoly/quoly.h"
@@ -76,9 +76,8 @@ struct PolyImages {
 };
 /// Room for images; points, values and the field follow. Scratch of the caller's mark.
 void open_images(PolyImages* i, const PolyMatrix* m, const Lattice* l, bool adjoint);
-/// i->value := the coefficients of the determinant, or of each element of the adjoint, over f, in the order of the
-/// lattice. Numbers of the entries
-/// are reduced into f unless it is the ring in force. False: the divisor has had a zero at each set of points
-/// that was tried, or f has too few elements. Polls.
+/// i->value := the coefficients of the determinant, or of each element of the adjoint, over f, in the order
+/// of the lattice. Numbers of the entries are reduced into f unless it is the ring in force. False: the
+/// divisor has had a zero at each set of points that was tried, or f has too few elements. Polls.
 bool interpolate_image(PolyImages* i, const WordField& f);
 }  // namespace tolvex

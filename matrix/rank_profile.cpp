@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <bit>
 namespace tolvex {
-/// The row is cleared by the pivots before; its first entry that is not 0 becomes its pivot. words: the matrix, row by
-/// row; pivot_row[0..rank) and their columns.
+/// The row is cleared by the pivots before; its first entry that is not 0 becomes its pivot. words: the
+/// matrix, row by row; pivot_row[0..rank) and their columns.
 static int32_t pivot_column(const WordField& f, uint32_t* words, int32_t cols, int32_t r,
                             const RankProfile& p) {
     uint32_t* row = words + int64_t{r} * cols;

@@ -23,8 +23,8 @@ static IntEntry doubled(const IntEntry& e) {
     return {r, limbs_trim(r, e.n + 1), false};
 }
 
-/// A minor that carries the rank; of a square matrix that is not singular the determinant. *cyclic: that is the last entry
-/// of the diagonal, and the others are 1.
+/// A minor that carries the rank; of a square matrix that is not singular the determinant. *cyclic: that is
+/// the last entry of the diagonal, and the others are 1.
 static IntEntry carrying_minor(const IntGrid& a, const RankProfile& p, bool* cyclic) {
     if (p.rank < a.rows || p.rank < a.cols)
         return magnitude(entry_determinant(grid_part(a, p.row, p.rank, p.column, p.rank).at, p.rank));
@@ -145,7 +145,8 @@ static void bezout(const IntEntry& a, const IntEntry& b, const IntEntry& g, IntE
     *v = exact_entry_quotient(value_of_sum(sum), m);
 }
 
-/// diag(a, b) becomes diag(g, a b / g), g their gcd: rows by (u v / -b/g a/g), columns by (1 1 / -v b/g u a/g).
+/// diag(a, b) becomes diag(g, a b / g), g their gcd: rows by (u v / -b/g a/g), columns by (1 1 / -v b/g u
+/// a/g).
 static void repair(SmithForm& s, int32_t i, int32_t j) {
     IntEntry a = s.core(i, i), b = s.core(j, j), u, v;
     limb* common = scratch_array<limb>(b.n);

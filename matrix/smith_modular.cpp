@@ -1,5 +1,5 @@
-// Step k brings a unit to (k, k), or an entry that divides all others of the open block modulo m; what is common to the
-// block is divided out of it and of m, so that units are there again.
+// Step k brings a unit to (k, k), or an entry that divides all others of the open block modulo m; what is
+// common to the block is divided out of it and of m, so that units are there again.
 #include "matrix/smith_modular.h"
 
 #include "matrix/big_ring.h"
@@ -60,7 +60,8 @@ static void bring_to_corner(ModularSmith& e, int32_t k, int32_t r, int32_t c) {
 
 // ---- pivots --------------------------------------------------------------------------------------------
 
-/// Calls f(row, column) for the entries of the open block that are not 0 until it returns true; that is returned.
+/// Calls f(row, column) for the entries of the open block that are not 0 until it returns true; that is
+/// returned.
 template <class Visit> static bool find_entry(const ModularSmith& e, int32_t k, Visit f) {
     for (int32_t r = k; r < e.rows; r++) {
         poll_interrupt();
@@ -124,8 +125,8 @@ static void gather_column(ModularSmith& e, int32_t k, int32_t c) {
     } while (limbs_compare(e.g, e.gn, wanted, n) != 0);
 }
 
-/// The gcd of the pivot becomes smaller where it does not divide an entry of its column or row, or of another row, which
-/// is added to its own. False: it divides all; the column is clear.
+/// The gcd of the pivot becomes smaller where it does not divide an entry of its column or row, or of another
+/// row, which is added to its own. False: it divides all; the column is clear.
 static bool improve_pivot(ModularSmith& e, int32_t k) {
     gcd_of_pivot(e, k);
     for (int32_t r = k + 1; r < e.rows; r++)

@@ -59,8 +59,8 @@ struct IntegerMatrix {
 };
 }  // namespace
 
-/// Twice the determinant stays below 2 to this power, by the lengths of the rows (or columns, which line_of tells); -1: a
-/// line is empty, the determinant 0.
+/// Twice the determinant stays below 2 to this power, by the lengths of the rows (or columns, which line_of
+/// tells); -1: a line is empty, the determinant 0.
 template <class LineOf> static int64_t bits_over_lines(const IntegerMatrix& m, LineOf line_of) {
     int32_t n = m.places->n;
     auto* largest = scratch_array<int64_t>(n);
@@ -162,7 +162,8 @@ static bool determinant_of_functions(sparseptr spar, int32_t m, Entries kind,
     return false;
 }
 
-/// What is modded out above the field may have zero divisors: the determinant is that of plain polynomials, reduced once.
+/// What is modded out above the field may have zero divisors: the determinant is that of plain polynomials,
+/// reduced once.
 static bool determinant_above_field(sparseptr spar, int32_t m, Entries kind,
                                     const DeterminantRequest& request, quolyptr det) {
     boolean plain = plain_above_field;

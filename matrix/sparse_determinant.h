@@ -8,14 +8,15 @@
 ///   polynomials, `rat_det_method_cut` 1         interpolation                     matrix/interpolation.h
 ///   else                                        elimination, its end on dense rows
 ///
-/// A composite modulus allows no division: polynomials go by minors, or, of more than 8 rows, are lifted to the integers.
-/// Switches   detcutoff, gauss_cutoff, rat_det_method_cut, pseudet_heur.
-/// Raises     309, 310 minors; 375: more than 50000 rows to be eliminated; poll_interrupt. request.fault as in
-///            matrix/interpolation.h.
+/// Purpose    one entry for `Det` of sparse matrices. A composite modulus allows no division: polynomials go
+///            by minors, or, of more than 8 rows, are lifted to the integers.
+/// Modes      detcutoff, gauss_cutoff, rat_det_method_cut, pseudet_heur.
+/// Raises     309, 310 minors; 375: more than 50000 rows to be eliminated; poll_interrupt. request.fault as
+///            in matrix/interpolation.h.
 #include "matrix/interpolation.h"
 #include "matrix/sparse.h"
 namespace tolvex {
-/// *det := the determinant of the m by m matrix, m >= 1, divided by request.fct. Its entries may be used up: the chain is a
-/// private one, and stays one. What *det held is given back.
+/// *det := the determinant of the m by m matrix, m >= 1, divided by request.fct. Its entries may be used up:
+/// the chain is a private one, and stays one. What *det held is given back.
 void sparse_determinant(sparseptr spar, int32_t m, const DeterminantRequest& request, quolyptr det);
 }  // namespace tolvex

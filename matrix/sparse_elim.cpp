@@ -116,8 +116,8 @@ static bool rest_is_full(const SparseElim& e) {
     return left <= k_most_dense_rows && left >= k_least_rows && e.table.entries * k_share > left * left;
 }
 
-/// Asked once, when the first polynomial would divide: true if values at points are known to take seconds at most, so
-/// that no quotients need be formed.
+/// Asked once, when the first polynomial would divide: true if values at points are known to take seconds at
+/// most, so that no quotients need be formed.
 static bool rest_has_few_points(SparseElim& e) {
     constexpr double k_most_work = 1e10;  // nanoseconds
     int64_t left = e.m - e.done;
@@ -127,7 +127,8 @@ static bool rest_has_few_points(SparseElim& e) {
     ScratchMark mark = scratch_mark();
     auto* saved = scratch_array<int32_t>(e.m);
     std::copy(e.column_of, e.column_of + e.m, saved);
-    double work = interpolation_work(open_block(e, static_cast<int32_t>(left)), static_cast<int32_t>(left), false);
+    double work =
+        interpolation_work(open_block(e, static_cast<int32_t>(left)), static_cast<int32_t>(left), false);
     std::copy(saved, saved + e.m, e.column_of);
     scratch_release(mark);
     return work >= 0 && work < k_most_work;

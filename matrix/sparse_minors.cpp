@@ -91,9 +91,8 @@ template <class Ops> struct Expansion {
     const int32_t* row_of;
     const int64_t* mass;  // of the entries
     Line *row, *column;
-    Word* present;  // rows, then columns, that are still there
-    int32_t*
-        row_order;  // of a full matrix: rows are taken in this order, so that minors share their rows; else nil
+    Word* present;       // rows, then columns, that are still there
+    int32_t* row_order;  // of a full matrix: the order in which rows are taken, so that minors share theirs
     Node** bucket;
     Node* unused;
     int32_t max_stash_row, min_stash_row, init_max_stash_row, minor_count;
@@ -137,8 +136,8 @@ template <class Ops> static void toggle_line(Expansion<Ops>& e, bool row, int32_
     }
 }
 
-/// The row, or strictly better the column, with the fewest entries; at a tie the lighter one. Of a full matrix the
-/// next row.
+/// The row, or strictly better the column, with the fewest entries; at a tie the lighter one. Of a full
+/// matrix the next row.
 template <class Ops> static Choice choose_line(const Expansion<Ops>& e) {
     if (e.row_order != nullptr) {
         const int32_t* next = e.row_order;
@@ -256,7 +255,8 @@ template <class Ops> static int64_t release_minors(Expansion<Ops>& e, int32_t co
     return hits;
 }
 
-/// True if memory has become short. The figures of the free lists say how much of what has been handed out is free.
+/// True if memory has become short. The figures of the free lists say how much of what has been handed out is
+/// free.
 static bool memory_is_short(int64_t node_bytes) {
     constexpr int64_t k_low = 36000000, k_low_at_end = 260000000;
     int64_t available = std::max(int64_t{0}, static_cast<int64_t>(memavail()) - node_bytes);
@@ -405,7 +405,8 @@ template <class Ops> static void list_lines(Expansion<Ops>& e, int32_t* row_of, 
     }
 }
 
-/// Minors of one size then have the same rows: n 2^(n - 1) products in all. The rows with the most zeros come first.
+/// Minors of one size then have the same rows: n 2^(n - 1) products in all. The rows with the most zeros come
+/// first.
 template <class Ops> static void order_rows(Expansion<Ops>& e) {
     auto is_empty = [](const Line& x) { return x.count == 0; };
     if (2 * entry_count(e.m) <= int64_t{e.n} * e.n || std::any_of(e.column, e.column + e.n, is_empty)) return;

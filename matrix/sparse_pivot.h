@@ -1,8 +1,9 @@
 #pragma once
 /// matrix/sparse_pivot.h: the choice of pivots in sparse matrices of values.
 ///
-/// Purpose    fill-in and growth decide what a sparse elimination costs: the entries of all open rows are scored. A
-///            column with a single entry goes first, the heaviest of them; else the rule that `pseudet_heur` chooses.
+/// Purpose    fill-in and growth decide what a sparse elimination costs: the entries of all open rows are
+///            scored. A column with a single entry goes first, the heaviest of them; else the rule that
+///            `pseudet_heur` chooses.
 ///
 ///   0  the size of the entry          3  number: size plus row; else better mass plus row
 ///   1  terms plus the row's terms     4  number: size plus row; else terms
@@ -42,8 +43,8 @@ void refresh_row(PivotTable& t, int32_t r, const colnode* row);
 void close_row(PivotTable& t, int32_t r);
 /// The place of the column in the row, -1: no entry.
 int32_t place_in_row(const PivotRow& row, int32_t column);
-/// A pivot of the open rows. firstonly: a row without entries ends the search, since the determinant is 0 then. Time: the
-/// entries of the open rows.
+/// A pivot of the open rows. firstonly: a row without entries ends the search, since the determinant is 0
+/// then. Time: the entries of the open rows.
 PivotSearch sparse_findbest(PivotTable& t, bool firstonly, int32_t* row, int32_t* column);
 /// The same in one column, from 1: the entry +-1 of a row, else the one of the least score.
 PivotSearch sparse_colfindbest(PivotTable& t, int32_t column, int32_t* row);

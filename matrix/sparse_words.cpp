@@ -254,7 +254,8 @@ static bool step(WordElim& e) {
 
 // ---- the rest ------------------------------------------------------------------------------------------
 
-/// The determinant of the open rows, as dense ones. Their columns become those of the rows, in the order of both.
+/// The determinant of the open rows, as dense ones. Their columns become those of the rows, in the order of
+/// both.
 static uint32_t dense_rest(WordElim& e) {
     int64_t left = e.left;
     auto* place = scratch_array<int32_t>(e.n);

@@ -1,5 +1,6 @@
-// A similarity brings the matrix to Hessenberg form: step k clears column k below the subdiagonal by row k + 1 and does
-// the inverse to the columns. The leading blocks of that form have characteristic polynomials that follow each other.
+// A similarity brings the matrix to Hessenberg form: step k clears column k below the subdiagonal by row k +
+// 1 and does the inverse to the columns. The leading blocks of that form have characteristic polynomials that
+// follow each other.
 #include "matrix/word_charpoly.h"
 
 #include "numbers/float_modulus.h"
@@ -107,8 +108,8 @@ static uint32_t residue(const WordRing&, uint32_t x) { return x; }
 
 // ---- the similarity ------------------------------------------------------------------------------------
 
-/// An entry of column k that is not 0 goes to row k + 1; the column with its number goes with the row. False: the
-/// column is clear below the subdiagonal, and on it.
+/// An entry of column k that is not 0 goes to row k + 1; the column with its number goes with the row. False:
+/// the column is clear below the subdiagonal, and on it.
 template <class Ring> static bool bring_pivot(const Hessenberg<Ring>& h, int32_t k) {
     int32_t r = k + 1;
     while (r < h.n && h.row(r)[k] == 0) r++;

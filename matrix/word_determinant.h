@@ -3,8 +3,8 @@
 ///
 /// Purpose    the determinants that all others rest on: of residues modulo a prime or a composite number, of
 ///            elements of a table field. Matrices are flat, row by row; they are overwritten.
-/// Cost       n^3 / 3 products: modulo a prime below 2^23 a fused instruction forms and adds four of them; up
-///            to 2^31 it takes two such instructions; in a table field one look-up a product.
+///            Cost: n^3 / 3 products: modulo a prime below 2^23 a fused instruction forms and adds four of
+///            them; up to 2^31 it takes two such instructions; in a table field one look-up a product.
 /// Raises     poll_interrupt: only scratch memory is under way then.
 #include "poly/word_field.h"
 

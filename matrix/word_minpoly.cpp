@@ -112,7 +112,8 @@ static void subtract_multiple(const WordField& f, uint32_t* a, const uint32_t* b
 int32_t least_recurrence(const WordField& f, const uint32_t* s, int32_t count, uint32_t* c) {
     ScratchMark mark = scratch_mark();
     int64_t room = int64_t{count} + 2;
-    // connection polynomials, the constant term first: the one in force, the one before its length grew, a copy
+    // connection polynomials, the constant term first: the one in force, the one before its length grew, a
+    // copy
     auto *now = scratch_array<uint32_t>(room), *old = scratch_array<uint32_t>(room),
          *kept = scratch_array<uint32_t>(room);
     std::fill_n(now, room, 0);

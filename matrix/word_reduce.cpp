@@ -162,7 +162,8 @@ static bool all_numbers(const LineMatrix& m) {
 }
 
 bool fits_words(const Reduction& r) {
-    // dense rows take a second at 2^23 elements, a chain that is filled in takes minutes: with three entries a row it is
+    // dense rows take a second at 2^23 elements, a chain that is filled in takes minutes: with three entries
+    // a row it is
     constexpr int64_t k_small = 1 << 22, k_large = 1 << 25;
     constexpr double k_filled_in = 2.5;
     if (!modularmode || !all_numbers(r.m)) return false;

@@ -1,8 +1,8 @@
 #pragma once
 /// matrix/word_reduce.h: echelon forms of matrices of residues and of elements of table fields, on words.
 ///
-/// Purpose    the engine behind matrix/row_reduce.h for numbers over a modulus: the record is copied into flat
-///            rows, reduced there, and written back.
+/// Purpose    the engine behind matrix/row_reduce.h for numbers over a modulus: the record is copied into
+///            flat rows, reduced there, and written back.
 /// Invariant  the matrices of operations that change by columns are held transposed, so that every step runs
 ///            along rows.
 /// Ownership  as matrix/row_reduce.h. Scratch memory: four bytes an element of each matrix.

@@ -1,5 +1,5 @@
-// A product with a fixed factor takes its quotient from a word computed once (V. Shoup): both products and the
-// remainder, below twice the modulus, are words.
+// A product with a fixed factor takes its quotient from a word computed once (V. Shoup): both products and
+// the remainder, below twice the modulus, are words.
 #include "matrix/word_rows.h"
 
 #include "storage/wide_vectors.h"

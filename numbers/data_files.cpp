@@ -361,9 +361,8 @@ void stock_digits() {
     free_chain(first, last);
 }
 
-/// Bytes of the fixed tables that the memory report counts: xx, yy, zz of the dense engine (25001 words each)
-/// and its squares x2, y2, z2 (701 x 701 each); clc, clr, clc_min (50001 each) and clbest (100002) of sparse
-/// elimination.
+/// What the memory report counts for fixed tables, whatever they take: three rows of 25001 words and three
+/// squares of 701 x 701 for dense polynomials, three rows of 50001 words and one of 100002 for sparse ones.
 constexpr int64_t k_table_bytes = 4 * (3 * 25001 + 3 * 701 * 701 + 3 * 50001 + 100002);
 
 #ifdef TOLVEX_CHECKED

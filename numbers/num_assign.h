@@ -14,6 +14,6 @@ void num_assign(const number* n, imptr x);          ///< a copy in the mode in f
 void num_assign_polled(const number* n, imptr x);
 void spec_num_assign(const number* n, imptr x);         ///< a copy of the chain, whatever the mode
 void fast_num_assign(numptr p, int32_t size, imptr x);  ///< the `size` digits from p
-void faster_num_assign(numptr p, int32_t size,
-                       imptrptr x);  ///< the same in a new record; nil when the digit at p is 0
+/// The same in a new record; nil when the digit at p is 0.
+void faster_num_assign(numptr p, int32_t size, imptrptr x);
 }  // namespace tolvex

@@ -1,5 +1,9 @@
 #pragma once
 /// numbers/num_divide.h: division of chains with remainder.
+///
+/// Ownership  operands are kept; results replace what they held, and may be operands where it is said.
+/// Modes      chains, whatever the mode says.
+/// Raises     nothing: divisors are tested by the callers.
 #include "numbers/number.h"
 namespace tolvex {
 /// Signed; the remainder takes the sign of the quotient (n = quot d + rem only for d > 0). d = 0: nothing
@@ -7,8 +11,8 @@ namespace tolvex {
 void divide(const number* n, const number* d, imptr quot, imptr rem);
 void pos_divide(const number* n, const number* d, imptr quot, imptr rem);  ///< n >= 0, d > 0
 void pos_divide_noq(numptr nhead, int32_t nsize, numptr dhead, int32_t dsize, imptr rem);
-void simp_divide(numptr p, int32_t size, const number* d, imptr quot,
-                 imptr rem);  ///< one-digit quotient; sets quot->lint
+/// One-digit quotient; sets quot->lint.
+void simp_divide(numptr p, int32_t size, const number* d, imptr quot, imptr rem);
 /// n := n / d, exact (the caller knows), any signs; truncated towards 0 otherwise.
 void divide_exact(imptr n, const number* d);
 /// q := n / d truncated towards 0, r := n - q d. Chains. Either may be nil or an operand.

@@ -1,5 +1,7 @@
 #pragma once
 /// numbers/num_gcd.h: greatest common divisors of integers. Operands are only read.
+///
+/// Modes      chains, whatever the mode says.
 #include "numbers/number.h"
 namespace tolvex {
 void gcd(const number* n, const number* m, imptr ans);         ///< chains, >= 0

@@ -1,9 +1,11 @@
 #pragma once
 /// numbers/num_mult.h: products of numbers. ans may be an operand, operands may be one record.
+///
+/// Ownership  operands are kept; ans is replaced when the product is complete.
 #include "numbers/number.h"
 namespace tolvex {
-void simp_mult(const number* n, imptr ans, int32_t m,
-               numptrptr penult);  ///< chain times digit; *penult: next-to-last node
+/// Chain times digit; *penult: next-to-last node.
+void simp_mult(const number* n, imptr ans, int32_t m, numptrptr penult);
 void multiply(const number* n, const number* m, imptr ans);   ///< chains, schoolbook
 void fast_mult(const number* n, const number* m, imptr ans);  ///< chains: the general entry
 void number_power(imptr n, int32_t k);                        ///< n := n^k, k >= 0, every mode

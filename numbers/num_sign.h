@@ -1,6 +1,8 @@
 #pragma once
 /// numbers/num_sign.h: sign of numbers, in every mode (in modular mode -n is modulus - n; in a table field
 /// n).
+///
+/// Ownership  x and m are replaced by copies; the others work in place.
 #include "numbers/number.h"
 namespace tolvex {
 void in_place_neg(imptr num);

@@ -94,8 +94,7 @@ inline void num_make_digit(imptr x, int32_t v) {
 // Constants, right in either mode, set up once at start-up. Never written, negated in place or consumed.
 inline number number_0 = {}, number_1 = {}, number_2 = {}, number_m1 = {}, number_10 = {}, num_2_14 = {};
 inline number tens_base = {}, two_tensbase = {};  // 10^8, 10^16: chain only
-inline int32_t pow_10[9] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-inline constexpr int32_t negzero = INT32_MIN;  // marker of the disk spill format, not a digit
+inline constexpr int32_t negzero = INT32_MIN;     // marker of the disk spill format, not a digit
 
 /// Fills the constants above. Needs the stashes.
 void init_number_constants();

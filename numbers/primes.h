@@ -1,5 +1,9 @@
 #pragma once
 /// numbers/primes.h: primality of words and the prime tables.
+///
+/// Purpose    tests by division and by strong pseudoprimes; tables that start-up reads
+///            (numbers/data_files.h).
+/// Invariant  the tables do not change after start-up.
 #include "numbers/number.h"
 
 #include <cstdint>
@@ -17,7 +21,7 @@ int64_t long_is_prime(int64_t n);  ///< 1 if prime, else the smallest factor; n 
 /// The same for top 2^56 + mid 2^28 + low; top below 128.
 int64_t longg_is_prime(int32_t top, int32_t mid, int32_t low);
 int32_t nextprime(int32_t n);  ///< next odd prime above n; 0: none below 2^31
-int32_t prime_factors(int64_t n,
-                      int64_t* list);  ///< distinct primes, ascending; returns their count (at most 16)
+/// Distinct primes, ascending; returns their count (at most 16).
+int32_t prime_factors(int64_t n, int64_t* list);
 void set_prime_quotients(int64_t* list, int32_t count, int64_t n);  ///< each p becomes n / p
 }  // namespace tolvex

@@ -1,5 +1,8 @@
 #pragma once
 /// numbers/random_num.h: random words.
+///
+/// Purpose    the random values that users see. Random choices inside methods come from generators of their
+///            own.
 #include "numbers/number.h"
 namespace tolvex {
 int32_t rand_word();                           ///< 0..2147483647, from random()

@@ -37,8 +37,8 @@ inline int32_t mod_sub(int32_t x, int32_t y, int32_t modul) {
 inline int32_t mod_neg(int32_t x) { return finf || x == 0 ? x : modulus - x; }
 /// The number that a residue shows: symmetric under alt_form_display outside table fields.
 int32_t shown_residue(int32_t v);
-
-int32_t mod_mult(uint32_t x, uint32_t y, int32_t modul);  ///< x y mod modul, or by table
+/// x y mod modul, or by table.
+int32_t mod_mult(uint32_t x, uint32_t y, int32_t modul);
 void mod_inverse(int32_t seca, int32_t* ans);
 int32_t imod_inverse(int32_t seca);  ///< prints "bad2: ..." before error 85
 void emod_inverse(int32_t seca, int32_t* ans);

@@ -32,16 +32,15 @@ void set_modulus(int32_t m) {
 }
 
 RingState ring_capture() {
-    return {modulus,     half_modulus, two28_mod,    was_modulus,   modulus_recip, rmodulus,
-            modularmode, lintmode,     smallmodulus, mod_is_prime,  f256,          f2t16,
-            finf,        integerflag,  depth,        mod_is_changed};
+    return {modulus,     half_modulus, two28_mod,    modulus_recip, rmodulus,
+            modularmode, lintmode,     smallmodulus, mod_is_prime,  f256,
+            f2t16,       finf,         integerflag,  depth,         mod_is_changed};
 }
 
 void ring_assign(const RingState& state) {
     modulus = state.modulus;
     half_modulus = state.half_modulus;
     two28_mod = state.two28_mod;
-    was_modulus = state.was_modulus;
     modulus_recip = state.modulus_recip;
     rmodulus = state.rmodulus;
     modularmode = state.modularmode;

@@ -9,7 +9,7 @@
 #include "numbers/number.h"
 namespace tolvex {
 struct RingState {
-    int32_t modulus, half_modulus, two28_mod, was_modulus;
+    int32_t modulus, half_modulus, two28_mod;
     uint64_t modulus_recip;
     double rmodulus;
     boolean modularmode, lintmode, smallmodulus, mod_is_prime, f256, f2t16, finf, integerflag;
@@ -29,8 +29,8 @@ void ring_unwind();                         ///< back to the outermost saved sta
 /// *saved := modularmode; if set: clears it and counts in mod_is_changed. lintmode stays.
 void check_modular(boolean* saved);
 void restore_modular(boolean saved);
-/// Modular arithmetic comes back for a while if it is suspended: true then, to be handed to ring_suspend. Words that were
-/// computed before have to be reduced.
+/// Modular arithmetic comes back for a while if it is suspended: true then, to be handed to ring_suspend.
+/// Words that were computed before have to be reduced.
 bool ring_resume();
 void ring_suspend(bool resumed);
 }  // namespace tolvex

@@ -1,5 +1,7 @@
 #pragma once
 /// numbers/shape_num.h: sizes of numbers.
+///
+/// Ownership  operands are only read.
 #include "numbers/number.h"
 namespace tolvex {
 int32_t sizenumber(const number* p);  ///< bytes: record, and digits outside lintmode; saturates

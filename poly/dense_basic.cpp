@@ -3,17 +3,9 @@
 #include "poly/dense_kernels.h"
 #include "poly/poly_basic.h"
 #include "storage/failure.h"
-#include "storage/memory.h"
 
 #include <cstring>
-#include <initializer_list>
 namespace tolvex {
-void init_dense() {
-    size_t row = k_dense_entries * sizeof(int32_t), square = sizeof(int32_t) * k_bivariate * k_bivariate;
-    for (int32_t** x : {&xx, &yy, &zz}) *x = static_cast<int32_t*>(checked_malloc(row));
-    for (int32_t** x : {&x2, &y2, &z2}) *x = static_cast<int32_t*>(checked_malloc(square));
-}
-
 int32_t dense_degree(const int32_t* x, int32_t top) {
     while (top >= 0 && x[top] == 0) top--;
     return top;

@@ -3,17 +3,12 @@
 ///
 /// Invariant  the entry at index i is the coefficient of x^i; slices are (array, low index, high index),
 ///            inclusive; a degree of -1 is the zero polynomial. modularmode.
-/// Ownership  the arrays below are taken once at start-up. An operation that may be interrupted between
-///            filling and reading them uses scratch arrays instead: a command level opened by the interrupt
-///            may fill them anew. Additions and products of at most k_dense_entries entries are not
-///            interrupted.
+/// Ownership  arrays are the caller's, in scratch memory. Additions and products of at most k_dense_entries
+///            entries are not interrupted.
 #include "poly/poly.h"
 namespace tolvex {
-inline constexpr int32_t k_dense_entries = 25001;            // fast_gcd_size + 1
-inline constexpr int32_t k_bivariate = 701;                  // row length of the two-level arrays
-inline int32_t *xx = nullptr, *yy = nullptr, *zz = nullptr;  // k_dense_entries residues each
-inline int32_t *x2 = nullptr, *y2 = nullptr, *z2 = nullptr;  // k_bivariate squared each
-void init_dense();
+inline constexpr int32_t k_dense_entries = 25001;  // fast_gcd_size + 1
+inline constexpr int32_t k_bivariate = 701;        // row length of the two-level arrays
 /// x[0..degree] := a one-level polynomial (or a number) without negative exponents; gaps become 0.
 void fill_poly_array(const polynode* n, int32_t* x);
 /// *p := the fresh sparse form of x[0..degree], whose top entry is not 0; degree -1 gives the number 0. The

@@ -5,8 +5,8 @@
 // 2016).
 #include "poly/dense_school.h"
 
-#include "poly/dense_kernels.h"
 #include "numbers/float_modulus.h"
+#include "poly/dense_kernels.h"
 #include "storage/scratch.h"
 
 #include <algorithm>

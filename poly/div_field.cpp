@@ -266,7 +266,8 @@ static Division divide_by_scaled(poly n, poly m, polypt pt) {
 // Not a number, and deg n >= deg m.
 static Division divide_levels(poly n, poly m, bool cancall, polypt pt) {
     int64_t a = n->exp, b = m->exp;
-    if (cancall && mod_is_prime && (b > poly_cutoff || (b > 2 && a > 20 * b))) return divide_by_scaled(n, m, pt);
+    if (cancall && mod_is_prime && (b > poly_cutoff || (b > 2 && a > 20 * b)))
+        return divide_by_scaled(n, m, pt);
     poly copy = nullptr;
     poly_assign(n, &copy);
     return divide_classically(copy, m, pt);

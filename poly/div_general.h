@@ -11,8 +11,8 @@ void Lpoly_divide(poly n, poly m, polyptrr q, boolean notsame, polypt pt, boolea
 /// Laurent division: *q and, unless want_div, *r.
 void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean notsame, boolean want_div, polypt pt,
                        boolean* failed);
-void quot(const number* n1, const number* n2,
-          imptr n3);  ///< n1 / n2 in any mode; over Z the truncated quotient
+/// n3 := n1 / n2 in any mode; over Z the truncated quotient.
+void quot(const number* n1, const number* n2, imptr n3);
 /// n1 := n1 / n2 in place, exact; in modular mode n1 times x, the inverse of n2.
 void simple_quot(imptr n1, const number* n2, int32_t x);
 void poly_quot(poly n, poly m, polyptrr p);  ///< n / m, m a number that divides every coefficient

@@ -102,17 +102,6 @@ static void deliver(polyptrr target, polyptrr fresh, bool wanted) {
     *target = *fresh;
 }
 
-void pseudo_div(poly n, poly m, polyptrr q, polyptrr r, boolean want_rem, polypt pt) {
-    PseudoEnv env = {};
-    env.m = m;
-    env.pt = pt;
-    env.want_q = !want_rem;
-    run(env, n);
-    deliver(nullptr, &env.coef, false);
-    deliver(q, &env.q, env.want_q);
-    deliver(r, &env.r, true);
-}
-
 void pseudo_div_no_q(poly n, poly m, polyptrr r, polypt pp, boolean want_Knuth) {
     PseudoEnv env = {};
     env.m = m;

@@ -1,11 +1,10 @@
 #pragma once
 /// poly/div_rounds.h: divisibility by evaluations alone.
 ///
-/// Purpose    several rounds, each at a new point: integer values of both polynomials, and images in the
-///            main variable. A no is a proof; that all rounds say yes is overwhelming evidence and no
-///            proof.
+/// Purpose    several rounds, each at a new point: integer values of both polynomials, and images in the main
+///            variable. A no is a proof; that all rounds say yes is overwhelming evidence and no proof.
+///            Cost: evaluations of both operands, at most five times; no multivariate division.
 /// Modes      Z with or without chains, prime moduli, table fields.
-/// Cost       evaluations of both operands, at most five times; no multivariate division.
 #include "poly/poly.h"
 namespace tolvex {
 enum class Rounds { no, yes, undecided };

@@ -1,5 +1,8 @@
 #pragma once
 /// poly/div_trial.h: divisibility tests that give up fast.
+///
+/// Ownership  operands are kept unless kill_n says otherwise; *q is replaced.
+/// Modes      any.
 #include "poly/poly.h"
 namespace tolvex {
 /// Tests that can only say no (degrees; with shortcut the leading and trailing terms and one image in the

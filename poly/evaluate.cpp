@@ -147,8 +147,6 @@ void poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad) {
     give(p, t);
 }
 
-void poly_at_numb_2(polyptrr p, poly q, poly n2, polypt pol) { poly_at_numb(p, q, n2, pol, 1); }
-
 void mod_poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad) {
     poly_at_numb(p, q, n2, pol, addpad);
 }

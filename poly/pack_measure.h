@@ -1,5 +1,8 @@
 #pragma once
 /// poly/pack_measure.h: what one walk over a tree tells before its terms are packed.
+///
+/// Purpose    the widths of the fields of a key are known before the first key is made.
+/// Ownership  the tree is only read.
 #include "poly/poly.h"
 #include "poly/poly_modes.h"
 
@@ -19,6 +22,7 @@ struct PackMeasure {
     int64_t terms;            // leaves
     int32_t digits;           // digits of the longest coefficient; 1 in lintmode
 };
-/// Reads p. Levels that the walk leaves out (below a leaf) count as exponent 0. Time linear, with safe points.
+/// Reads p. Levels that the walk leaves out (below a leaf) count as exponent 0. Time linear, with safe
+/// points.
 void pack_measure(const polynode* p, PackMeasure* m);
 }  // namespace tolvex

@@ -5,10 +5,10 @@
 ///
 /// Purpose    inside one operation a tree is read once into keys, and the result is written once from keys. A
 ///            product of terms is one addition of keys. Keys compare as the recursive form orders terms.
+///            Source: M. Monagan, R. Pearce: Sparse polynomial arithmetic (packed monomials), ISSAC 2009.
 /// Invariant  fields are wide enough for the operation's result: no carry passes between them. Exponents are
 ///            counted from the least one of the operand, so negative ones need nothing special.
 /// Ownership  trees are only read; a TermBuilder owns what it has built until finish.
-/// Source     M. Monagan, R. Pearce: Sparse polynomial arithmetic (packed monomials), ISSAC 2009.
 #include "poly/leaf_number.h"
 #include "poly/pack_measure.h"
 #include "poly/poly_basic.h"

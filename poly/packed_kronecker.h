@@ -4,9 +4,9 @@
 /// Purpose    with keys as exponents of one variable, a polynomial of many levels is one of a single level;
 ///            its value at a power of two is one integer. Residues go to the product of arrays, integers to
 ///            the product of limb arrays, both of which have transforms.
+///            Source: L. Kronecker 1882; A. Schoenhage 1982.
 /// Invariant  keys are places in a box (weights of mixed radix), falling from the first term on.
 /// Ownership  operands are only read; all arrays are scratch of the operation.
-/// Source     L. Kronecker 1882; A. Schoenhage 1982.
 #include "poly/packed_form.h"
 namespace tolvex {
 struct PackedOperand {

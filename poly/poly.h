@@ -91,12 +91,13 @@ struct RootPrime {
 /// One polynomial variable. p, expon, field and what follows aux_num belong to modding out (field/modding.h).
 struct polydata {
     tokentipe let;
-    int32_t polycut;  // cutoff of Karatsuba at this level; starts as poly_cutoff
-    int32_t expon;    // degree of the modding polynomial
-    poly p;           // the modding polynomial, monic, in this variable and deeper ones; t^n + a: the number -a; nil: none
-    boolean field;    // this level belongs to the field tower
-    int16_t depth;    // level: 1 for the first entry of polynames
-    int16_t aux_num;  // number of second auxiliary primes
+    int32_t polycut;      // cutoff of Karatsuba at this level; starts as poly_cutoff
+    int32_t expon;        // degree of the modding polynomial
+    poly p;               // the modding polynomial, monic, in this variable and deeper ones; nil: none.
+                          // t^n + a is kept as the number -a
+    boolean field;        // this level belongs to the field tower
+    int16_t depth;        // level: 1 for the first entry of polynames
+    int16_t aux_num;      // number of second auxiliary primes
     RootPrime* gcd_data;  // these, by falling primes; from checked_malloc
     poly rational_p;      // in modular mode: p as it was before, chains; nil: declared in modular mode
     polypt next;
@@ -105,14 +106,12 @@ void newpt(polypt* p);  ///< a fresh variable record: polycut := poly_cutoff, al
 void free_pt(polypt* p);
 
 inline polypt pt_garb = nullptr;
-inline polypt polynames = nullptr;         // list of variables, level 1 first     writers: attach_poly
-inline polypt old_polynames = nullptr;     // the true list while a copy stands in
-inline polypt pseudo_polynames = nullptr;  // polynames if a level has a modding polynomial     writers: reset_pseudo_poly
-inline polypt nilpol = nullptr;
-inline int32_t number_polys = 0;  // length of polynames
-inline boolean using_new_polynames = 0;
-inline polypt dodo = nullptr;  // 78 internal names a1..z1, a2.., a3..
-inline poly poly_1 = nullptr;  // the constant 1, right in either mode; never consumed
+inline polypt polynames = nullptr;         // list of variables, level 1 first  writers: poly/poly_vars
+inline polypt pseudo_polynames = nullptr;  // polynames if a level has a modding polynomial
+                                           //                                   writers: reset_pseudo_poly
+inline int32_t number_polys = 0;           // length of polynames               writers: poly/poly_vars
+inline polypt dodo = nullptr;              // 78 internal names a1..z1, a2.., a3..
+inline poly poly_1 = nullptr;              // the constant 1, right in either mode; never consumed
 inline constexpr int32_t k_max_polys = 150;
 inline constexpr int32_t k_levels = 160;  // size of every array indexed by level
 inline constexpr int32_t k_leaf_depth = 16384;

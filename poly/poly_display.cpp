@@ -55,8 +55,8 @@ void break_line(Show& w) {
     }
 }
 
-/// Ends the line if it is within `reserve` characters of its length. The safe point of a display: once a line, or, where
-/// lines are not broken, every time.
+/// Ends the line if it is within `reserve` characters of its length. The safe point of a display: once a
+/// line, or, where lines are not broken, every time.
 void break_if_full(Show& w, int32_t reserve) {
     if (dispcutoff > 0) {
         if (*w.mylength <= 0 || *w.mylength < dispcutoff - reserve) return;

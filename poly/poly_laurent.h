@@ -1,5 +1,8 @@
 #pragma once
 /// poly/poly_laurent.h: monomial factors and negative exponents.
+///
+/// Purpose    computations on negative exponents take the monomial factor away, and put it back at the end.
+/// Ownership  a list of exponents belongs to the caller, who gives it back with free_exponent_list.
 #include "poly/poly.h"
 namespace tolvex {
 /// For each level up to depth: the least exponent that occurs, the minimum started at value (0: only negative

@@ -15,11 +15,6 @@ int32_t monic_poly(polyptrr r) {
     return inverse;
 }
 
-int32_t monic_coefs(polyptrr u) {
-    int32_t lead = leading_coef(*u)->ncoef->lint;
-    return monic_poly(u) == 1 ? 1 : lead;
-}
-
 bool has_unit_lead(poly p) {
     int32_t lead = leading_coef(p)->ncoef->lint;
     return lead == 1 || mod_inverse_or_0(lead) != 0;

@@ -7,9 +7,6 @@ namespace tolvex {
 /// *r := r divided by its leading number, in place; returns the factor, 1 when nothing is done: the leading
 /// number is 1 already, or has no inverse.
 int32_t monic_poly(polyptrr r);
-/// The same for an operand of the gcd stash; returns the leading number that u had, for the undoing by
-/// mod_num_poly_mult.
-int32_t monic_coefs(polyptrr u);
 /// True if the leading number of p is 1 or has an inverse in the ring in force.
 bool has_unit_lead(poly p);
 /// True if u and v have the same support and lc(v) u = lc(u) v with numeric leading numbers: over Z equal

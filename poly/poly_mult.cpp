@@ -116,7 +116,8 @@ static bool exponents_scale(const polynode* p, int64_t k, polypt pt) {
     polypt below = pt == nullptr ? nullptr : pt->next;
     for (; p != nullptr; p = p->next) {
         int64_t e = counts ? k * p->exp : 0;
-        if (e > INT32_MAX || e < INT32_MIN || (!p->numb && !exponents_scale(p->pcoef, k, below))) return false;
+        if (e > INT32_MAX || e < INT32_MIN || (!p->numb && !exponents_scale(p->pcoef, k, below)))
+            return false;
     }
     return true;
 }

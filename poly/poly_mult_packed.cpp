@@ -22,8 +22,7 @@ constexpr int64_t k_products_a_term = 4;              // of n in a bucket: each 
 constexpr int64_t k_bucket_bytes = int64_t{1} << 26;  // for the slots of a bucket
 constexpr int64_t k_tile_n = 32, k_tile_m = 512;      // terms of a tile: its slots stay close together
 #endif
-constexpr int64_t k_rows_unpolled =
-    64;  // terms of n that meet their partners in a bucket, between safe points
+constexpr int64_t k_rows_unpolled = 64;  // terms of n that meet theirs in a bucket between safe points
 
 /// One product: the shapes of both operands and the terms in order, without their keys.
 struct Product {

@@ -1,6 +1,8 @@
 #pragma once
 /// poly/poly_scale.h: products with a number or a single term. Zero divisors: terms that become 0 are
 /// removed.
+///
+/// Ownership  *q is fresh, operands are kept; the others work in place.
 #include "poly/poly.h"
 namespace tolvex {
 void scalar_by_poly(const number* x, poly y, polyptrr q);  ///< *q := x y

@@ -1,5 +1,7 @@
 #pragma once
 /// poly/poly_shape.h: degrees, levels, counts of terms.
+///
+/// Ownership  operands are only read; what is returned stays part of them.
 #include "poly/poly.h"
 namespace tolvex {
 poly leading_coef(poly p);                          ///< the leaf reached by first coefficients

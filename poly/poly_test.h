@@ -1,5 +1,8 @@
 #pragma once
 /// poly/poly_test.h: questions about the value of a polynomial.
+///
+/// Ownership  operands are only read.
+/// Modes      any.
 #include "poly/poly.h"
 namespace tolvex {
 boolean poly_iszero(const polynode* p);  ///< the number 0

@@ -1,5 +1,8 @@
 #pragma once
 /// poly/poly_vars.h: the table of polynomial variables.
+///
+/// Invariant  polynames is the list, level 1 first; depth counts from 1; the sorted table agrees with it.
+/// Ownership  records of variables belong to the list.
 #include "poly/poly.h"
 namespace tolvex {
 boolean is_poly_name(const tokentipe& name, int32_t* depth);

@@ -60,8 +60,8 @@ int32_t poly_weight(const polynode* n, int32_t depth);
 int32_t max_digits(const polynode* p);
 
 // ---- shape: size_shape.cpp -----------------------------------------------------------------------------
-int32_t
-poly_height(const polynode* p);  ///< levels below the first real one on the deepest path, pads not counted
+/// Levels below the first real one on the deepest path, pads not counted.
+int32_t poly_height(const polynode* p);
 /// Levels below the top that are in use, pads counted; with a field only those above it.
 int32_t quick_depth_below(const polynode* p, int32_t depth);
 /// The deepest level above the field in which some exponent is not 0; 0 when there is none.

@@ -270,30 +270,6 @@ static void take_parts(quoly q, polyptrr numer, polyptrr denom) {
     q->numer = q->denom = nullptr;
 }
 
-void normal_form(quolyptr q, boolean laur) {
-    if ((*q)->numb) return;
-    poly numer, denom;
-    take_parts(*q, &numer, &denom);
-    if (denom != nullptr && !poly_iszero(numer) && !poly_iszero(denom)) normalise_parts(&numer, &denom, laur);
-    receive_fraction(q, numer, denom);
-}
-
-void sanitize(quoly q) {
-    if (q->numb || q->denom == nullptr) return;
-    number common = {}, other = {};
-    find_gcdcoefs(q->numer, &common);
-    if (!is_longint(&common, 1)) {
-        find_gcdcoefs(q->denom, &other);
-        binary_gcd(&common, &other, &common);
-        special_free(&other);
-    }
-    if (!is_longint(&common, 1)) {
-        num_poly_quot(&q->numer, &common, 0);
-        num_poly_quot(&q->denom, &common, 0);
-    }
-    special_free(&common);
-}
-
 void check_quoly(quolyptr q, boolean q_odd) {
     if ((*q)->numb) return;
     poly numer, denom;

@@ -1,6 +1,8 @@
 #pragma once
 /// quoly/ports.h: what rational functions ask of the layer of field towers. Declared here, defined in field/.
 /// Callers ask only while field_depth is positive.
+///
+/// Purpose    denominators and leading elements that are field elements.
 #include "poly/poly.h"
 namespace tolvex {
 /// numer / denom, both not 0: both multiplied by a field element after which the leading element of denom is

@@ -38,17 +38,6 @@ void scalar_to_quoly(const number* n, quolyptr q) {
     receive_number(q, copy);
 }
 
-void spec_scalar_quoly(const number* n, quolyptr q) {
-    if (*q != nullptr && (*q)->numb) {
-        spec_num_assign(n, numb_target(q));
-        return;
-    }
-    imptr copy;
-    newimag(&copy);
-    spec_num_assign(n, copy);
-    receive_number(q, copy);
-}
-
 /// *q := the fraction of the two trees, which are used up.
 static void receive_fraction(quolyptr q, poly numer, poly denom, boolean rat) {
     quoly r = quoly_target(q);
@@ -140,11 +129,6 @@ static bool same_values(const quolynode* p, const quolynode* q, bool negated) {
 boolean quoly_equal(const quolynode* p, const quolynode* q) { return p == q || same_values(p, q, false); }
 boolean quoly_negtive(const quolynode* p, const quolynode* q) { return same_values(p, q, true); }
 boolean quoly_iszero(const quolynode* q) { return q->numb ? iszero(q->ncoef) : poly_iszero(q->numer); }
-
-void quoly_to_poly(const quolynode* q, polyptrr p) {
-    CHECK(q->numb);
-    scalar_to_poly(q->ncoef, p);
-}
 
 void quoly_consume(quolyptr q, polyptrr p) {
     poly n;

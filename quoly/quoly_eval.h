@@ -2,11 +2,10 @@
 /// quoly/quoly_eval.h: values of the language put in for polynomial variables.
 ///
 /// Purpose    Horner's scheme in the arithmetic of rational functions: a power is formed only for a gap
-///            above 1. Ownership  operands are kept, an old *n is given back when the result is complete:
-///            *n may be the operand.
+///            above 1.
+/// Ownership  operands are kept, an old *n is given back when the result is complete: *n may be the operand.
 /// Modes      any. Negative exponents take the reciprocal of the value.
-/// Raises     22 a reciprocal
-/// of 0; 210 a denominator that becomes 0.
+/// Raises     22 a reciprocal of 0; 210 a denominator that becomes 0.
 #include "quoly/quoly.h"
 namespace tolvex {
 /// *n := q, which stands at `level`, with value[l] put in for the variable of every level l up to last; nil:

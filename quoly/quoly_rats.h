@@ -3,8 +3,8 @@
 ///
 /// Purpose    operands of one digit are worked on in words; longer ones as chains, by the two-gcd sum and the
 ///            cross-cancelling product (Knuth, The Art of Computer Programming 2, 4.5.1; Henrici).
-/// Modes      not lintmode. Operands are numb or rat; results too.
 /// Ownership  operands are kept; *p may be an operand.
+/// Modes      not lintmode. Operands are numb or rat; results too.
 #include "quoly/quoly.h"
 namespace tolvex {
 void add_rats(const quolynode* n, const quolynode* m, quolyptr p, bool subtract);

@@ -19,7 +19,8 @@ static bool divide_out(poly n, poly common, polyptrr q, bool odd) {
 
 void reduce(poly n, poly m, polyptrr common, polyptrr num, polyptrr den) {
     constexpr int k_attempts = 4;
-    if (!lintmode && exists_field_element(*common, 1) && tower_reduce(n, m, *common, num, den, polynames)) return;
+    if (!lintmode && exists_field_element(*common, 1) && tower_reduce(n, m, *common, num, den, polynames))
+        return;
     bool odd = laurent && (has_negative_exponent(n) || has_negative_exponent(m));
     for (int attempt = 0; attempt < k_attempts; attempt++) {
         poly q = nullptr, r = nullptr;

@@ -1,5 +1,7 @@
 #pragma once
 /// session/jumps.h: the two ways out of any depth. Both targets stand in session/main.cpp.
+///
+/// Purpose    setjmp and longjmp stand behind these two routines alone.
 #include <cstdint>
 namespace tolvex {
 /// To the start of level 1, with the number of the failure. The caller has put the session in order

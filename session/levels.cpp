@@ -143,7 +143,6 @@ static void drop_line_rests() {
     ring_unwind();
     quoly none = nullptr;
     if (suspended && modularmode) reduce_stored_words(&none);
-    was_modulus = -1;
     integerflag = 0;
     if (modding_lifted > 0) modding_exchange();
     release_images();
@@ -162,7 +161,7 @@ static void drop_line_rests() {
     eval_state = {};
     forget_running_statements();
     set_statement_aside();
-    matrix_eval = syst_dump = 0;
+    syst_dump = 0;
     interrupt_levels = 0;
     levelcount = 1;
     quotient_by_zero = 1;

@@ -1,5 +1,7 @@
 #pragma once
 /// session/listing_sort.h: names of a listing in order.
+///
+/// Ownership  the entries are the caller's; names point into the tables.
 #include "language/tokens/token.h"
 
 #include <cstdint>

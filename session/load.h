@@ -20,8 +20,7 @@ namespace tolvex {
 inline constexpr int32_t k_file_name_length = 255;
 inline FILE* inpuf = nullptr;                              // nil: none        writers: load
 inline char input_file_name[k_file_name_length + 1] = "";  // empty: none
-inline boolean done_load =
-    0;  // the load loop is to end; kept, so that a further `&r` goes on behind `&x`   writers: &x, load
+inline boolean done_load = 0;  // the load loop is to end; kept for a further `&r`  writers: &x, load
 
 /// A load under way, on the process stack.
 struct LoadRun {

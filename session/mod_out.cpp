@@ -178,10 +178,8 @@ static void make_first_list(ModOutText& text, NewLevel level, bool grows) {
     }
     printf("  Computing and counting first auxiliary list.\n");
     PrimeList old = {aux_prime1_number, aux_prime1}, found = {0, text.prime};
-    bool thinned = grows && aux_prime1_number > 0;
-    find_first_primes(level, thinned ? &old : nullptr, &found, true);
+    find_first_primes(level, grows && aux_prime1_number > 0 ? &old : nullptr, &found, true);
     text.primes = found.count;
-    aux1_hit_0 = thinned && found.count == 0;
     if (found.count >= k_few) return;
     printf(" *** Warning. Few auxiliary primes found.\n");
     printf("     Try restarting Tolvex, then use &X to increase the\n");

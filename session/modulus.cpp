@@ -29,7 +29,6 @@ namespace tolvex {
 static constexpr int32_t k_fresh_cutoff = 80;
 static constexpr int32_t k_div_cutoff_rational = 6, k_div_cutoff_modular = 25;
 static constexpr int32_t k_decimals_rational = 4, k_decimals_modular = 16;
-static constexpr int32_t k_codes_rational = 998;  // character codes that arrays may hold
 
 bool ring_may_change() {
     if (levelcount == 1 && eval_state.held == nullptr) return true;
@@ -83,7 +82,6 @@ bool enter_modular(int32_t m, bool loud) {
         mod_is_prime = 1;
         alt_form_display = 0;
     }
-    limit_char_arrays = minn(k_codes_rational, modulus);
     was_in_rat = 0;
     rand_denom_n = 1;
     quoly_set(0, &prevnum);
@@ -114,7 +112,6 @@ bool leave_modular(bool loud) {
     mod_is_prime = 0;
     fresh_cutoffs(k_div_cutoff_rational);
     set_disp_size(k_decimals_rational);
-    limit_char_arrays = k_codes_rational;
     was_in_rat = 1;
     rand_denom_n = 1;
     quoly_set(0, &prevnum);

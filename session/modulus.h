@@ -1,11 +1,11 @@
 #pragma once
 /// session/modulus.h: changes of the ground ring.
 ///
-/// Purpose    `&p` and `&(p = v)`: from the integers to the integers modulo v or a table field, and back. All stored
-///            values are converted.
-/// Invariant  a value without an image becomes 0: the conversion raises nothing. Until all values have their images
-///            nothing changes (session/value_images.h); the change itself is not interrupted. The value under way and
-///            the previous value are 0 after a change.
+/// Purpose    `&p` and `&(p = v)`: from the integers to the integers modulo v or a table field, and back. All
+///            stored values are converted.
+/// Invariant  a value without an image becomes 0: the conversion raises nothing. Until all values have their
+///            images nothing changes (session/value_images.h); the change itself is not interrupted. The
+///            value under way and the previous value are 0 after a change.
 /// Raises     62, 73, 84 before anything is changed; 353 where modular mode may not be left; 148 at the
 ///            question.
 #include "quoly/quoly.h"

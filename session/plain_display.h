@@ -1,5 +1,7 @@
 #pragma once
 /// session/plain_display.h: residues written as 0 to modulus - 1 while a session is saved.
+///
+/// Purpose    a saved file is read in the same way whatever the display says.
 #include "language/language_modes.h"
 #include "numbers/display_modes.h"
 namespace tolvex {

@@ -46,8 +46,8 @@ static FILE* open_beside(const struct stat* old) {
     return fdopen(fd, "w");
 }
 
-/// While a file is open for writing, a limit on the size of files or a reader that leaves its pipe is a write that fails
-/// (error 348) and not the end of the session.
+/// While a file is open for writing, a limit on the size of files or a reader that leaves its pipe is a write
+/// that fails (error 348) and not the end of the session.
 static void outlive_failed_writes(bool file_is_open) {
     using Handler = void (*)(int);
     static Handler before[2];

@@ -48,7 +48,8 @@ static SavePlace place_of(const SwitchRow& row, int32_t value) {
 /// True if the value must stand behind the modulus, which would set it anew.
 static bool waits_for_ring(const SwitchRow& row) { return row.reset_by_modulus && modularmode; }
 
-/// The value that the settings in front of the row leave in a fresh session: a table field clears alt_form_display.
+/// The value that the settings in front of the row leave in a fresh session: a table field clears
+/// alt_form_display.
 static int32_t value_before(const SwitchRow& row) {
     return finf && row.at == &alt_form_display ? 0 : row.start;
 }

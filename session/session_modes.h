@@ -3,8 +3,9 @@
 /// times.
 ///
 /// Purpose    the words that the driver, the switches and the error route share. Lower layers see none of
-///            them. Invariant  promptsize is the length of prompt, except for the empty prompt: that is
-///            one carriage return and promptsize 0. levelcount and time_level are 1 at the main loop.
+///            them.
+/// Invariant  promptsize is the length of prompt, except for the empty prompt: that is one carriage return
+///            and promptsize 0. levelcount and time_level are 1 at the main loop.
 #include "language/tokens/token.h"
 #include "numbers/display_modes.h"
 #include "quoly/quoly.h"
@@ -13,10 +14,9 @@
 #include <cstdint>
 #include <cstdio>
 namespace tolvex {
-inline FILE* Input = nullptr;   // standard input                writers: main
-inline FILE* Output = nullptr;  // standard output               writers: main
-inline FILE* tolstartup =
-    nullptr;  // the start-up script while it runs     writers: load_startup, error route
+inline FILE* Input = nullptr;       // standard input                writers: main
+inline FILE* Output = nullptr;      // standard output               writers: main
+inline FILE* tolstartup = nullptr;  // the start-up script while it runs     writers: session/startup
 
 inline constexpr int32_t k_prompt_length = 10;
 inline char prompt[k_prompt_length + 1] = ">";  // writers: &M

@@ -124,7 +124,6 @@ static void read_memory_count() {
         initial_memory = count * k_quarter_of_megabyte;
         totalavailablememory = static_cast<uint64_t>(initial_memory) * 4;
     }
-    virtual_cut = initial_memory / 5;
 }
 
 /// Drops white space, line ends included; true if something follows.
@@ -205,7 +204,6 @@ static void register_roots() {
 
 static void set_up_constants() {
     init_poly_constants();
-    init_dense();
     init_quoly_constants();
     init_symbols();
     garbage_provide_gcd_stash(mass_gcd_stash);

@@ -5,8 +5,8 @@
 #include "numbers/display_modes.h"
 #include "numbers/number_modes.h"
 #include "poly/poly.h"
-#include "session/save_file.h"
 #include "session/mod_out.h"
+#include "session/save_file.h"
 #include "session/session_modes.h"
 #include "session/switch_table.h"
 

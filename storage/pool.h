@@ -94,8 +94,8 @@ template <auto link, class R> inline void pool_splice(R*& head, R* first, R* las
 #else
 template <auto link, class R> inline R* pool_link(const R* p) { return p->*link; }
 
-/// A record of the pool `head`, contents undefined; from `source` (nullptr: the chunks of fresh_record) if it is
-/// empty.
+/// A record of the pool `head`, contents undefined; from `source` (nullptr: the chunks of fresh_record) if it
+/// is empty.
 template <auto link, class R> inline R* pool_pop(R*& head, stash_rec* source) {
     R* p = head;
     if (__builtin_expect(p == nullptr, 0))

@@ -64,8 +64,8 @@ int32_t more_mem();
 void endof_stash(stash_rec* pstash);
 /// Bump allocation of `number` 32-bit words, never given back. At most 131072 words a call.
 int32_t* get_small(int32_t number);
-/// The memory of one record that has no stash of its own, never given back, 8-byte aligned: small ones are cut from
-/// chunks, which costs no header for each.
+/// The memory of one record that has no stash of its own, never given back, 8-byte aligned: small ones are
+/// cut from chunks, which costs no header for each.
 void* fresh_record(size_t bytes);
 void stash_stats();
 void print_stash_stats(const stash_rec* pstash);

@@ -1,4 +1,5 @@
-// The jump targets of a program that links the session but runs no statements: there is nowhere to go back to.
+// The jump targets of a program that links the session but runs no statements: there is nowhere to go back
+// to.
 #include "session/jumps.h"
 
 #include <cstdint>

@@ -1,5 +1,8 @@
 #pragma once
 /// language/tokens/look_ahead.h: what comes behind the current token.
+///
+/// Purpose    the scanner is one token ahead; a few forms need one sign more.
+/// Modes      a cursor that is empty reads the stream.
 #include "language/tokens/scanner.h"
 namespace tolvex {
 /// True if the next token is that sign. Blanks in front of it, which mean nothing there, are read.

@@ -27,9 +27,7 @@ inline int32_t func_def_count = 0;  // depth of definitions being read
 inline boolean line_crossed = 0;    // a line end stood in front of the current token: in a file, or continued
 inline boolean lines_close = 0;     // a line end ends a number too: in the rows of an array literal
 inline boolean line_end_given = 0;  // in a definition: the line feed that is next has been given as ";"
-/// The wait is for a new line of a statement.                                          writers: the scanner,
-/// levels
-inline boolean line_start_awaited = 0;
+inline boolean line_start_awaited = 0;                           // the wait is for a new line of a statement
 inline nameptr currentchar = nullptr;                            // the list node after the current token
 inline nameptr startexpr = nullptr, prev_expr = nullptr;         // error-report cursors into token lists
 inline nameptr start = nullptr, finish = nullptr, s2 = nullptr;  // history ring; finish nil: empty

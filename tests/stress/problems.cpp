@@ -355,7 +355,6 @@ void default_settings() {
     gcd_stash_cutoff = 200;
     small_gcd_stash_cut = 100;
     fast_gcd_size = 25000;
-    hgcd_cut = 11000;
     poly_cutoff = 80;
     laurent = 0;
     if (lookupgcd > 0) free_gcd_stash();
@@ -436,7 +435,6 @@ std::string permuted_settings(const StressProblem& p, Rng& rng) {
     c.choose("rat_yes", rat_yes, {0, 1, 1, 1});
     c.choose("sure", gcd_sure, {0, 0, 0, 1});
     c.choose("fast_gcd_size", fast_gcd_size, {0, 25000, 25000});
-    c.choose("hgcd_cut", hgcd_cut, {10, 11000});
     c.choose("poly_cutoff", poly_cutoff, {4, 80});
     c.choose("abandoned", alg_c_count, {0, 0, 3});
     c.choose("faults", fault_rate, {0, 0, 0, 0, 1, 5, 30});

@@ -27,7 +27,6 @@ void set_up_once() {
 #endif
 #ifdef TOLVEX_WITH_POLY
     init_poly_constants();
-    init_dense();
 #endif
 }
 

@@ -1,5 +1,5 @@
-// Characteristic and minimal polynomials: values at points against determinants, the polynomial at its matrix, powers of
-// sequences against their recurrences, components against reachability.
+// Characteristic and minimal polynomials: values at points against determinants, the polynomial at its
+// matrix, powers of sequences against their recurrences, components against reachability.
 #include "matrix/berkowitz.h"
 #include "matrix/charpoly.h"
 #include "matrix/components.h"

@@ -1,5 +1,5 @@
-// Hermite and Smith forms: their shape, their transformations, dense and sparse, by steps and by engines; the arithmetic
-// modulo large numbers under them.
+// Hermite and Smith forms: their shape, their transformations, dense and sparse, by steps and by engines; the
+// arithmetic modulo large numbers under them.
 #include "matrix/big_ring.h"
 #include "matrix/cyclic_lattice.h"
 #include "matrix/hermite.h"

@@ -1,4 +1,5 @@
-// Sparse determinants against dense ones, in every ring and by every method; the choice of pivots; kept minors.
+// Sparse determinants against dense ones, in every ring and by every method; the choice of pivots; kept
+// minors.
 #include "matrix/determinant.h"
 #include "matrix/sparse_determinant.h"
 #include "matrix/sparse_elim.h"

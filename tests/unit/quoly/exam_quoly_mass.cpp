@@ -34,8 +34,8 @@ TEST(QuolyMass, residues_weigh_1) {
     expect_masses({{"77", 1}, {"5/7", 1}, {"77 x", 2}});
 }
 
-// The leading exponent counts twice (depthnum), exponents of level k count k times; the better mass has 1 more for
-// each term, that of the leaf included.
+// The leading exponent counts twice (depthnum), exponents of level k count k times; the better mass has 1
+// more for each term, that of the leaf included.
 TEST(QuolyMass, terms_weigh_their_exponents) {
     Setting over_z(0, 3);
     expect_masses({{"x", 2}, {"x^3", 6}, {"x^3 + x^2 + 1", 9}, {"y^3", 6}, {"x y", 4}, {"x^2 y^3", 24}});
