@@ -1,6 +1,4 @@
 #include "field/cantor_zass.h"
-
-#include <utility>
 namespace tolvex {
 namespace {
 constexpr int32_t k_most_tries = 200;  // only a ring that is no field needs as many
@@ -104,7 +102,7 @@ void even_cantor_zass(const ResidueRing& r, const uint32_t* t, FactorRandom* ran
     scratch_release(mark);
 }
 
-// ---- splitting -------------------------------------------------------------------------------------------
+// ---- splitting -----------------------------------------------------------------------------------------
 
 namespace {
 /// A product of factors of degree d and a residue that is in the field modulo each of them; nil: none yet.

@@ -11,7 +11,7 @@ namespace {
 constexpr int64_t k_most_words = int64_t{1} << 23;  // of a polynomial in arrays
 }  // namespace
 
-// ---- what can be factored --------------------------------------------------------------------------------
+// ---- what can be factored ------------------------------------------------------------------------------
 
 /// The element of the tower of h levels that stands below the level of pt, nil if another variable occurs.
 static const polynode* field_coefficient(const polynode* c, polypt pt, int32_t h) {
@@ -59,7 +59,7 @@ bool cant_factor(const polynode* p, int32_t k, FactorTask* task, Err* why) {
     return true;
 }
 
-// ---- between polynomials and arrays ----------------------------------------------------------------------
+// ---- between polynomials and arrays --------------------------------------------------------------------
 
 /// out[0..degree] := the coefficients of the task's polynomial.
 static bool words_of_poly(const CoefficientField& k, const FactorTask& task, uint32_t* out) {
@@ -100,7 +100,7 @@ static bool open_task(const FactorTask& task, CoefficientField* k, uint32_t** f)
     return words_of_poly(*k, task, *f) && tw_make_monic(k->t, k->h, *f, task.p->exp);
 }
 
-// ---- entries ---------------------------------------------------------------------------------------------
+// ---- entries -------------------------------------------------------------------------------------------
 
 /// Appends the factors of a polynomial in one variable, their multiplicities times `times`. False: the tower
 /// is no field.

@@ -47,7 +47,7 @@ static void append_bits(FactorList* list, const uint64_t* a, int32_t degree, int
     list->room += degree + 1;
 }
 
-// ---- products of factors of one degree -------------------------------------------------------------------
+// ---- products of factors of one degree -----------------------------------------------------------------
 
 static void take_factors(BitSearch& s, const uint64_t* g, int32_t degree, int32_t d) {
     if (s.least == 0) s.least = d;
@@ -147,7 +147,7 @@ int32_t least_degree_bits(const uint32_t* f, int32_t n) {
     return s.least;
 }
 
-// ---- splitting -------------------------------------------------------------------------------------------
+// ---- splitting -----------------------------------------------------------------------------------------
 
 /// *g := a proper divisor of c, a product of factors of degree d. Returns its degree.
 static int32_t proper_divisor(const uint64_t* c, int32_t n, int32_t d, FactorRandom* random, uint64_t** g) {

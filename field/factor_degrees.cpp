@@ -115,7 +115,7 @@ static void take_each_degree(DegreeSearch& s, uint32_t* g, int32_t dg, const Dif
     scratch_release(mark);
 }
 
-// ---- one power after the other ---------------------------------------------------------------------------
+// ---- one power after the other -------------------------------------------------------------------------
 
 /// The degrees from d + 1 to d + count; h := x^(q^(d + count)), from x^(q^d).
 static void search_block(DegreeSearch& s, const SearchRing& ring, int32_t d, int32_t count, uint32_t* h) {
@@ -164,7 +164,7 @@ static void search_by_powers(DegreeSearch& s) {
     take_rest(s);
 }
 
-// ---- giant steps -----------------------------------------------------------------------------------------
+// ---- giant steps ---------------------------------------------------------------------------------------
 
 namespace {
 /// The stored powers and the giant steps on the way.
@@ -326,7 +326,7 @@ static void search_in_giant_steps(DegreeSearch& s) {
     take_rest(s);
 }
 
-// ---- entries ---------------------------------------------------------------------------------------------
+// ---- entries -------------------------------------------------------------------------------------------
 
 static void search(DegreeSearch& s) {
     ScratchMark mark = scratch_mark();

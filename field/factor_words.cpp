@@ -4,7 +4,7 @@
 
 #include <algorithm>
 namespace tolvex {
-// ---- lists -----------------------------------------------------------------------------------------------
+// ---- lists ---------------------------------------------------------------------------------------------
 
 void open_list(FactorList* list, const CoefficientField& k, int32_t degree) {
     *list = {new_elements(k, int64_t{2} * degree + 2), scratch_array<FactorPart>(int64_t{degree} + 1), 0};
@@ -36,7 +36,7 @@ void random_elements(const CoefficientField& k, FactorRandom* random, int32_t n,
     } while (tw_iszero(k.t, k.h, out));
 }
 
-// ---- square-free parts -----------------------------------------------------------------------------------
+// ---- square-free parts ---------------------------------------------------------------------------------
 
 namespace {
 /// A polynomial with room for the degree it starts with.
@@ -146,7 +146,7 @@ int32_t has_repeated_factor(const CoefficientField& k, const uint32_t* f, int32_
     return repeated;
 }
 
-// ---- all steps -------------------------------------------------------------------------------------------
+// ---- all steps -----------------------------------------------------------------------------------------
 
 namespace {
 /// The order of the factors.

@@ -31,7 +31,7 @@ static void replace(polyptrr p, poly fresh) {
     *p = fresh;
 }
 
-// ---- field levels in modular mode: flat arrays -----------------------------------------------------------
+// ---- field levels in modular mode: flat arrays ---------------------------------------------------------
 
 static void reduce_element(polyptrr p, polypt pt) {
     const TowerWords& t = tower_words();
@@ -120,7 +120,7 @@ void reduce_coefficients(polyptrr at, polypt below) {
     }
 }
 
-// ---- any modding polynomial ------------------------------------------------------------------------------
+// ---- any modding polynomial ----------------------------------------------------------------------------
 
 /// Takes off the terms of *p from t^n on, which are left in *high.
 static void split_from(polyptrr p, int32_t n, polyptrr high) {

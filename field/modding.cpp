@@ -11,7 +11,7 @@
 #include "poly/poly_convert.h"
 #include "poly/poly_test.h"
 namespace tolvex {
-// ---- what follows from the list of variables -------------------------------------------------------------
+// ---- what follows from the list of variables -----------------------------------------------------------
 
 static void empty_lists() {
     aux_prime1_number = 0;
@@ -87,7 +87,7 @@ void whole_modding(const polydata* v, polyptrr whole) {
     *whole = f;
 }
 
-// ---- changes of the ground ring --------------------------------------------------------------------------
+// ---- changes of the ground ring ------------------------------------------------------------------------
 
 // In modular mode: the polynomials that go back to chains are not those that the auxiliary lists were made
 // for.
@@ -149,7 +149,7 @@ bool level_is_field(polypt v) {
     return tw_irreducible(lowest_levels(h), h);
 }
 
-// ---- while a new polynomial is read ----------------------------------------------------------------------
+// ---- while a new polynomial is read --------------------------------------------------------------------
 
 void suspend_modding() {
     modding_held = 1;

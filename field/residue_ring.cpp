@@ -9,7 +9,7 @@
 
 #include <algorithm>
 namespace tolvex {
-// ---- the field -------------------------------------------------------------------------------------------
+// ---- the field -----------------------------------------------------------------------------------------
 
 void open_field(CoefficientField* k, const TowerWords& t, int32_t h) {
     k->t.f = t.f;
@@ -51,7 +51,7 @@ void element_root(const CoefficientField& k, uint32_t* a) {
     }
 }
 
-// ---- products --------------------------------------------------------------------------------------------
+// ---- products ------------------------------------------------------------------------------------------
 
 /// The element a of height h at its places in a product in one variable; the places between are 0.
 static void spread_element(const CoefficientField& k, int32_t h, const uint32_t* a, uint32_t* out) {
@@ -112,7 +112,7 @@ void poly_product(const CoefficientField& k, const uint32_t* a, int32_t an, cons
     wf_mult(k.t.f, a, an, b, bn, c);
 }
 
-// ---- division and common divisors ------------------------------------------------------------------------
+// ---- division and common divisors ----------------------------------------------------------------------
 
 int32_t poly_divide(const CoefficientField& k, uint32_t* a, int32_t da, const uint32_t* b, int32_t db,
                     uint32_t* q) {
@@ -151,7 +151,7 @@ int32_t poly_gcd(const CoefficientField& k, uint32_t* a, int32_t da, uint32_t* b
     return degree < 0 || tw_make_monic(k.t, k.h, *g, degree) ? degree : -2;
 }
 
-// ---- residues --------------------------------------------------------------------------------------------
+// ---- residues ------------------------------------------------------------------------------------------
 
 /// The inverse power series of the reversed f by Newton's iteration, highest coefficient first.
 static void open_series(ResidueRing* r) {
@@ -281,7 +281,7 @@ int32_t frobenius_products(const CoefficientField& k) {
     return k.degree * (30 - __builtin_clz(k.p) + __builtin_popcount(k.p));
 }
 
-// ---- composition -----------------------------------------------------------------------------------------
+// ---- composition ---------------------------------------------------------------------------------------
 
 void open_powers(PowerTable* table, const ResidueRing* r, const uint32_t* h, int32_t count) {
     const CoefficientField& k = *r->k;

@@ -56,7 +56,7 @@ bool tower_normalise(polyptrr r, polypt pt, polyptrr factor) {
     return true;
 }
 
-// ---- division by a polynomial whose leading element is a number -------------------------------------------
+// ---- division by a polynomial whose leading element is a number ----------------------------------------
 
 namespace {
 /// A division under way: c n = q m + rest at every step.

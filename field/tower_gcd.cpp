@@ -32,7 +32,7 @@
 
 #include <utility>
 namespace tolvex {
-// ---- modulo a prime, one variable above the field --------------------------------------------------------
+// ---- modulo a prime, one variable above the field ------------------------------------------------------
 
 /// The coefficients of p, all in the field, as an array of elements; pads: levels between its variable and
 /// the field.
@@ -83,7 +83,7 @@ static bool gcd_in_arrays(poly u, poly v, polyptrr g, polypt pt) {
     return degree >= 0;
 }
 
-// ---- modulo a prime, several variables above the field ---------------------------------------------------
+// ---- modulo a prime, several variables above the field -------------------------------------------------
 
 static bool is_unit(const polynode* p, polypt pt) { return is_number(p) || is_field_element(p, pt->depth); }
 

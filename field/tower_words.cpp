@@ -289,7 +289,7 @@ void tw_power(const TowerWords& t, int32_t h, const uint32_t* a, uint64_t e, uin
     scratch_release(mark);
 }
 
-// ---- polynomials over an element height ------------------------------------------------------------------
+// ---- polynomials over an element height ----------------------------------------------------------------
 
 int32_t tw_degree(const TowerWords& t, int32_t h, const uint32_t* a, int32_t top) {
     while (top >= 0 && tw_iszero(t, h, a + top * t.at[h].size)) top--;

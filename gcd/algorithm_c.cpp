@@ -61,7 +61,7 @@ static void remove_content(polyptrr n, poly c, polypt pt) {
     free_poly(&padded);
 }
 
-// ---- the main variable -----------------------------------------------------------------------------------
+// ---- the main variable ---------------------------------------------------------------------------------
 
 static constexpr int32_t k_worth_a_change = 30;  // terms of both operands
 static constexpr int32_t k_levels_tried = 12;
@@ -137,7 +137,7 @@ static void lower_variable(AlgorithmC& c, polyptrr r) {
     free_node(pad);
 }
 
-// ---- the cost --------------------------------------------------------------------------------------------
+// ---- the cost ------------------------------------------------------------------------------------------
 
 static constexpr int32_t k_most_abandons = 4;
 
@@ -193,7 +193,7 @@ static bool given_up(AlgorithmC& c) {
     return false;
 }
 
-// ---- the sequence ----------------------------------------------------------------------------------------
+// ---- the sequence --------------------------------------------------------------------------------------
 
 static poly power_of(poly base, int32_t e, polypt pt) {
     poly p = nullptr;

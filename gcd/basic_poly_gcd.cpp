@@ -31,7 +31,7 @@ void monomial2(poly u, poly v, polyptrr p) {
     *p = g;
 }
 
-void fastest_poly_gcd(poly n, poly m, polyptrr p, boolean, polypt pt) {
+void fastest_poly_gcd(poly n, poly m, polyptrr p, polypt pt) {
     if (n->exp >= fast_gcd_size) {
         emgcd_poly(n, m, p, pt, 1);
         return;
@@ -132,7 +132,7 @@ void basic_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt) {
     poly slot;
     if (look_up(n, m, p, &slot, pt)) return;
     if (n->exp < fast_gcd_size) {
-        fastest_poly_gcd(n, m, p, need_monic, pt);
+        fastest_poly_gcd(n, m, p, pt);
     } else if (int64_t{n->exp} + m->exp >= k_half_gcd_degrees) {
         emgcd_poly(n, m, p, pt, 1);
     } else {

@@ -14,7 +14,7 @@
 #include "storage/interrupt.h"
 #include "storage/progress.h"
 namespace tolvex {
-// ---- the coefficients of one or two polynomials ----------------------------------------------------------
+// ---- the coefficients of one or two polynomials --------------------------------------------------------
 
 static constexpr int32_t k_most_work = 200000;  // steps of search in one computation
 
@@ -124,7 +124,7 @@ static void give(polyptrr r, poly fresh) {
     *r = fresh;
 }
 
-// ---- content, aux_content, dual_content ------------------------------------------------------------------
+// ---- content, aux_content, dual_content ----------------------------------------------------------------
 
 void content(poly q, polyptrr r, polypt pt, boolean verbon, boolean allcons, boolean qsave) {
     if (content_is_number(q, pt)) {
@@ -180,8 +180,7 @@ void dual_content(poly p, poly q, polyptrr r, polypt pt, boolean verbon, boolean
     give(r, gcd_of_coefficients(run, form, search, verbon));
 }
 
-// ---- contents in several variables
-// -------------------------------------------------------------------------
+// ---- contents in several variables ---------------------------------------------------------------------
 
 /// A variable record in front of pt, for a chain of coefficients that stand at the level of pt.
 static polydata level_above(polypt pt) {

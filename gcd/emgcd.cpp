@@ -60,7 +60,7 @@ static void split(polyptrr u, int32_t k, polyptrr low) {
 static void division_step(polyptrr u0, polyptrr u1, HalfGcdMatrix* matrix, bool needmult) {
     poly q = nullptr, r = nullptr;
     if (needmult)
-        simplest_poly_divide(*u0, *u1, &q, &r, 1);
+        simplest_poly_divide(*u0, *u1, &q, &r);
     else
         poly_div_no_q(*u0, *u1, &r);
     free_poly(u0);

@@ -18,7 +18,7 @@ void free_half_gcd_matrix(HalfGcdMatrix* matrix);
 /// The monic gcd of n and m, deg n >= deg m >= 1, by Euclid's algorithm on arrays, half-gcds from where they
 /// pay. One routine for all moduli and both table fields: the dense engine picks the arithmetic. A degree of
 /// fast_gcd_size or more goes to emgcd_poly.
-void fastest_poly_gcd(poly n, poly m, polyptrr p, boolean need_monic, polypt pt);
+void fastest_poly_gcd(poly n, poly m, polyptrr p, polypt pt);
 /// *p := the gcd of a0 and a1 up to a unit, deg a0 >= deg a1, by half-gcds. savea01: the operands are kept;
 /// else they are used up.
 void emgcd_poly(poly a0, poly a1, polyptrr p, polypt pt, boolean savea01);

@@ -24,8 +24,7 @@ int64_t changes = 0;
 
 static Setting setting_in_force() { return {modulus, finf, laurent, changes}; }
 
-// ---- giving back
-// -------------------------------------------------------------------------------------------
+// ---- giving back ---------------------------------------------------------------------------------------
 
 /// True if a frame will write through this slot.
 static bool is_open(const GcdEntry* e) { return polygcd_stack_depth > 0 && e->slot->next == nullptr; }
@@ -82,8 +81,7 @@ static void bring_up_to_date() {
     made_for = setting_in_force();
 }
 
-// ---- the hash
-// ----------------------------------------------------------------------------------------------
+// ---- the hash ------------------------------------------------------------------------------------------
 
 static constexpr int32_t k_terms_hashed = 6;
 static constexpr int32_t k_levels_hashed = 4;
@@ -134,8 +132,7 @@ static GcdEntry* find(const Pair& p) {
     return nullptr;
 }
 
-// ---- entries
-// -----------------------------------------------------------------------------------------------
+// ---- entries -------------------------------------------------------------------------------------------
 
 /// The mass of an entry saturates; the sum of all does not.
 static void add_mass(poly slot, int64_t mass) {
@@ -213,8 +210,7 @@ void purge_gcd_stash(int32_t keep) {
     gcdmass = sum < 0 ? 0 : sum;
 }
 
-// ---- levels of use
-// -----------------------------------------------------------------------------------------
+// ---- levels of use -------------------------------------------------------------------------------------
 
 void init_gcd_stash() {
     if (lookupgcd < INT16_MAX) lookupgcd++;
@@ -240,8 +236,7 @@ void free_gcd_stash() {
     empty_table();
 }
 
-// ---- what stands there
-// -------------------------------------------------------------------------------------
+// ---- what stands there ---------------------------------------------------------------------------------
 
 /// An upper bound of the chain p and all below it: numbers of another ring than the one in force may have
 /// digits.

@@ -32,7 +32,7 @@ bool rev_euclid(poly g, poly h, polyptrr s) {
     while (!is_number(b)) {
         poll_interrupt();
         poly q = nullptr, r = nullptr, t = nullptr;
-        simplest_poly_divide(a, b, &q, &r, 1);
+        simplest_poly_divide(a, b, &q, &r);
         free_poly(&a);
         a = b;
         b = r;
@@ -58,7 +58,7 @@ bool rev_euclid(poly g, poly h, polyptrr s) {
 bool open_hensel_pair(poly x, poly g, HenselPair* pair) {
     *pair = {};
     poly r = nullptr;
-    simplest_poly_divide(x, g, &pair->h, &r, 1);
+    simplest_poly_divide(x, g, &pair->h, &r);
     bool exact = poly_iszero(r);
     free_poly(&r);
     poly_assign(g, &pair->g);
@@ -78,7 +78,7 @@ void solve_hensel_step(const HenselPair& pair, poly e, polyptrr dg, polyptrr dh)
     poly_div_no_q(t, pair.g, dg);
     free_poly(&t);
     poly_sub(e, t = product(*dg, pair.h), &rest);
-    simplest_poly_divide(rest, pair.g, dh, &r, 1);
+    simplest_poly_divide(rest, pair.g, dh, &r);
     free_poly(&t);
     free_poly(&rest);
     free_poly(&r);

@@ -15,8 +15,7 @@
 #include "poly/poly_test.h"
 #include "storage/interrupt.h"
 namespace tolvex {
-// ---- pieces
-// ------------------------------------------------------------------------------------------------
+// ---- pieces --------------------------------------------------------------------------------------------
 
 static bool has_degree(const polynode* p) { return !is_number(p) && p->exp > 0; }
 
@@ -83,8 +82,7 @@ static void add_factor(polyptrr sq, int32_t* count, poly f, int32_t multiplicity
     ++*count;
 }
 
-// ---- characteristic p
-// --------------------------------------------------------------------------------------
+// ---- characteristic p ----------------------------------------------------------------------------------
 
 /// The same for a field element below pads.
 static bool take_element_root(polyptrr c, polypt pt) {
@@ -177,8 +175,7 @@ void square_free_factor(poly x, polyptrr sq, int32_t* count, polypt pt) {
     free_poly(&rest);
 }
 
-// ---- characteristic 0
-// --------------------------------------------------------------------------------------
+// ---- characteristic 0 ----------------------------------------------------------------------------------
 
 /// c - b'.
 static poly yun_difference(poly c, poly b) {
@@ -225,8 +222,7 @@ void rat_sq_free_factor(polyptrr x, polyptrr sq, int32_t* count, polypt pt) {
     add_factor(sq, count, b, i + 1, pt);
 }
 
-// ---- all levels
-// --------------------------------------------------------------------------------------------
+// ---- all levels ----------------------------------------------------------------------------------------
 
 void total_sq_free(polyptrr x, polyptrr sq, int32_t* count, boolean first, polypt pt) {
     if (first) {

@@ -9,7 +9,6 @@
 #include "poly/poly_scale.h"
 #include "storage/scratch.h"
 
-#include <cstring>
 #include <numeric>
 namespace tolvex {
 namespace {

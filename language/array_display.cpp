@@ -7,7 +7,6 @@
 #include "storage/interrupt.h"
 
 #include <cinttypes>
-#include <cstdlib>
 namespace tolvex {
 // ---- single values -------------------------------------------------------------------------------------
 

@@ -137,28 +137,11 @@ static void parenthesis_factor(ArrReader& r, ArrOperand& v) {
     half_arr_fact(r, v);
 }
 
-static void minus_factor(ArrReader& r, ArrOperand& v) {
+/// A sign or a name in front of the factor that it works on.
+template <void (*operate)(ArrOperand& v)> static void prefixed_factor(ArrReader& r, ArrOperand& v) {
     next_token(r.inf, r.flag);
     arr_fact(r, v);
-    negate_operand(v);
-}
-
-static void trans_factor(ArrReader& r, ArrOperand& v) {
-    next_token(r.inf, r.flag);
-    arr_fact(r, v);
-    transpose_operand(v);
-}
-
-static void diag_factor(ArrReader& r, ArrOperand& v) {
-    next_token(r.inf, r.flag);
-    arr_fact(r, v);
-    extract_diagonal(v);
-}
-
-static void adjoint_factor(ArrReader& r, ArrOperand& v) {
-    next_token(r.inf, r.flag);
-    arr_fact(r, v);
-    adjoint_operand(v);
+    operate(v);
 }
 
 static void integer_part(quolyptr value, void*) { quoly_great_int(value); }
@@ -281,21 +264,21 @@ static void powermod_factor(ArrReader& r, ArrOperand& v) {
 using FactorReader = void (*)(ArrReader& r, ArrOperand& v);
 
 static FactorReader reader_of_name() {
-    if (tok_is(token, "Trans")) return trans_factor;
-    if (tok_is(token, "Diag")) return diag_factor;
-    if (tok_is(token, "Adjoint")) return adjoint_factor;
+    if (tok_is(token, "Trans")) return prefixed_factor<transpose_operand>;
+    if (tok_is(token, "Diag")) return prefixed_factor<extract_diagonal>;
+    if (tok_is(token, "Adjoint")) return prefixed_factor<adjoint_operand>;
     if (tok_is(token, "Altmult")) return altmult_factor;
     if (tok_is(token, "Altpower")) return altpower_factor;
     if (tok_is(token, "MPowermod")) return powermod_factor;
     return scalar_factor;
 }
 
-static FactorReader reader_of_token(const ArrReader& r) {
+static FactorReader reader_of_token() {
     switch (tok_char(token)) {
     case '(':
         return parenthesis_factor;
     case '-':
-        return minus_factor;
+        return prefixed_factor<negate_operand>;
     case '$':
         return integer_part_factor;
     case '|':
@@ -303,13 +286,12 @@ static FactorReader reader_of_token(const ArrReader& r) {
     case '[':
         return bracket_factor;
     case '"':
-        return trans_factor;
+        return prefixed_factor<transpose_operand>;
     case '~':
-        return diag_factor;
+        return prefixed_factor<extract_diagonal>;
     case '\'':
         return string_factor;
     default:
-        (void)r;
         return is_upper(tok_char(token)) ? reader_of_name() : scalar_factor;
     }
 }
@@ -319,7 +301,7 @@ void arr_fact(ArrReader& r, ArrOperand& v) {
         fail_operand(v, Err::nested_too_deeply);
         return;
     }
-    FactorReader reader = reader_of_token(r);
+    FactorReader reader = reader_of_token();
     bool bracket = reader == bracket_factor || reader == string_factor;
     arr_descr known = r.known;
     reader(r, v);

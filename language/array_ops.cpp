@@ -10,8 +10,6 @@
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
 #include "storage/interrupt.h"
-
-#include <cstring>
 namespace tolvex {
 // ---- element by element --------------------------------------------------------------------------------
 

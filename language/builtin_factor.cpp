@@ -20,7 +20,7 @@
 #include "quoly/quoly_mult.h"
 #include "quoly/quoly_quot.h"
 namespace tolvex {
-// ---- rows of factors -------------------------------------------------------------------------------------
+// ---- rows of factors -----------------------------------------------------------------------------------
 
 /// The rows by rising multiplicity, those of one multiplicity as they came.
 static void sort_by_multiplicity(polyptrr list) {
@@ -197,7 +197,7 @@ void builtin_Irred(BuiltinCall& call) {
     return_word(call, value);
 }
 
-// ---- p-th roots ------------------------------------------------------------------------------------------
+// ---- p-th roots ----------------------------------------------------------------------------------------
 
 /// Pth(e): the root of degree p, the characteristic.
 void builtin_Pth(BuiltinCall& call) {

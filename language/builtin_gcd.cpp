@@ -137,8 +137,7 @@ void builtin_Numcon(BuiltinCall& call) {
     }
 }
 
-// ---- contents
-// ----------------------------------------------------------------------------------------------
+// ---- contents ------------------------------------------------------------------------------------------
 
 /// The name of a polynomial variable, read over; 0 after error 282.
 static int32_t read_variable_name(BuiltinCall& call) {

@@ -262,7 +262,7 @@ void builtin_Equal(BuiltinCall& call) {
 static bool exact_quotient(poly n, poly m, polyptrr q) {
     if (!laurent) return trial_poly_divide(n, m, q, polynames, 0, 0, 0) != 0;
     boolean failed = 0;
-    Lpoly_divide(n, m, q, 1, polynames, &failed);
+    Lpoly_divide(n, m, q, polynames, &failed);
     return !failed;
 }
 

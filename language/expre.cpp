@@ -36,11 +36,9 @@ static void make_whole(quolyptr* qp, quolyptr n) {
 }
 
 void read_factor(FILE* inf, Value* v, nameptr* flag) {
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
     v->own = nullptr;
     v->hold.own = &v->own;
-    fact(inf, &v->hold.at, &v->own, &aux, &colpos, flag, 0);
+    fact(inf, &v->hold.at, &v->own, flag);
     make_whole(&v->hold.at, &v->own);
 }
 
@@ -146,6 +144,22 @@ static void combine(char sign, boolean nogcd, const Value* left, Value* right, q
     }
 }
 
+/// The value becomes a left operand, which stays whole while statements run that the right one brings along.
+static void begin_operands(Value* left, quolyptr* qp, quolyptr n) {
+    make_whole(qp, n);
+    left->hold = {*qp, n, nullptr};
+    hold(left);
+    poll_interrupt();
+}
+
+/// The result stands in *n: neither operand is needed any more.
+static void end_operands(Value* left, Value* right, quolyptr* qp, quolyptr n) {
+    let_go(right);
+    let_go(left);
+    release(right);
+    *qp = n;
+}
+
 /// One operator and its right operand. A bare variable on either side is read where it lives.
 static void multiply_once(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag, char sign) {
     boolean nogcd = 0;
@@ -155,19 +169,12 @@ static void multiply_once(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag, ch
         next_token(inf, flag);
     }
     if (sign != '1' && at_char('/')) error(Err::slash_after_operator);
-    make_whole(qp, n);
-    Value left;
-    left.hold = {*qp, n, nullptr};
-    hold(&left);
-    poll_interrupt();
-    Value right;
+    Value left, right;
+    begin_operands(&left, qp, n);
     read_factor(inf, &right, flag);
     hold(&right);
     combine(sign, nogcd, &left, &right, n);
-    let_go(&right);
-    let_go(&left);
-    release(&right);
-    *qp = n;
+    end_operands(&left, &right, qp, n);
 }
 
 static void rest_of_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
@@ -175,8 +182,8 @@ static void rest_of_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
         multiply_once(inf, qp, n, flag, sign);
 }
 
-void term(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
-    fact(inf, qp, n, aux, colpos, flag, 0);
+void term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
+    fact(inf, qp, n, flag);
     rest_of_term(inf, qp, n, flag);
 }
 
@@ -243,30 +250,21 @@ static void add_once(bool minus, const Value* left, Value* right, quolyptr n) {
 
 /// The operand after "+" or "-".
 static void read_term(FILE* inf, Value* v, nameptr* flag) {
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
     v->own = nullptr;
     v->hold.own = &v->own;
-    term(inf, &v->hold.at, &v->own, &aux, &colpos, flag);
+    term(inf, &v->hold.at, &v->own, flag);
     make_whole(&v->hold.at, &v->own);
 }
 
 static void add_next_term(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     bool minus = at_char('-');
     next_token(inf, flag);
-    make_whole(qp, n);
-    Value left;
-    left.hold = {*qp, n, nullptr};
-    hold(&left);
-    poll_interrupt();
-    Value right;
+    Value left, right;
+    begin_operands(&left, qp, n);
     read_term(inf, &right, flag);
     hold(&right);
     add_once(minus, &left, &right, n);
-    let_go(&right);
-    let_go(&left);
-    release(&right);
-    *qp = n;
+    end_operands(&left, &right, qp, n);
 }
 
 static bool at_sum_sign() { return at_char('+') || (at_char('-') && !line_ends_here()); }
@@ -321,18 +319,14 @@ static void own_result(quolyptr qp, quolyptr n) {
 }
 
 void old_fact(FILE* inf, quolyptr n, nameptr* flag) {
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
     quolyptr qp = n;
-    fact(inf, &qp, n, &aux, &colpos, flag, 0);
+    fact(inf, &qp, n, flag);
     own_result(qp, n);
 }
 
 /// The value of an expression where it lives: no assignment is read.
 static void plain_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
-    term(inf, qp, n, &aux, &colpos, flag);
+    term(inf, qp, n, flag);
     rest_of_sum(inf, qp, n, flag);
 }
 
@@ -595,11 +589,11 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
         error(Err::assignment_form);
 }
 
-void expre(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t* colpos, nameptr* flag) {
+void expre(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     Target name = {token, *flag, false, {}};
     boolean dropped = eval_state.value_dropped;
     eval_state.value_dropped = 0;
-    term(inf, qp, n, aux, colpos, flag);
+    term(inf, qp, n, flag);
     if (at_char(':'))
         after_colon(inf, qp, n, name, flag, dropped);
     else
@@ -636,9 +630,8 @@ static bool read_move_sign(FILE* inf, nameptr* flag) {
     return false;
 }
 
-void fact(FILE* inf, quolyptr* qp, quolyptr n, colm_ptrptr* aux, int32_t*, nameptr* flag, boolean) {
+void fact(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
     free_quoly(n);
-    *aux = nullptr;
     *qp = n;
     if (stack_is_low()) {
         error(Err::nested_too_deeply);

@@ -32,10 +32,8 @@ static void value_statement(FILE* inf, quolyptr n, nameptr* flag) {
         value_of_long(small, n);
         return;
     }
-    colm_ptrptr aux = nullptr;
-    int32_t colpos = 0;
     quolyptr qp = n;
-    expre(inf, &qp, n, &aux, &colpos, flag);
+    expre(inf, &qp, n, flag);
     if (qp != n && qp != nullptr && *qp != nullptr)
         copy_value(qp, n);
     else if (*n == nullptr)

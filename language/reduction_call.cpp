@@ -6,7 +6,6 @@
 #include "poly/poly_vars.h"
 #include "storage/memory.h"
 
-#include <climits>
 #include <cstring>
 namespace tolvex {
 namespace {

@@ -95,13 +95,32 @@ static CrtTerms integer_images(const IntEntry* entries, int32_t n) {
     return t;
 }
 
-static poly charpoly_of_integers(const DiagonalBlock& b, int32_t level) {
-    ScratchMark mark = scratch_mark();
+/// The same for the entries entry_of(leaf) of a block, nil standing for 0.
+template <class EntryOf> static CrtTerms images_of_block(const DiagonalBlock& b, EntryOf entry_of) {
     int64_t count = int64_t{b.n} * b.n;
     auto* entries = scratch_array<IntEntry>(count);
     for (int64_t k = 0; k < count; k++)
-        entries[k] = int_entry(b.entry[k] == nullptr ? nullptr : b.entry[k]->ncoef);
-    CrtTerms t = integer_images(entries, b.n);
+        entries[k] = entry_of(b.entry[k] == nullptr ? nullptr : b.entry[k]->ncoef);
+    return integer_images(entries, b.n);
+}
+
+/// The polynomial whose coefficients make_leaf(k, c) makes of those that the images tell; nil for 0.
+template <class MakeLeaf>
+static poly poly_of_images(CrtTerms& t, int32_t n, int32_t level, MakeLeaf make_leaf) {
+    int64_t i = 0;
+    return poly_of_coefficients(n, level, [&](int32_t k) -> imptr {
+        if (i == t.count || t.index[i] != k) return nullptr;
+        number value = {};
+        leaf_of_crt(&t, i++, &value);
+        imptr leaf = make_leaf(k, int_entry(&value));
+        special_free(&value);
+        return leaf;
+    });
+}
+
+static poly charpoly_of_integers(const DiagonalBlock& b, int32_t level) {
+    ScratchMark mark = scratch_mark();
+    CrtTerms t = images_of_block(b, [](const number* n) { return int_entry(n); });
     poly p = poly_of_crt(t, b.n, level);
     scratch_release(mark);
     return p;
@@ -110,19 +129,11 @@ static poly charpoly_of_integers(const DiagonalBlock& b, int32_t level) {
 /// Modulo a composite number a division may fail: the coefficients over the integers are reduced.
 static poly charpoly_of_lifted(const DiagonalBlock& b, int32_t level) {
     ScratchMark mark = scratch_mark();
-    int64_t count = int64_t{b.n} * b.n;
-    auto* entries = scratch_array<IntEntry>(count);
-    for (int64_t k = 0; k < count; k++)
-        entries[k] = word_entry(b.entry[k] == nullptr ? 0 : static_cast<uint32_t>(b.entry[k]->ncoef->lint));
-    CrtTerms t = integer_images(entries, b.n);
+    CrtTerms t = images_of_block(
+        b, [](const number* n) { return word_entry(n == nullptr ? 0 : static_cast<uint32_t>(n->lint)); });
     WordField ring = word_field_prime(static_cast<uint32_t>(modulus));
-    int64_t i = 0;
-    poly p = poly_of_coefficients(b.n, level, [&](int32_t k) -> imptr {
-        if (i == t.count || t.index[i] != k) return nullptr;
-        number value = {};
-        leaf_of_crt(&t, i++, &value);
-        auto residue = static_cast<int32_t>(entry_residue(ring, int_entry(&value)));
-        special_free(&value);
+    poly p = poly_of_images(t, b.n, level, [&](int32_t, const IntEntry& value) -> imptr {
+        auto residue = static_cast<int32_t>(entry_residue(ring, value));
         if (residue == 0) return nullptr;
         imptr c;
         newimag(&c);
@@ -154,13 +165,8 @@ static void charpoly_of_rationals(const DiagonalBlock& b, int32_t level, quolypt
     auto* power = scratch_array<IntEntry>(int64_t{b.n} + 1);  // of the common denominator
     power[0] = k_entry_one;
     for (int32_t k = 0; k < b.n; k++) power[k + 1] = entry_product(power[k], multiple);
-    int64_t i = 0;
-    poly p = poly_of_coefficients(b.n, level, [&](int32_t k) -> imptr {
-        if (i == t.count || t.index[i] != k) return nullptr;
-        number value = {};
-        leaf_of_crt(&t, i++, &value);
-        IntEntry c = entry_product(int_entry(&value), power[k]);
-        free_num(&value);
+    poly p = poly_of_images(t, b.n, level, [&](int32_t k, const IntEntry& value) -> imptr {
+        IntEntry c = entry_product(value, power[k]);
         if (c.n == 0) return nullptr;
         imptr leaf;
         newimag(&leaf);

@@ -1,5 +1,4 @@
 #include "matrix/coefficients.h"
-
 namespace tolvex {
 poly poly_of_words(const uint32_t* c, int32_t n, int32_t level) {
     return poly_of_coefficients(n, level, [&](int32_t k) -> imptr {

@@ -31,7 +31,7 @@ bool integers_alone(Reduction& r) {
     return false;
 }
 
-// ---- small matrices: the stated steps ------------------------------------------------------------------
+// ---- small matrices: the steps by pivots ---------------------------------------------------------------
 
 namespace {
 /// A place of the open block; row -1: none.

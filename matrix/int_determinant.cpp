@@ -164,6 +164,16 @@ static IntEntry clear_line(const quoly* line, int32_t n, IntEntry* out) {
     return multiple;
 }
 
+void quotient_of_numbers(imptr above, imptr below, quolyptr q) {
+    quoly divided_by = nullptr;
+    scalar_to_quoly(above, q);
+    scalar_to_quoly(below, &divided_by);
+    free_num(above);
+    free_num(below);
+    if (!quoly_equal(divided_by, quol_num_1)) fast_quoly_quot(q, divided_by, false);
+    free_quoly(&divided_by);
+}
+
 void rational_determinant(const quoly* entries, int32_t n, quolyptr det) {
     ScratchMark mark = scratch_mark();
     IntMatrix m = {scratch_array<IntEntry>(int64_t{n} * n), n};
@@ -176,12 +186,6 @@ void rational_determinant(const quoly* entries, int32_t n, quolyptr det) {
     determinant_of(m, &value);
     chain_from_limbs(&below, divisor.at, divisor.n, false);
     scratch_release(mark);
-    quoly divided_by = nullptr;
-    scalar_to_quoly(&value, det);
-    scalar_to_quoly(&below, &divided_by);
-    free_num(&value);
-    free_num(&below);
-    quoly_quot(*det, divided_by, det, false);
-    free_quoly(&divided_by);
+    quotient_of_numbers(&value, &below, det);
 }
 }  // namespace tolvex

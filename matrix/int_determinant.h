@@ -21,6 +21,8 @@ void integer_from_images(int64_t bits, uint32_t (*image)(const WordField& f, voi
                          imptr det);
 /// The same for entries in scratch memory, where the answer stands as well.
 IntEntry entry_determinant(const IntEntry* entries, int32_t n);
+/// *q := above / below in lowest terms, below not 0; both numbers are used up, what *q held is given back.
+void quotient_of_numbers(imptr above, imptr below, quolyptr q);
 /// *det := the determinant of a matrix of integers and rational numbers; what it held is given back.
 void rational_determinant(const quoly* entries, int32_t n, quolyptr det);
 }  // namespace tolvex

@@ -5,7 +5,6 @@
 #include "storage/interrupt.h"
 
 #include <algorithm>
-#include <bit>
 namespace tolvex {
 namespace {
 constexpr uint32_t k_first_prime = 2147483629;  // the largest below 2^31 - 1

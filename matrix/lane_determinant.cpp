@@ -3,7 +3,6 @@
 #include "numbers/float_modulus.h"
 #include "storage/wide_vectors.h"
 
-#include <algorithm>
 // Parts of functions that are compiled once for each kind of processor.
 #define INTO_CLONES [[gnu::always_inline]] inline
 namespace tolvex {

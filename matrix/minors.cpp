@@ -6,9 +6,7 @@
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
 
-#include <algorithm>
 #include <bit>
-#include <cstring>
 namespace tolvex {
 namespace {
 /// A minor of the last rows: those behind the first s - (number of columns) ones.

@@ -5,8 +5,6 @@
 #include "quoly/quoly_mult.h"
 #include "storage/interrupt.h"
 #include "storage/scratch.h"
-
-#include <cstdlib>
 namespace tolvex {
 // ---- dense matrices over residues ----------------------------------------------------------------------
 

@@ -11,8 +11,6 @@
 #include "quoly/quoly_quot.h"
 #include "storage/failure.h"
 #include "storage/scratch.h"
-
-#include <climits>
 namespace tolvex {
 namespace {
 /// The record itself as a frame of values.

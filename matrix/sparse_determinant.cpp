@@ -115,13 +115,7 @@ static void determinant_of_numbers(const MatrixEntries& m, quolyptr det) {
     else
         integer_from_images(std::min(rows, columns), image_of, &x, &value);
     number_of_entry(divisor, &below);
-    quoly divided_by = nullptr;
-    scalar_to_quoly(&value, det);
-    scalar_to_quoly(&below, &divided_by);
-    free_num(&value);
-    free_num(&below);
-    if (!quoly_equal(divided_by, quol_num_1)) fast_quoly_quot(det, divided_by, 0);
-    free_quoly(&divided_by);
+    quotient_of_numbers(&value, &below, det);
 }
 
 // ---- polynomials and rational functions ----------------------------------------------------------------

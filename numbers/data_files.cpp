@@ -117,8 +117,7 @@ void next_chain(DataFile* file, imptr x, const char* text) {
     next_digits(file, x, next_integer(file, 1, INT32_MAX, text), k_base, text);
 }
 
-// ---- chdat, Qerrs
-// -----------------------------------------------------------------------------------------------
+// ---- chdat, Qerrs --------------------------------------------------------------------------------------
 
 void open_chdat(const char* directory) {
     constexpr int k_tries = 25;
@@ -170,8 +169,7 @@ void read_qerrs(const char* directory) {
     close_file(file);
 }
 
-// ---- pow228
-// -----------------------------------------------------------------------------------------------------
+// ---- pow228 --------------------------------------------------------------------------------------------
 
 constexpr char k_pow228_damaged[] = "pow228 file is damaged.";
 
@@ -230,8 +228,7 @@ void read_binomial_words() {
     close_file(&pow228_file);
 }
 
-// ---- pprods
-// -----------------------------------------------------------------------------------------------------
+// ---- pprods --------------------------------------------------------------------------------------------
 
 constexpr char k_pprods_damaged[] = "pprods file is damaged.";
 constexpr int32_t k_first_product_prime = 5;  // the first of `prime` that is used in remaindering
@@ -275,8 +272,7 @@ void read_pprods(const char* directory) {
     close_file(file);
 }
 
-// ---- primelist, bprimes, lrgpmes
-// --------------------------------------------------------------------------------
+// ---- primelist, bprimes, lrgpmes -----------------------------------------------------------------------
 
 void read_prime_lists(const char* directory) {
     constexpr char k_medium[] = "primelist file is damaged, medium.";
@@ -302,8 +298,7 @@ void read_word_primes(const char* directory, const char* name, const char* missi
     close_file(file);
 }
 
-// ---- the finite fields
-// ------------------------------------------------------------------------------------------
+// ---- the finite fields ---------------------------------------------------------------------------------
 
 /// A part of a field table is damaged unless the entry that tells it has its value.
 void check_entry(int32_t entry, int32_t expected, const char* text) {
@@ -346,8 +341,7 @@ void read_f2t16d(const char* directory) {
     close_file(file);
 }
 
-// ---- storage
-// ----------------------------------------------------------------------------------------------------
+// ---- storage -------------------------------------------------------------------------------------------
 
 /// The free list of digits starts with 5001 nodes of its stash.
 void stock_digits() {

@@ -47,8 +47,7 @@ void need_power(int32_t k) {
     }
 }
 
-// ---- binary to decimal
-// ------------------------------------------------------------------------------------------
+// ---- binary to decimal ---------------------------------------------------------------------------------
 
 constexpr std::array<char, 200> make_pairs() {
     std::array<char, 200> pairs{};
@@ -152,8 +151,7 @@ int64_t limbs_to_text(char* out, limb* a, int64_t n) {
     return count;
 }
 
-// ---- decimal to binary
-// ------------------------------------------------------------------------------------------
+// ---- decimal to binary ---------------------------------------------------------------------------------
 
 namespace {
 limb read_chunk(const char* digits, int64_t count) {
@@ -228,8 +226,7 @@ int64_t limbs_from_text(limb* r, const char* digits, int64_t count) {
     return read_block(r, digits, count);
 }
 
-// ---- decimal chains
-// ---------------------------------------------------------------------------------------------
+// ---- decimal chains ------------------------------------------------------------------------------------
 
 void decimal_chain_from_text(imptr x, const char* digits, int64_t count, bool negative) {
     while (count > 1 && *digits == '0') {

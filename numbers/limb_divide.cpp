@@ -7,7 +7,6 @@
 #include "storage/interrupt.h"
 
 #include <bit>
-#include <cstring>
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;

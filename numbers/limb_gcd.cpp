@@ -5,7 +5,6 @@
 #include "storage/interrupt.h"
 
 #include <bit>
-#include <cstring>
 #include <utility>
 namespace tolvex {
 namespace {

@@ -7,9 +7,6 @@
 #include "numbers/limb_lehmer.h"
 #include "storage/checked.h"
 #include "storage/interrupt.h"
-
-#include <cstring>
-#include <utility>
 namespace tolvex {
 namespace {
 // Below this many limbs the reduction goes word by word. Measured.

@@ -8,7 +8,6 @@
 
 #include <bit>
 #include <cstring>
-#include <utility>
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;

@@ -6,7 +6,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstring>
 namespace tolvex {
 namespace {
 using wide = unsigned __int128;

@@ -1,8 +1,6 @@
 #include "numbers/num_gcd.h"
 
 #include "numbers/limbs.h"
-
-#include <cstring>
 namespace tolvex {
 namespace {
 limb small_magnitude(const number* n) {

@@ -22,7 +22,7 @@ int32_t bit_degree(const uint64_t* a, int64_t words) {
     return words == 0 ? -1 : static_cast<int32_t>(64 * words - 1 - __builtin_clzll(a[words - 1]));
 }
 
-// ---- products --------------------------------------------------------------------------------------------
+// ---- products ------------------------------------------------------------------------------------------
 
 #if defined(__x86_64__) && defined(__GNUC__)
 typedef long long WordPair __attribute__((vector_size(16)));
@@ -140,7 +140,7 @@ void bit_square(const uint64_t* a, int64_t n, uint64_t* c) {
     }
 }
 
-// ---- division --------------------------------------------------------------------------------------------
+// ---- division ------------------------------------------------------------------------------------------
 
 /// a := a + b x^shift.
 static void add_shifted(uint64_t* a, const uint64_t* b, int64_t words, int32_t shift) {
@@ -182,7 +182,7 @@ int32_t bit_gcd(uint64_t* a, int32_t da, uint64_t* b, int32_t db, uint64_t** g) 
     return da;
 }
 
-// ---- modulo a polynomial ---------------------------------------------------------------------------------
+// ---- modulo a polynomial -------------------------------------------------------------------------------
 
 /// out[0..words) := the bits of a[0..an) from `from` on.
 static void take_bits(const uint64_t* a, int64_t an, int32_t from, uint64_t* out, int64_t words) {

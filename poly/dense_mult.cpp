@@ -7,7 +7,6 @@
 #include "storage/scratch.h"
 
 #include <cstdio>
-#include <cstring>
 namespace tolvex {
 namespace {
 // Entries of the shorter operand from which the next method pays; measured on 256-bit vectors.

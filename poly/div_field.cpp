@@ -235,7 +235,7 @@ static Division divide_monic(poly n, poly m, polypt pt) {
 void fast_mod_and_div(poly n, poly m, polyptrr r, polyptrr qt, polypt pt, boolean from_basic) {
     if (laurent && !from_basic && (has_negative_exponent(n) || has_negative_exponent(m))) {
         boolean failed = 0;
-        clear_and_operate(n, m, qt, r, 1, 0, pt, &failed);
+        clear_and_operate(n, m, qt, r, 0, pt, &failed);
         return;
     }
     Division d = {};
@@ -283,7 +283,7 @@ static Division divide_one_level(poly n, poly m, bool want_q) {
     return divide_classically(copy, m, pt);
 }
 
-void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean) {
+void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r) {
     store(divide_one_level(n, m, true), q, r);
 }
 

@@ -14,8 +14,8 @@ namespace tolvex {
 /// Any ring: over Z, a leading number of m other than 1 and -1 is divided as poly_mod_and_div does. cancall:
 /// large degrees modulo a prime may take the divide and conquer.
 void basic_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall, polypt pt = polynames);
-/// One level, modular. Large degrees always go through arrays; cancall makes no difference to the result.
-void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r, boolean cancall);
+/// One level, modular. Large degrees go through arrays.
+void simplest_poly_divide(poly n, poly m, polyptrr q, polyptrr r);
 /// The divide and conquer; m is monic. from_basic: the caller has seen that there are no negative exponents.
 void fast_mod_and_div(poly n, poly m, polyptrr r, polyptrr qt, polypt pt, boolean from_basic);
 /// Remainder only, modular.

@@ -199,8 +199,7 @@ void gen_poly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed) {
     *q = fresh;
 }
 
-void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean, boolean want_div, polypt pt,
-                       boolean* failed) {
+void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean want_div, polypt pt, boolean* failed) {
     poly n2 = nullptr, m2 = nullptr, quotient = nullptr, rest = nullptr;
     poly_assign(n, &n2);
     poly_assign(m, &m2);
@@ -228,9 +227,9 @@ void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean, boolean 
     }
 }
 
-void Lpoly_divide(poly n, poly m, polyptrr q, boolean notsame, polypt pt, boolean* failed) {
+void Lpoly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed) {
     if (laurent && (has_negative_exponent(n) || has_negative_exponent(m) || !is_number(m)))
-        clear_and_operate(n, m, q, nullptr, notsame, 1, pt, failed);
+        clear_and_operate(n, m, q, nullptr, 1, pt, failed);
     else
         gen_poly_divide(n, m, q, pt, failed);
 }

@@ -7,10 +7,9 @@ namespace tolvex {
 /// *q := n / m in the variables from pt on; *failed true if m does not divide n (also: a non-unit, m = 0).
 void gen_poly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed);
 /// The same for operands with negative exponents.
-void Lpoly_divide(poly n, poly m, polyptrr q, boolean notsame, polypt pt, boolean* failed);
+void Lpoly_divide(poly n, poly m, polyptrr q, polypt pt, boolean* failed);
 /// Laurent division: *q and, unless want_div, *r.
-void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean notsame, boolean want_div, polypt pt,
-                       boolean* failed);
+void clear_and_operate(poly n, poly m, polyptrr q, polyptrr r, boolean want_div, polypt pt, boolean* failed);
 /// n3 := n1 / n2 in any mode; over Z the truncated quotient.
 void quot(const number* n1, const number* n2, imptr n3);
 /// n1 := n1 / n2 in place, exact; in modular mode n1 times x, the inverse of n2.

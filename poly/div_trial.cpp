@@ -9,8 +9,6 @@
 #include "poly/poly_test.h"
 #include "poly/word_field.h"
 #include "storage/scratch.h"
-
-#include <cstring>
 namespace tolvex {
 namespace {
 constexpr int64_t k_image_terms = 40;  // below, the division itself is as cheap as an image

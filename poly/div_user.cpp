@@ -221,7 +221,7 @@ static void divide_checked(poly n, poly m, polyptrr q, polyptrr r, Rule rule, po
     poly q2 = nullptr, r2 = nullptr;
     if (laurent && (has_negative_exponent(n) || has_negative_exponent(m))) {
         boolean failed = 0;
-        clear_and_operate(n, m, &q2, &r2, 1, 0, pt, &failed);
+        clear_and_operate(n, m, &q2, &r2, 0, pt, &failed);
     } else {
         divide_pass(n, m, &q2, &r2, rule, pt);
     }

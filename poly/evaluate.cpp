@@ -147,10 +147,6 @@ void poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad) {
     give(p, t);
 }
 
-void mod_poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad) {
-    poly_at_numb(p, q, n2, pol, addpad);
-}
-
 // ---- a list of values ----------------------------------------------------------------------------------
 
 static bool has_value(const polynode* arg) { return arg->numb || arg->pcoef != nullptr; }

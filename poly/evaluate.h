@@ -27,8 +27,6 @@ void rat_all_poly_eval(const polynode* q, const polynode* arg, imptr ans);
 /// *p := q with its top variable, that of pol, replaced by n2, which stands one level below. addpad: the
 /// result gets a pad and stands where q does. A number q: a copy.
 void poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad);
-/// n2 a number, modular mode.
-void mod_poly_at_numb(polyptrr p, poly q, poly n2, polypt pol, boolean addpad);
 
 /// *r := p with its top variable replaced by y, which stands at p's level and is free of that variable; *r
 /// stands there too. Where y is a deeper variable that p lacks, its exponents are moved.

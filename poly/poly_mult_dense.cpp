@@ -7,7 +7,6 @@
 #include "storage/scratch.h"
 
 #include <cstdio>
-#include <cstring>
 namespace tolvex {
 namespace {
 const number* leaf_number(const polynode* t) { return t->numb ? t->ncoef : t->pcoef->ncoef; }

@@ -95,7 +95,7 @@ Keys<Key> fill_keys(Product& e, const polynode* n, const polynode* m, const Key*
     return keys;
 }
 
-// ---- the coefficients -------------------------------------------------------------------------------------
+// ---- the coefficients ----------------------------------------------------------------------------------
 
 uint32_t* residues_of(const number* const* numbers, int64_t count) {
     auto* r = scratch_array<uint32_t>(count);
@@ -211,7 +211,7 @@ template <class Work> void with_ring(const Product& e, const Work& work) {
     }
 }
 
-// ---- the box ----------------------------------------------------------------------------------------------
+// ---- the box -------------------------------------------------------------------------------------------
 
 /// All products of a tile of terms; of a square only the terms beyond the diagonal, doubled, and the
 /// diagonal.
@@ -269,7 +269,7 @@ int64_t plan_box(const PackedPlan& plan, int64_t* weight) {
     return slots;
 }
 
-// ---- the buckets ------------------------------------------------------------------------------------------
+// ---- the buckets ---------------------------------------------------------------------------------------
 
 /// A hash table from keys to slots of a ring; slots are handed out in order of arrival.
 template <class Key> struct KeyTable {

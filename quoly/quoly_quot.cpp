@@ -101,7 +101,7 @@ void best_quoly_quot(quolyptr n, quoly m, boolean nogcd) {
     free_quoly(&m);
 }
 
-// ---- quotient and remainder as the user means them -------------------------------------------------------
+// ---- quotient and remainder as the user means them -----------------------------------------------------
 
 /// A part of n divided by m.
 static poly divided_part(poly part, poly m, char which) {

@@ -13,7 +13,7 @@ namespace tolvex {
 static bool divide_out(poly n, poly common, polyptrr q, bool odd) {
     if (!odd) return trial_poly_divide(n, common, q, polynames, 0, 0, 0);
     boolean failed = 0;
-    Lpoly_divide(n, common, q, 0, polynames, &failed);
+    Lpoly_divide(n, common, q, polynames, &failed);
     return !failed;
 }
 

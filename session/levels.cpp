@@ -80,7 +80,7 @@ void clear_statement_counters() {
     output_open = 0;
 }
 
-// ---- lines of interrupted statements ------------------------------------------------------------------
+// ---- lines of interrupted statements -------------------------------------------------------------------
 
 /// The rest of the line of an interrupted statement, its line feed included: the level reads lines of its own
 /// meanwhile.

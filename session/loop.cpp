@@ -179,7 +179,7 @@ void enter_level_1(int32_t failure) {
     drop_prompt_characters();
 }
 
-// ---- the leak audit of the checked build ----------------------------------------------------------------
+// ---- the leak audit of the checked build ---------------------------------------------------------------
 
 #ifdef TOLVEX_CHECKED
 static char audited[256];  // the statement, as the history ring has it

@@ -174,7 +174,7 @@ static bool store_rand_denom(SwitchStore& s) {
     return true;
 }
 
-// ---- lines of the status display that are no plain text -------------------------------------------------
+// ---- lines of the status display that are no plain text ------------------------------------------------
 
 static void show_lagrange_stash() {
     if (!lagrange_stash) return;

@@ -4,8 +4,8 @@
 namespace tolvex {
 static constexpr int32_t k_levels_shown = 16;
 static constexpr int64_t k_loudest = 1000;
-static int64_t product[k_levels_shown + 1] = {
-    1};  // of the counts of the levels down to each one, up to k_loudest + 1
+/// Of the counts of the levels down to each one, up to k_loudest + 1.
+static int64_t product[k_levels_shown + 1] = {1};
 
 static bool shown() { return dumpitt_level <= k_levels_shown && product[dumpitt_level] <= k_loudest; }
 

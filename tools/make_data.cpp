@@ -6,7 +6,6 @@
 // many digits, most significant first, in base 2^28 unless said otherwise. The counts and end values that the
 // readers check are checked here as well: a wrong table stops the build.
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -144,8 +143,7 @@ std::vector<int64_t> primes_exactly(int64_t first, int64_t last, size_t count) {
     return primes;
 }
 
-// ---- Qerrs
-// ------------------------------------------------------------------------------------------------------
+// ---- Qerrs ---------------------------------------------------------------------------------------------
 
 // The built-in functions. ORDER BUILTIN_IDS: the row number is the id by which the program knows the
 // function. A star marks those that the evaluator takes up through the internal token "*id". Row 41 has no
@@ -195,8 +193,7 @@ void write_qerrs(const std::string& source, const std::string& target) {
     require(!out.fail(), "cannot write Qerrs");
 }
 
-// ---- chdat: the numerators of Lagrange interpolation over 1..n, n = 1..38
-// --------------------------------------
+// ---- chdat: the numerators of Lagrange interpolation over 1..n, n = 1..38 ------------------------------
 
 /// prod (x - j) over j = 1..n, j not i, as a chain of terms in numeric form.
 void put_lagrange_numerator(NumberFile& file, int n, int i) {
@@ -226,8 +223,7 @@ void write_chdat(const std::string& target) {
         for (int i = 1; i <= n; i++) put_lagrange_numerator(file, n, i);
 }
 
-// ---- pow228: powers of 2^28, factorials, binomials
-// --------------------------------------------------------------
+// ---- pow228: powers of 2^28, factorials, binomials -----------------------------------------------------
 
 void put_powers(NumberFile& file) {
     DecimalChain power(1);
@@ -288,8 +284,7 @@ void write_pow228(const std::string& target) {
     put_binomials(file);
 }
 
-// ---- primes
-// -----------------------------------------------------------------------------------------------------
+// ---- primes --------------------------------------------------------------------------------------------
 
 void put_all(NumberFile& file, const std::vector<int64_t>& values) {
     for (int64_t v : values) file.put(v);
@@ -319,8 +314,7 @@ void write_prime_lists(const std::string& target) {
     put_all(lrgpmes, primes_exactly(2147440637, 2147483629, 2000));
 }
 
-// ---- finite fields
-// ----------------------------------------------------------------------------------------------
+// ---- finite fields -------------------------------------------------------------------------------------
 
 /// Product in Z/2[x] modulo x^8+x^4+x^3+x+1.
 int mult_8(int a, int b) {

@@ -375,7 +375,7 @@ struct Chooser {
 }  // namespace
 
 namespace {
-/// What the stated engines may come to.
+/// What the engines on records may come to.
 struct Costs {
     double remainders;  // digits of the last members of a remainder sequence times its length
     double images;      // points of evaluation in all levels but the first

@@ -239,7 +239,7 @@ PROPERTY(factors_over_rings_that_are_no_fields, 60) {
     EXPECT_EQ(product, f);
 }
 
-// ---- what it stands on -----------------------------------------------------------------------------------
+// ---- what it stands on ---------------------------------------------------------------------------------
 
 PROPERTY(products_of_residues, 60) {
     const int32_t ring = k_rings[round % 10], levels = random_int(rng, 0, 2);

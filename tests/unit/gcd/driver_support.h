@@ -84,15 +84,14 @@ enum class Family {
 };
 const char* family_name(Family f);
 struct Problem {
-    PolyGuard u, v, c;   // c divides both
-    bool small = false;  // the reference is quick
-    bool modest =
-        false;  // so is the remainder sequence, the only way in small fields and without interpolation
+    PolyGuard u, v, c;    // c divides both
+    bool small = false;   // the reference is quick
+    bool modest = false;  // so is the remainder sequence, the only way without interpolation
 };
 void make_problem(Family f, Rng& rng, Problem* p);
 
 #ifndef TOLVEX_NO_GTEST
-/// A test of the stated steps, the word engines being off. Records are not counted: the stash keeps some, and
+/// A test of the steps on records, the word engines being off. Records are not counted: the stash keeps some, and
 /// tests change the ring while polynomials of another live.
 struct DriverTest : ::testing::Test {
     DriverSettings settings;

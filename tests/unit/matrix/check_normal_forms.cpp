@@ -192,7 +192,7 @@ void free_reduced(Reduced& t) {
     drop_reduction(&t.r);
 }
 
-/// Small ones by the stated steps, larger ones by the engine.
+/// Small ones by pivots, larger ones by the engine.
 PROPERTY(hermite_forms, 60) {
     set_up_matrices();
     use_integers();

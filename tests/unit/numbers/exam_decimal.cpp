@@ -297,8 +297,7 @@ TEST_F(Decimal, SizeOfDecimals) {
     EXPECT_GT(disp_cons.size, 900) << "words have no decimals: the power is left alone";
 }
 
-// ---- display
-// ----------------------------------------------------------------------------------------------------
+// ---- display -------------------------------------------------------------------------------------------
 
 std::string display_word(int32_t v, boolean extra_space, int32_t* length) {
     number x = {};
@@ -351,8 +350,7 @@ TEST_F(Decimal, WidthEstimateIsAtMostOneOff) {
     }
 }
 
-// ---- reading
-// ----------------------------------------------------------------------------------------------------
+// ---- reading -------------------------------------------------------------------------------------------
 
 /// What reading `text` gives: the token after the number, and the count of digits.
 struct Reading {

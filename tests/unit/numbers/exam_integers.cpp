@@ -363,7 +363,7 @@ TEST_F(Integers, products_with_zero_and_signs) {
     EXPECT_EQ(penult->next, minus.v.tail);
 }
 
-// Around the lengths at which the stated method changes; the low half all zeros.
+// Around the lengths at which the method changes; the low half all zeros.
 TEST_F(Integers, products_at_the_crossings) {
     Rng rng(1);
     for (auto [n, m] : {std::pair{16, 16}, {17, 16}, {17, 17}, {17, 33}, {17, 34}, {33, 34}, {64, 65}}) {

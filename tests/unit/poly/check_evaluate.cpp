@@ -221,7 +221,7 @@ PROPERTY(numbers_for_all_variables, 2000) {
             PolyGuard n(copy_of(poly_1));
             node_assign(v, &n);
             if (modularmode)
-                mod_poly_at_numb(&one_by_one, one_by_one, n, polynames, 0);
+                poly_at_numb(&one_by_one, one_by_one, n, polynames, 0);
             else
                 poly_at_numb(&one_by_one, one_by_one, n, polynames, 0);
         }

@@ -150,8 +150,7 @@ TEST_F(Stash, Statistics) {
               "stash of a test: \t1, \t" + std::to_string(k_block_bytes / 24) + ", \t1, \t24\n");
 }
 
-// ---- memory figures
-// ---------------------------------------------------------------------------------------------
+// ---- memory figures ------------------------------------------------------------------------------------
 
 class Memory : public Stash {
   protected:
@@ -216,8 +215,7 @@ TEST_F(Memory, ARefusedRequestEndsTheStatement) {
 }
 #endif
 
-// ---- small words
-// ------------------------------------------------------------------------------------------------
+// ---- small words ---------------------------------------------------------------------------------------
 
 /// Words that are never given back, kept where the leak check finds them.
 int32_t* small_words(int32_t count) {
