@@ -190,8 +190,7 @@ static bool condition_of(FILE* inf, condexptr p, nameptr around) {
     return bool_expre(inf, &cursor);
 }
 
-static void run_while(FILE* inf, condexptr p, quolyptr n) {
-    nameptr around = startexpr;
+static void run_while(FILE* inf, condexptr p, nameptr around, quolyptr n) {
     while (condition_of(inf, p, around)) {
         poll_interrupt();
         eval_form(inf, p->form1, n);
@@ -223,7 +222,6 @@ static void run_in_words(FILE* inf, quolyptr n, nameptr* cursor) {
 }
 
 static void run_simple(FILE* inf, condexptr p, quolyptr n) {
-    note_place(startexpr, p->expr);
     nameptr cursor;
     start_list(p->expr, &cursor);
     if (tok_is(token, "Compile")) {
@@ -242,6 +240,8 @@ static void run_simple(FILE* inf, condexptr p, quolyptr n) {
 }
 
 void getval(FILE* inf, condexptr p, quolyptr n) {
+    nameptr around = startexpr;
+    note_place(around, p->kind == StatementKind::simple ? p->expr : p->cond);
     if (stack_is_low()) {
         error(Err::nested_too_deeply);
         return;
@@ -251,13 +251,12 @@ void getval(FILE* inf, condexptr p, quolyptr n) {
         run_simple(inf, p, n);
         break;
     case StatementKind::choice:
-        eval_form(inf, condition_of(inf, p, startexpr) ? p->form1 : p->form2, n);
+        eval_form(inf, condition_of(inf, p, around) ? p->form1 : p->form2, n);
         break;
     case StatementKind::while_loop:
-        run_while(inf, p, n);
+        run_while(inf, p, around, n);
         break;
     case StatementKind::for_loop:
-        note_place(startexpr, p->cond);
         run_for(inf, p, n);
         break;
     }
