@@ -2,6 +2,7 @@
 
 #include "language/array_expre.h"
 #include "language/builtin_table.h"
+#include "language/language_modes.h"
 #include "language/matrix_argument.h"
 #include "matrix/charpoly.h"
 #include "matrix/matrix_modes.h"
@@ -101,7 +102,7 @@ void builtin_Chpoly(BuiltinCall& call) {
     }
     if (fault != Err{})
         error(fault);
-    else if (level > 0 && close_matrix_argument(call, open))
+    else if (level > 0 && close_matrix_argument(call, open) && interrupt_levels == 0)
         characteristic_of(call, v, level);
     end_operand(v);
     finish_matrix_value(call);
@@ -179,7 +180,7 @@ void builtin_Minpoly(BuiltinCall& call) {
         Err fault = minpoly_fault(v);
         if (fault != Err{})
             error(fault);
-        else
+        else if (interrupt_levels == 0)
             minimal_of(call, v, request);
     }
     end_operand(v);

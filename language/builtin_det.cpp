@@ -3,6 +3,7 @@
 #include "language/array_ops.h"
 #include "language/builtin_arrays.h"
 #include "language/builtin_table.h"
+#include "language/language_modes.h"
 #include "language/ports.h"
 #include "matrix/determinant.h"
 #include "matrix/matrix_modes.h"
@@ -148,6 +149,7 @@ static void determinant_of_operand(BuiltinCall& call, ArrOperand& v, const DetAr
         error(Err::matrix_not_square);
         return;
     }
+    if (interrupt_levels > 0 && sp_total_cnt == 0) return;  // its value would be thrown away
     poly fct = divisor_of(args);
     Err fault = {};
     DeterminantRequest request = {fct, args.degree, args.degree2, args.power, args.numprimes, &fault, outpuf};

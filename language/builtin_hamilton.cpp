@@ -2,6 +2,7 @@
 
 #include "language/array_expre.h"
 #include "language/builtin_table.h"
+#include "language/language_modes.h"
 #include "language/ports.h"
 #include "matrix/hamilton.h"
 #include "storage/scratch.h"
@@ -30,6 +31,7 @@ static void search(BuiltinCall& call, const ArrOperand& v, int32_t limit) {
         error(Err::expansion_running);
         return;
     }
+    if (interrupt_levels > 0) return;  // its value would be thrown away
     path_search_running = 1;
     Unfinished u;  // a statement that is given up ends the search
     begin_unfinished(

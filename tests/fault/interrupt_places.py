@@ -7,7 +7,7 @@ Scripts of several lines (definitions, control statements, comments, texts, cont
 interrupt in front of each line in turn, over a pipe and a pseudo-terminal. At the level other definitions are typed. What
 the program writes without the level must be the same byte for byte as without the interrupt. Then: the time line of
 an interrupted statement, statements with modular arithmetic suspended, an output into a field that is given up, functions whose
-arrays change meanwhile, and computations that work modulo a prime inside.
+arrays change meanwhile, computations of which there is one at a time, and computations that work modulo a prime inside.
 """
 import argparse
 import os
@@ -36,6 +36,8 @@ DELICATE = (b"\n*** You have interrupted at a delicate time. Tolvex had switched
             b"    internally to arithmetic mod p. It has switched back for your \n"
             b"    convenience during this interrupt. Do not do any significant \n"
             b"    polynomial computations.  To abort, enter &@ followed by  &(p=_i:) .\n\n")
+RUNNING = b"An expansion is already running; it cannot be entered again."
+SORT_RUNNING = b"A sparse sort is already running."
 VISITS = [
     ["2+3"],
     ["Func H(x) =", "", "x^2.", "H(5)", "for k = 1 to 2 do", "!k", "od", "&(t = 0)", "nope + 1"],
@@ -215,6 +217,44 @@ class Places:
                     raise Broken(f"after {statement} with {change}: {bytes(session.out[-500:])!r}")
                 end(session)
 
+    def one_at_a_time(self):
+        """At a level within a computation no determinant and no function of a matrix is worked out, and the one below goes on. A
+        second expansion and a second sort of sparse rows are errors, and the next ones are right."""
+        setup = ["[c] := [<i=1,22><j=1,22> 0]:", "for i = 0, 2 do for j = 1, 7 do for k = 1, 7 do c[7*i+j,7*i+k] := 1 od od od:",
+                 "for i = 1, 21 do c[i,22] := 1; c[22,i] := 1 od:", "Array t[14,14] Sparse:", "&(J = x)",
+                 "[t] := [<i=1,14><j=1,14> ((i+7)^j|101)*x + (j^(i+3)|103)]:", "&(D = 20)", "[m] := [<i=1,9><j=1,9> i^j + x]:"]
+        refused = {"Hamilton[c]": b"determinant", "Det[t]": b"determinant", "Chpoly([m], x)": b"matrix functions"}
+        for statement in ("Hamilton[c]", "Det[t]"):
+            alone = self.start(False, setup)
+            expected = alone.say(statement)
+            end(alone)
+            session = self.interrupted(setup, statement)
+            for question, what in refused.items():
+                if question == statement:
+                    continue
+                before = session.cpu()
+                text = session.say(question)
+                if b"*** no %s at this level of interrupt\n" % what not in text or b"\n 0\n" not in text:
+                    raise Broken(f"{question} within {statement}: {text!r}")
+                if (session.cpu() - before) / 1e6 > 100 * self.patience():
+                    raise Broken(f"{question} within {statement} is worked out, and thrown away")
+            session.resume()
+            session.wait(lambda: without_levels(bytes(session.out)).endswith(expected))
+            end(session)
+        rows = ["Func Q(k) = ((k*7919|2003) + 1)/(3^400 + k).", "Array s[5000,3] Sparse:", "[s] := [<i=1,5000><j=1,3> Q(i*j)]:"]
+        for before, statement, message in ((setup, "Hamilton[c]", RUNNING), (rows, "Sort[s]", SORT_RUNNING)):
+            session = self.interrupted(before, statement)
+            session.level = 1
+            text = session.say(statement)
+            if message not in text:
+                raise Broken(f"{statement} within itself: {text!r}")
+            if message in session.say(statement):
+                raise Broken(f"{statement} after a second one within itself")
+            end(session)
+
+    def patience(self):
+        return 20 if len(os.environ.get("ASAN_OPTIONS", "")) > 0 else 1
+
     def change_of_ring(self):
         """Until a change of the ground ring is complete nothing has changed: a level sees all values in the ring before, what
         it stores goes along, and a panic stop leaves them as they were."""
@@ -325,7 +365,7 @@ def main():
     places = Places(args)
     try:
         for step in (places.lines, places.time_line, places.suspended, places.worked_example, places.given_up_field, places.arrays_in_use,
-                     places.change_of_ring, places.other_ring):
+                     places.one_at_a_time, places.change_of_ring, places.other_ring):
             if not re.search(args.only, step.__name__):
                 continue
             step()

@@ -20,7 +20,7 @@ FOLDERS = "storage language numbers poly gcd quoly field matrix session".split()
 # Numbers that no transcript meets, and why.
 WAITING = {
     71: "takes a list of more than a million values: big_input.py",
-    309: "takes an interrupt in an expansion: SparseMinors in tests/unit/matrix",
+    309: "takes an interrupt in an expansion: tests/fault/interrupt_places.py",
     371: "takes an interrupt in a sort: tests/fault/interrupt_places.py",
 }
 
