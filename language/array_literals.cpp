@@ -72,7 +72,7 @@ void string_factor(ArrReader& r, ArrOperand& v) {
             fail_operand(v, Err::end_of_file_inside);
             return;
         }
-        int32_t code = eoln ? '\n' : tok_char(token);
+        int32_t code = text_character(token, *r.flag, eoln);
         quoly value = nullptr;
         quoly_set(modularmode ? residue_of_int(code) : code, &value);
         if (!append_value(v, &value)) return;

@@ -68,7 +68,7 @@ static void handle_quote(FILE* inf, nameptr* flag, const Sink& out) {
             error(Err::end_of_file_inside);
             break;
         }
-        if (length < k_text_limit) text[length++] = eoln ? '\n' : static_cast<char>(tok_char(token));
+        if (length < k_text_limit) text[length++] = static_cast<char>(text_character(token, *flag, eoln));
     }
     next_token(inf, flag);
     Suffix s = read_suffix(inf, flag);
