@@ -134,10 +134,14 @@ bool at_end(FILE* inf) {
     return peek_char(inf) == EOF;
 }
 
-/// True if c is the mark that continues a statement on the next line; the rest of its line is dropped then.
-/// A blank stands for "no such mark".
+/// True if c is the mark that continues a statement. A blank stands for "no such mark".
+static bool is_continuation(int c) {
+    return c == static_cast<unsigned char>(continuation) && continuation != ' ';
+}
+
+/// The same; the rest of its line is dropped then.
 static bool continues(FILE* inf, int c) {
-    if (c != static_cast<unsigned char>(continuation) || continuation == ' ') return false;
+    if (!is_continuation(c)) return false;
     drop_line(inf);
     semicount = 0;
     await_line(inf);
@@ -309,6 +313,13 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
     history_add(*tok);
 }
 
+/// True if a line end is what comes next. In front of anything else the mark of continuation is a character of the text:
+/// the rest of the line would be lost without a word.
+static bool ends_line(FILE* inf) {
+    int c = peek_char(inf);
+    return c == '\n' || c == '\r';
+}
+
 void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln) {
     *eoln = 0;
     if (*flag != nullptr) {
@@ -318,7 +329,7 @@ void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln) {
     if (literal_line_crossed) await_line(inf);
     int c = read_char(inf);
     if (c == '\r' && peek_char(inf) == '\n') c = read_char(inf);  // CR LF is one line end
-    if (continues(inf, c)) c = ' ';
+    if (is_continuation(c) && ends_line(inf) && continues(inf, c)) c = ' ';
     *eoln = literal_line_crossed = c == '\n';
     tok_set_char(*tok, static_cast<unsigned char>(c == EOF ? ';' : c));
     if (c != EOF) history_add_raw(*tok);

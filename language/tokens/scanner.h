@@ -38,7 +38,7 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag);
 /// How a line end stands in the token of a literal or comment.
 inline constexpr char k_line_end = '\r';
 /// One raw character as a token, blanks included; a line end (LF or CR LF) arrives as k_line_end and sets
-/// *eoln.
+/// *eoln. The mark of continuation counts only at the end of a line.
 void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln);
 /// The character of a text that dumbscanner has just read, a line end as LF. A stored list holds no CR but those that
 /// stand for line ends.
