@@ -50,6 +50,8 @@ void unknown_name(Reader& r, tokentipe& name) {
     r.at = r.n;
     if (tok_is(name, "quit"))
         fputs(" The quit command is &q.\n", stdout);
+    else if (tok_is(name, "else") || tok_is(name, "fi") || tok_is(name, "od"))
+        error(Err::closing_word_misplaced, tok_text(name));  // there is nothing that it could end
     else
         error(Err::undefined_variable, tok_text(name));
 }
