@@ -2,6 +2,7 @@
 
 #include "gcd/word_gcd.h"
 #include "matrix/denominators.h"
+#include "matrix/int_echelon.h"
 #include "matrix/pivots.h"
 #include "poly/poly_modes.h"
 #include "quoly/quoly_basic.h"
@@ -154,6 +155,7 @@ int32_t exact_echelon(Reduction* r) {
     clear_rows_of_denominators(r);
     quoly previous = nullptr;
     int32_t rank = 0;
+    if (fits_int_echelon(*r) && int_echelon(r, &rank)) return rank;
     for (int32_t c = 0; c < r->m.cols && rank < r->m.rows; c++) {
         int32_t row = 0, column = 0;
         poll_interrupt();

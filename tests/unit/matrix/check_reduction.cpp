@@ -198,6 +198,34 @@ PROPERTY(echelon_forms_are_unique, 300) {
     use_integers();
 }
 
+/// Integers from six rows on are reduced through images modulo primes if nobody asks for the operations.
+PROPERTY(echelon_forms_by_images, 60) {
+    constexpr int32_t k_first_prime = (1 << 30) - 35;  // modulo which pivots are looked for
+    enter_ring_of(0);
+    constexpr bool alpha_alone[k_aux_matrices] = {true}, none[k_aux_matrices] = {};
+    int32_t rows = random_int(rng, 6, 12), cols = random_int(rng, 6, 12), rank = random_int(rng, 0, rows);
+    Values left, right;
+    for (int32_t k = 0; k < rows * rank; k++) left.push_back(number_value(random_int(rng, -9, 9)));
+    for (int32_t k = 0; k < rank * cols; k++) right.push_back(number_value(random_int(rng, -9, 9)));
+    Values start = rank > 0 ? product(left, right, rows, rank, cols) : Values();
+    while (rank == 0 && static_cast<int32_t>(start.size()) < rows * cols) start.push_back(number_value(0));
+    quoly prime = number_value(k_first_prime);
+    for (int32_t k = 0; round % 3 == 0 && k < rows; k++)
+        fast_quoly_mult(&start[static_cast<size_t>(k)], prime);
+    Reduction by_steps = reduction_of(start, rows, cols, false, alpha_alone),
+              by_images = reduction_of(start, rows, cols, false, none);
+    EXPECT_TRUE(run(red_row_ech, &by_steps));
+    EXPECT_TRUE(run(red_row_ech, &by_images));
+    EXPECT_EQ(by_images.rank, by_steps.rank);
+    Values form = values_of(by_steps.m), same = values_of(by_images.m);
+    expect_equal(same, form);
+    for (Values* v : {&left, &right, &start, &form, &same}) free_values(*v);
+    free_quoly(&prime);
+    drop_reduction(&by_steps);
+    drop_reduction(&by_images);
+    use_integers();
+}
+
 /// Row i of L D^-1 U against row i of the permuted start.
 void expect_product(const Reduction& r, const Values& start, const int32_t* row, const int32_t* column) {
     const LineMatrix &pivots = r.extra[0], &lower = r.extra[1];
