@@ -140,12 +140,13 @@ void return_poly(BuiltinCall& call, polyptrr p) {
     poly_to_quoly(p, call.n);
 }
 
-bool read_array_name(BuiltinCall& call, tokentipe* name) {
+bool read_array_name(BuiltinCall& call, tokentipe* name, Err polynomial_name) {
     if (!expect(call.inf, call.flag, '[', Err::builtin_open_bracket)) return false;
     *name = token;
     name->address = hash(name->name, k_variable_buckets);
-    bool good = is_lower(tok_char(*name));
-    if (!good) error(Err::array_expected);
+    bool lower = is_lower(tok_char(*name));
+    bool good = lower && (number_polys == 0 || its_a_polyname(*name) == 0);
+    if (!good) error(lower ? polynomial_name : Err::array_expected);
     next_token(call.inf, call.flag);
     return good && expect(call.inf, call.flag, ']', Err::close_bracket_expected);
 }

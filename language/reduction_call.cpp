@@ -50,8 +50,7 @@ static bool is_taken(tokentipe& name, const ReductionCall& c, int32_t before) {
 
 static bool read_result_name(BuiltinCall& call, ReductionCall& c, int32_t k) {
     tokentipe name;
-    if (!read_array_name(call, &name)) return false;
-    if (number_polys > 0 && its_a_polyname(name) != 0) return refuse(Err::array_expected, tok_text(name));
+    if (!read_array_name(call, &name, Err::array_expected)) return false;
     if (is_taken(name, c, k)) return refuse(Err::array_expected, tok_text(name));
     c.results[k].name = name;
     return true;
