@@ -212,13 +212,10 @@ static void read_by_reference(Call& c, quolyptr value) {
         if (!read_element_argument(c.inf, c.flag, name, element, value)) *element = {};
         return;
     }
-    varptr p = find_var(name);
-    if (p == nullptr) {
-        error(Err::undefined_variable, tok_text(name));
-        return;
-    }
-    quoly_assign(p->val, value);
-    c.targets[c.place].name = name;
+    bool known = find_var(name) != nullptr;
+    quolyptr copy;
+    spec_retrieve(name, value, &copy);
+    if (known) c.targets[c.place].name = name;
 }
 
 /// A cleared table with a place for each parameter, in scratch memory. Most calls need none.
