@@ -18,7 +18,7 @@
 
 #include <cstdio>
 namespace tolvex {
-inline boolean minus_warned = 0;  // the warning has come in this statement    writers: main loop, poly_readin
+inline boolean minus_warned = 0;  // the warning has come in this statement    writers: levels, poly_readin
 
 /// Reads one polynomial, whose first token is current, up to the first token that fits nothing, which stays
 /// current. *depth: the level of what was read. n log n in the terms of a sum.

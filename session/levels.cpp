@@ -13,6 +13,7 @@
 #include "numbers/ring_switch.h"
 #include "poly/poly.h"
 #include "poly/poly_modes.h"
+#include "poly/poly_read.h"
 #include "quoly/quoly_mult.h"
 #include "session/jumps.h"
 #include "session/listing.h"
@@ -46,11 +47,12 @@ static constexpr int32_t k_internal_fault = -2;
 struct StatementCounters {
     GcdCounters gcd;
     int32_t uninit;
+    boolean minus_warned;
     bool reads_modding;  // a modding polynomial is being read in free variables
 };
 
 static StatementCounters save_counters() {
-    StatementCounters s = {gcd_counters_save(), uninit, modding_held != 0};
+    StatementCounters s = {gcd_counters_save(), uninit, minus_warned, modding_held != 0};
     gcd_counters_push();
     resume_modding();
     return s;
@@ -62,6 +64,7 @@ static void restore_counters(const StatementCounters& s) {
     gcd_counters_restore(s.gcd);
     if (s.gcd.lookup >= 0) lookupgcd = lookup;
     uninit = s.uninit;
+    minus_warned = s.minus_warned;
     if (s.reads_modding) suspend_modding();
 }
 
@@ -77,6 +80,7 @@ static void back_to_user_names() {
 void clear_statement_counters() {
     gcd_counters_reset();
     uninit = 0;
+    minus_warned = 0;
     output_open = 0;
 }
 
