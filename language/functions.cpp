@@ -212,10 +212,7 @@ static void read_by_reference(Call& c, quolyptr value) {
         if (!read_element_argument(c.inf, c.flag, name, element, value)) *element = {};
         return;
     }
-    bool known = find_var(name) != nullptr;
-    quolyptr copy;
-    spec_retrieve(name, value, &copy);
-    if (known) c.targets[c.place].name = name;
+    if (spec_retrieve(name, value)) c.targets[c.place].name = name;
 }
 
 /// A cleared table with a place for each parameter, in scratch memory. Most calls need none.

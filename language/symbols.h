@@ -6,7 +6,7 @@
 ///            precedence.
 /// Invariant  a bucket is a chain, new entries at its head, so that locals shadow globals.
 /// Ownership  a varnode owns its value; nil: the variable exists without a value.
-/// Raises     nothing.
+/// Raises     19 undefined variable (spec_retrieve).
 #include "language/tokens/name_table.h"
 #include "quoly/quoly.h"
 namespace tolvex {
@@ -26,6 +26,8 @@ inline NameTable<varnode, &varnode::let, k_variable_buckets> sca_store;
 /// *qp := location of the value, nil if there is no such variable. n: work location for names that stand for
 /// a value without a location of its own.
 void retrieve(tokentipe& name, quolyptr* qp, quolyptr n, FILE* inf, nameptr* flag);
+/// *n := a copy of the value. A missing name is error 19, *n := 0 and false.
+bool spec_retrieve(tokentipe& name, quolyptr n);
 /// Creates or replaces; the value is used up; *p := the node.
 void insert_var(tokentipe& name, quoly value, varptr* p);
 /// *loc := nil, and a value of it that stands in another ring goes; the old value is given back, or inherited
