@@ -71,8 +71,8 @@ void init_functions();
 
 /// Takes the parameters of all running calls off the table; those by reference go back first.
 void pop_calls();
-/// Writes the names of the running functions, innermost first.
-void report_calls();
+/// Writes the names of the running functions, innermost first. True if the last line is left open.
+bool report_calls();
 /// Writes the statements under way, the outer one and the current one up to the current token; nothing if
 /// none runs.
 bool report_statements();

@@ -31,10 +31,11 @@ static void print_tokens(const namenode* p, const namenode* until, const char* e
     }
 }
 
-void report_calls() {
-    if (call_frames == nullptr) return;
+bool report_calls() {
+    if (call_frames == nullptr) return false;
     fputs("*** The most recent function evaluations were:\n ", stdout);
     int32_t printed = 0, count = 0;
+    bool open = true;
     for (const CallFrame* c = call_frames; c != nullptr && count < k_reported_calls;) {
         int32_t same = 0;
         const funcnode* f = c->f;
@@ -43,8 +44,10 @@ void report_calls() {
             printf("%s ", tok_text(f->name));
             if (++printed % k_names_a_line == 0) fputs("\n ", stdout);
         }
-        if (same > k_same_names) printf(" ... %d more with this name. \n", same - k_same_names);
+        open = same <= k_same_names;
+        if (!open) printf(" ... %d more with this name. \n", same - k_same_names);
     }
+    return open;
 }
 
 bool report_statements() {

@@ -192,10 +192,17 @@ static void report_place() {
     history_clear();
 }
 
-/// Functions that run, and the stored statement under way.
-static void report_trail() {
-    report_calls();
-    if (report_statements() && extra_line) putchar('\n');
+/// Functions that run, and the stored statement under way. True if the names of functions leave the line open.
+static bool report_trail() {
+    bool open = report_calls();
+    if (!report_statements()) return open;
+    if (extra_line) putchar('\n');
+    return false;
+}
+
+/// The trail in front of the prompt of a new level, which stands on a line of its own.
+static void report_trail_of_level() {
+    if (report_trail()) putchar('\n');
 }
 
 static void report_error(int32_t k, const char* text) {
@@ -209,7 +216,6 @@ static void report_error(int32_t k, const char* text) {
     report_definition(static_cast<Err>(k));
     report_load_place();
     report_place();
-    report_trail();
 }
 
 static void open_level();
@@ -227,9 +233,11 @@ void error(Err code, const char* text) {
     }
     report_error(k, text);
     if (errorpush && (statcount >= 1 || levelcount > 1)) {
+        report_trail_of_level();
         open_level();
         return;
     }
+    report_trail();
     leave_for_level_1(k);
 }
 
@@ -360,7 +368,7 @@ static void open_level() {
 static void announce_level() {
     if (extra_line) putchar('\n');
     printf("*** New command level.\n");
-    report_trail();
+    report_trail_of_level();
     history_clear();
 }
 
