@@ -9,7 +9,6 @@ left out on both sides. With --write the outputs are stored (look at them before
 import os
 import re
 import shutil
-import subprocess
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -21,7 +20,7 @@ def output(binary, program, limit):
     with trials.folder("example") as directory:
         shutil.copy(program, directory)
         load = f"&(R = '{os.path.basename(program)}')\n&q\n"
-        done = subprocess.run([binary], input=load.encode(), cwd=directory, capture_output=True, timeout=limit)
+        done = trials.session(binary, load.encode(), directory, limit)
     text = done.stdout.decode("latin-1")
     trouble = done.stderr.decode("latin-1") + (f"status {done.returncode}\n" if done.returncode else "")
     session = text[text.index("(mbytes)"):].split("\n", 1)[1]

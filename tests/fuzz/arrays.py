@@ -9,7 +9,6 @@ array is read back as a literal and must be the same array. The seed of a sessio
 import os
 import random
 import re
-import subprocess
 import sys
 from fractions import Fraction
 
@@ -144,9 +143,9 @@ class Session:
 
 
 def run(tolvex, lines, directory):
-    done = subprocess.run([tolvex], input="\n".join(lines + ["&q"]) + "\n", stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          text=True, cwd=directory, timeout=120, check=False)
-    out = [re.sub(r"^(\d?>)+", "", line) for line in done.stdout.split("\n")]
+    done = trials.session(tolvex, ("\n".join(lines + ["&q"]) + "\n").encode(), directory, 120)
+    text = (done.stdout + done.stderr).decode("utf-8", "replace")
+    out = [re.sub(r"^(\d?>)+", "", line) for line in text.split("\n")]
     first = next((i for i, line in enumerate(out) if line.startswith(" Amount of RAM")), 0)
     return [line for line in out[first + 1:] if line.strip() and line != " bye"]
 

@@ -61,9 +61,9 @@ def attempt(binary, directory, rng, limit):
     text = "".join(f"{'':9}{line}\n" for line in ["kept := 1", "Func Kept = 1.", "&(R = 'damaged')", "&@",
                                                    "!('<', kept, Kept, '>')", "&q"])
     try:
-        done = subprocess.run([binary], cwd=directory, input=text.encode(), capture_output=True, timeout=limit)
+        done = trials.session(binary, text.encode(), directory, limit)
     except subprocess.TimeoutExpired:
-        return f"no end within {limit:g} s", content
+        return f"no end within {limit:g} s of processor time", content
     if done.returncode != 0 or trials.TROUBLE.search(done.stderr):
         return f"status {done.returncode}: {done.stderr[-2000:].decode('latin-1')}", content
     answer = done.stdout[done.stdout.index(b"initializing"):]

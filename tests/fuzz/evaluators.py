@@ -11,7 +11,6 @@ the body and the answers. The seed is printed.
 import os
 import random
 import re
-import subprocess
 import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
@@ -81,8 +80,7 @@ class Bodies:
 
 def answers(binary, lines):
     with trials.folder("evaluators") as directory:
-        done = subprocess.run([binary], input="\n".join(lines + ["&q", ""]).encode(), cwd=directory, capture_output=True,
-                              timeout=120)
+        done = trials.session(binary, "\n".join(lines + ["&q", ""]).encode(), directory, 120)
     text = done.stdout.decode("latin-1") + done.stderr.decode("latin-1")
     return text.split("MARK")[1:]
 

@@ -6,7 +6,6 @@ usage: round_trip.py --tolvex PATH [--count N] [--seed S]
 """
 import os
 import re
-import subprocess
 import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
@@ -191,7 +190,7 @@ class Session:
 def run(binary, directory, text):
     # a prompt of several characters takes as many off each line, less one
     text = "".join(f"{'':9}{line}\n" for line in text.split("\n") if line)
-    done = subprocess.run([binary], cwd=directory, input=text.encode(), capture_output=True, timeout=120)
+    done = trials.session(binary, text.encode(), directory, 120)
     return done.returncode, done.stdout, done.stderr
 
 

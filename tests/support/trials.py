@@ -1,13 +1,18 @@
 """What the test programs share: their arguments, a folder to work in, the messages of the program, the last line."""
 import argparse
 import contextlib
+import math
 import os
 import random
 import re
+import resource
 import shutil
+import signal
+import subprocess
 import tempfile
 
 TROUBLE = re.compile(rb"leak audit|CHECK failed|Sanitizer|runtime error:")  # what a checked build complains of
+BUSY = 30  # on a busy machine a session lasts so many times its processor time
 
 
 def arguments(*words, **options):
@@ -53,6 +58,18 @@ def folder(prefix, megabytes=500, files=()):
         yield directory
     finally:
         shutil.rmtree(directory, ignore_errors=True)
+
+
+def session(binary, text, directory, limit, **streams):
+    """what a session answers to this text, as of subprocess.run; subprocess.TimeoutExpired after `limit` seconds of processor
+    time, or when it waits for ever"""
+    seconds = math.ceil(limit)
+    streams = streams or {"input": text, "capture_output": True}
+    done = subprocess.run([binary], cwd=directory, timeout=BUSY * seconds, check=False, **streams,
+                          preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 5)))
+    if done.returncode == -signal.SIGXCPU:
+        raise subprocess.TimeoutExpired(binary, limit)
+    return done
 
 
 def messages(binary):

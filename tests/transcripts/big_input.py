@@ -65,10 +65,9 @@ def run(binary, directory, line, limit):
     """'' when the session answers as it should, else what went wrong"""
     text, expected = line
     try:
-        done = subprocess.run([binary], cwd=directory, input=b"z := 5:\n" + text + b"\nz\n&q\n", capture_output=True,
-                              timeout=limit)
+        done = trials.session(binary, b"z := 5:\n" + text + b"\nz\n&q\n", directory, limit)
     except subprocess.TimeoutExpired:
-        return f"no end within {limit:g} s"
+        return f"no end within {limit:g} s of processor time"
     if done.returncode != 0:
         return f"exit status {done.returncode}"
     if trials.TROUBLE.search(done.stderr):

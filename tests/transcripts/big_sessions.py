@@ -50,8 +50,7 @@ class Session:
         for name, content in files:
             with open(os.path.join(self.directory, name), "w", encoding="ascii") as handle:
                 handle.write(content)
-        done = subprocess.run([self.binary], cwd=self.directory, input=("\n".join(lines) + "\n&q\n").encode(),
-                              capture_output=True, timeout=self.limit)
+        done = trials.session(self.binary, ("\n".join(lines) + "\n&q\n").encode(), self.directory, self.limit)
         check(done.returncode == 0, f"exit status {done.returncode}")
         check(not trials.TROUBLE.search(done.stderr), done.stderr[:2000].decode("latin-1"))
         return re.split(r"^>", done.stdout.decode("latin-1"), flags=re.M)[1:]

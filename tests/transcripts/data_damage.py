@@ -7,7 +7,6 @@ chdat is left open for its reader; only its absence is noticed.
 """
 import os
 import shutil
-import subprocess
 import sys
 import tempfile
 
@@ -39,7 +38,7 @@ DAMAGES = {
 
 
 def complaint(home, limit):
-    done = subprocess.run([os.path.join(home, "tolvex")], input=b"2+3\n", capture_output=True, cwd=home, timeout=limit)
+    done = trials.session(os.path.join(home, "tolvex"), b"2+3\n", home, limit)
     lines = done.stdout.decode("latin-1").split("\n")
     return done.returncode, [line for line in lines if line.startswith("*** Tolvex error.")]
 

@@ -74,8 +74,7 @@ def attempt(binary, case, prologue, before, between, scale):
     text = [line.encode() for line in prologue] + before + image(b"zzone") + between + image(b"zztwo") + [b"&q"]
     with trials.folder("unchanged", files=case.files) as directory:
         try:
-            done = subprocess.run([binary], cwd=directory, input=b"\n".join(text) + b"\n", capture_output=True,
-                                  timeout=20 * scale)
+            done = trials.session(binary, b"\n".join(text) + b"\n", directory, 20 * scale)
         except subprocess.TimeoutExpired:
             return None
         pieces = done.stdout.decode("utf-8", "replace").split(MARK)

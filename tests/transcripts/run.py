@@ -216,11 +216,11 @@ def run_session(case, session, program, directory, messages, scale):
             with tempfile.TemporaryFile() as handle:
                 handle.write(text)
                 handle.seek(0)
-                done = subprocess.run([program], cwd=directory, stdin=handle, capture_output=True, timeout=limit)
+                done = trials.session(program, None, directory, limit, stdin=handle, capture_output=True)
         else:
-            done = subprocess.run([program], cwd=directory, input=text, capture_output=True, timeout=limit)
+            done = trials.session(program, text, directory, limit)
     except subprocess.TimeoutExpired:
-        return f"  no end within {limit:g} s"
+        return f"  no end within {limit:g} s of processor time"
     errors = done.stderr.decode("utf-8", "replace")
     if TROUBLE.search(errors):
         return "  " + "\n  ".join(errors.split("\n")[:25])
