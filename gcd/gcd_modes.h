@@ -40,8 +40,8 @@ struct GcdCounters {
     int16_t trip, lookup;
     boolean unproved, sure, plain;
 };
-GcdCounters gcd_counters_save();
-void gcd_counters_restore(const GcdCounters& saved);
+GcdCounters gcd_counters_save();                      ///< a copy of what is in force
+void gcd_counters_restore(const GcdCounters& saved);  ///< puts it back
 void gcd_counters_reset();  ///< when a statement begins, and after an error: the defaults above
 void gcd_counters_clear();  ///< on the way to the top level: the same, and no frame is in force
 /// A command level has been pushed, maybe in the middle of a gcd: after gcd_counters_save, before its

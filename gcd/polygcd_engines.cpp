@@ -56,8 +56,8 @@ static void canonical_operand(poly* p, GcdOperand& side) {
         poly_inplace(*p);
 }
 
-// True: a stored gcd has been taken. Otherwise there may be an open slot that waits for the result, if the table has
-// room. What is stored may rest on a check that is still due.
+// True: a stored gcd has been taken. Otherwise there may be an open slot that waits for the result, if the
+// table has room. What is stored may rest on a check that is still due.
 static bool look_up(polygcd_EnvRec& env, int32_t least_degree) {
     bool failed_before = gcd_attempt > 0 && modulus == gcd_retry_ring && lookupgcd < 0;
     if (env.store_new_gcd || (lookupgcd <= 0 && !failed_before) || env.uvsize <= gcd_stash_cutoff ||

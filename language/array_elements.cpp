@@ -76,7 +76,8 @@ static void add_column(ColumnList* list, int32_t column) {
     list->at[list->count++] = column;
 }
 
-/// The columns of row r join the sorted list. False after error 47 for one beyond the values of loop variables.
+/// The columns of row r join the sorted list. False after error 47 for one beyond the values of loop
+/// variables.
 static bool merge_row_of(const arrnode* a, int32_t r, const tokentipe& name, ColumnList* list) {
     ColumnList merged = {scratch_array<int32_t>(list->room), 0, list->room};
     int32_t k = 0;

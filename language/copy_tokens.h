@@ -16,7 +16,7 @@ void append_token(TokenCopy& c);
 void copy_token(TokenCopy& c);
 /// A literal with its quotes, up to and over the second one. False at the end of the input.
 bool copy_literal(TokenCopy& c);
-/// <i = a to b by c>, up to and over the ">"; "to" and "by" are separators in it. False after error 81 at the end
-/// of the statement, or, for a header within brackets, error 78 at their closing.
+/// <i = a to b by c>, up to and over the ">"; "to" and "by" are separators in it. False after error 81 at the
+/// end of the statement, or, for a header within brackets, error 78 at their closing.
 bool copy_header(TokenCopy& c, bool in_brackets);
 }  // namespace tolvex

@@ -264,8 +264,8 @@ static bool has_field_element(const DiagonalBlock& b) {
     return false;
 }
 
-/// The determinant of x I - A through its values. False, and nothing has been done: another way is less work, or
-/// what is modded out must be reduced between the steps.
+/// The determinant of x I - A through its values. False, and nothing has been done: another way is less work,
+/// or what is modded out must be reduced between the steps.
 static bool charpoly_by_images(const DiagonalBlock& b, int32_t level, quolyptr result) {
     static const InterpolationPlan k_plain = {nullptr, -1, -1, 1, 0, false, false, nullptr};
     constexpr int32_t k_least_rows = 5;  // below it the estimates cost more than they save

@@ -1,7 +1,8 @@
 #pragma once
 /// matrix/growth.h: how many terms the polynomials may have that a matrix gives rise to.
 ///
-/// Purpose    the engines for determinants and characteristic polynomials are chosen by estimates of their work.
+/// Purpose    the engines for determinants and characteristic polynomials are chosen by estimates of their
+///            work.
 /// Modes      any. No element has a denominator.
 #include "poly/pack_measure.h"
 #include "quoly/quoly.h"

@@ -17,7 +17,8 @@ inline boolean mod_matrix_ok = 1;          // integer matrices by adjoint and re
 inline boolean lagrange_stash = 0;         // interpolated determinants go to the save file       writers: &_L
 inline int32_t pseudet_heur = 0;           // pivot heuristic of sparse elimination, 0..5         writers: &u
 
-/// The subscript that users write for a row, column or place counted from 0. 64 bits: the origin may be any word.
+/// The subscript that users write for a row, column or place counted from 0; 64 bits, as the origin may be
+/// any word.
 inline int64_t user_number(int64_t place) { return place + addresser; }
 
 // Figures of minors expansion, shown by `&j`.                        writers: minors expansion

@@ -168,7 +168,8 @@ static bool determinant_above_field(sparseptr spar, int32_t m, Entries kind,
     return divided;
 }
 
-/// More rows than elimination takes. Interpolation, if it would come first, has a limit of its own and says so.
+/// More rows than elimination takes. Interpolation, if it would come first, has a limit of its own and says
+/// so.
 static void refuse_rows(int32_t m, Entries kind) {
     constexpr int32_t k_most_interpolated_rows = 65535;
     if (m > k_most_interpolated_rows && kind == Entries::polynomials && gauss_cutoff != 1 &&

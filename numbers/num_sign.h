@@ -5,8 +5,8 @@
 /// Ownership  x and m are replaced by copies; the others work in place.
 #include "numbers/number.h"
 namespace tolvex {
-void in_place_neg(imptr num);
-void makeneg(const number* num, imptr x);
+void in_place_neg(imptr num);                ///< num := -num
+void makeneg(const number* num, imptr x);    ///< x := -num, a copy
 void abs_value(imptr n);                     ///< in place; nothing to do in modular mode
 void abs_val_num(const number* n, imptr m);  ///< m := |n|, a copy
 }  // namespace tolvex

@@ -16,7 +16,7 @@ extern number prime[k_primes], num_prod[k_num_prods];  // prime: both forms; num
 extern int32_t invs_prod[k_invs_prods];
 extern int32_t global_list[k_global_list];  // entries 7..157 of small_prime
 
-boolean is_prime(int32_t n);
+boolean is_prime(int32_t n);       ///< n below 2 is none
 int64_t long_is_prime(int64_t n);  ///< 1 if prime, else the smallest factor; n >= 2
 /// The same for top 2^56 + mid 2^28 + low; top below 128.
 int64_t longg_is_prime(int32_t top, int32_t mid, int32_t low);

@@ -18,18 +18,6 @@ constexpr int32_t k_table_hgcd_degrees = 10000;
 #endif
 }  // namespace
 
-uint32_t unit_inverse(const WordField& f, uint32_t a) {
-    if (f.table) return wf_inverse(f, a);
-    int64_t r0 = f.p, r1 = a, s0 = 0, s1 = 1;
-    while (r1 != 0) {
-        int64_t q = r0 / r1, r = r0 - q * r1, s = s0 - q * s1;
-        r0 = r1, r1 = r;
-        s0 = s1, s1 = s;
-    }
-    if (r0 != 1) return 0;
-    return static_cast<uint32_t>(s0 < 0 ? s0 + f.p : s0);
-}
-
 bool divide_y_into_x(const WordField& f, DensePoly* x, DensePoly* y) {
     uint32_t inverse = unit_inverse(f, y->c[y->degree]);
     if (inverse == 0) return false;

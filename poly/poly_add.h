@@ -7,11 +7,11 @@
 /// Modes      any; simplest_ needs modularmode and one level.
 #include "poly/poly.h"
 namespace tolvex {
-void poly_add(poly n, poly m, polyptrr p);
-void better_poly_add(poly n, poly m, polyptrr p);
-void best_poly_add(poly n, poly m, polyptrr p);
-void simplest_poly_add(poly n, poly m, polyptrr p);
-void poly_sub(poly n, poly m, polyptrr p);
+void poly_add(poly n, poly m, polyptrr p);           ///< n + m; time linear in the terms of both
+void better_poly_add(poly n, poly m, polyptrr p);    ///< n is used up
+void best_poly_add(poly n, poly m, polyptrr p);      ///< n and m are used up
+void simplest_poly_add(poly n, poly m, polyptrr p);  ///< both are used up
+void poly_sub(poly n, poly m, polyptrr p);           ///< n - m, in the same four versions
 void better_poly_sub(poly n, poly m, polyptrr p);
 void best_poly_sub(poly n, poly m, polyptrr p);
 void simplest_poly_sub(poly n, poly m, polyptrr p);

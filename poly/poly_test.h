@@ -5,11 +5,11 @@
 /// Modes      any.
 #include "poly/poly.h"
 namespace tolvex {
-boolean poly_iszero(const polynode* p);  ///< the number 0
-boolean node_iszero(const polynode* p);  ///< a leaf 0, whatever its next
-boolean poly_eq_1(const polynode* p);
-boolean poly_eq_m1(const polynode* p);  ///< modular: modulus - 1; table field: 1
-boolean poly_eq_pm1(const polynode* p);
+boolean poly_iszero(const polynode* p);                    ///< the number 0
+boolean node_iszero(const polynode* p);                    ///< a leaf 0, whatever its next
+boolean poly_eq_1(const polynode* p);                      ///< the number 1
+boolean poly_eq_m1(const polynode* p);                     ///< modular: modulus - 1; table field: 1
+boolean poly_eq_pm1(const polynode* p);                    ///< one of both
 boolean poly_equal(const polynode* p, const polynode* q);  ///< same tree
 boolean poly_neg(const polynode* p, const polynode* q);    ///< p = -q
 boolean monomial(const polynode* p);                       ///< a single term at each level

@@ -1,12 +1,13 @@
 #include "poly/word_field.h"
 
 #include "poly/dense_gcd.h"
+#include "poly/dense_internal.h"
 #include "storage/interrupt.h"
 namespace tolvex {
 static constexpr int32_t k_vector_degree = 60;  // from here the vectorised loops and the half-gcd pay
 
-// Extended Euclid; logarithms in table fields.
-uint32_t wf_inverse(const WordField& f, uint32_t a) {
+// Logarithms in table fields, else extended Euclid.
+uint32_t unit_inverse(const WordField& f, uint32_t a) {
     if (f.ext != nullptr) return a == 1 ? 1 : f.ext->order - (a - 1) + 1;
     if (f.table) return f2t16inv[a];
     int64_t r0 = f.p, r1 = a, s0 = 0, s1 = 1;
@@ -15,8 +16,11 @@ uint32_t wf_inverse(const WordField& f, uint32_t a) {
         r0 = r1, r1 = r;
         s0 = s1, s1 = s;
     }
+    if (r0 != 1) return 0;
     return static_cast<uint32_t>(s0 < 0 ? s0 + f.p : s0);
 }
+
+uint32_t wf_inverse(const WordField& f, uint32_t a) { return unit_inverse(f, a); }
 
 // xorshift64* (Vigna, "An experimental exploration of Marsaglia's xorshift generators", 2016).
 uint32_t wf_random_below(uint32_t n) {

@@ -7,7 +7,7 @@
 /// Modes      not lintmode. Operands are numb or rat; results too.
 #include "quoly/quoly.h"
 namespace tolvex {
-void add_rats(const quolynode* n, const quolynode* m, quolyptr p, bool subtract);
-void mult_rats(const quolynode* n, const quolynode* m, quolyptr p);
-void quot_rats(const quolynode* n, const quolynode* m, quolyptr p);  ///< m is not 0
+void add_rats(const quolynode* n, const quolynode* m, quolyptr p, bool subtract);  ///< n + m, n - m
+void mult_rats(const quolynode* n, const quolynode* m, quolyptr p);                ///< n m
+void quot_rats(const quolynode* n, const quolynode* m, quolyptr p);                ///< m is not 0
 }  // namespace tolvex

@@ -8,5 +8,5 @@
 /// Ownership  n, m are only read. *num, *den take the quotients when both exist. *common may be replaced.
 #include "poly/poly.h"
 namespace tolvex {
-void reduce(poly n, poly m, polyptrr common, polyptrr num, polyptrr den);
+void reduce(poly n, poly m, polyptrr common, polyptrr num, polyptrr den);  ///< n / *common and m / *common
 }  // namespace tolvex

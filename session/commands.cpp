@@ -194,8 +194,8 @@ constexpr NameQuestion output_question = {"Enter name of output file: \n", "*** 
                                           "*** Warning. Name is too long.\n"};
 }  // namespace
 
-/// The name that begins with the current token of the terminal: quoted, in an array of character codes, or one
-/// token. False after an error.
+/// The name that begins with the current token of the terminal: quoted, in an array of character codes, or
+/// one token. False after an error.
 static bool read_file_name(const NameQuestion& q, char* name) {
     nameptr terminal = nullptr;
     bool quoted = tok_is(token, "'");

@@ -16,7 +16,8 @@ void set_mod_out(FILE* inf, nameptr* flag);
 void ask_mod_out();
 /// Every field level is looked at in the ring just entered; says so of those that are none there.
 void test_fields();
-/// After a change of `&l`: every value takes the form of the setting in force, and the stash of gcds is emptied.
+/// After a change of `&l`: every value takes the form of the setting in force, and the stash of gcds is
+/// emptied.
 void follow_laurent();
 /// Error 271, true: negative exponents cannot be allowed while a variable is modded out that is in no field.
 bool refuse_laurent(int32_t on);

@@ -28,7 +28,8 @@ OutputFile output = {"", "", -1, false};
 
 // ---- opening and closing -------------------------------------------------------------------------------
 
-/// A fresh file beside the target, with its permissions. Its name is that of the target, as far as it goes, and a mark.
+/// A fresh file beside the target, with its permissions. Its name is that of the target, as far as it goes,
+/// and a mark.
 static FILE* open_beside(const struct stat* old) {
     static const char mark[] = ".XXXXXX";
     const char* slash = strrchr(output.target, '/');

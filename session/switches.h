@@ -11,8 +11,8 @@ namespace tolvex {
 void set_switch(FILE* inf, quolyptr n, nameptr* flag);
 inline constexpr int32_t k_text_length = 255;
 /// The quoted text whose opening "'" is current, raw, into text (k_text_length + 1 bytes); the token behind
-/// the closing one is current then. What is longer is error 209 or, if `cut` is given, cut off with that warning.
-/// False after error 33, 103 or 209.
+/// the closing one is current then. What is longer is error 209 or, if `cut` is given, cut off with that
+/// warning. False after error 33, 103 or 209.
 bool read_quoted(FILE* inf, nameptr* flag, char* text, const char* cut = nullptr);
 /// *n := the word v as the language reads it back: a residue in modular mode.
 void leave_value(quolyptr n, int64_t v);

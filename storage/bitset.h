@@ -8,8 +8,8 @@
 #include <cstdint>
 namespace tolvex {
 using PSet_BigSet = uint16_t[16];
-void PSet_Init(uint16_t* s, int32_t n);
-void PSet_Set(uint16_t* s, int32_t n, int32_t e);
+void PSet_Init(uint16_t* s, int32_t n);            ///< the empty set, of n words
+void PSet_Set(uint16_t* s, int32_t n, int32_t e);  ///< adds e
 /// Adds a to b; nothing if a exceeds b.
 void PSet_SetRange(uint16_t* s, int32_t n, int32_t a, int32_t b);
 /// False for a negative e and beyond the last member.

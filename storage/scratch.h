@@ -15,9 +15,9 @@ struct ScratchMark {
     void* block;  // the block in use
     size_t used;  // bytes of it in use
 };
-ScratchMark scratch_mark();
-void scratch_release(ScratchMark mark);
-void* scratch_bytes(size_t bytes);
+ScratchMark scratch_mark();              ///< where the stack stands
+void scratch_release(ScratchMark mark);  ///< gives back all that was taken since
+void* scratch_bytes(size_t bytes);       ///< room for so many bytes
 /// Long arrays are cleared and copied with safe points in between: the first touch of a gigabyte takes a
 /// second.
 void scratch_fill(void* at, unsigned char byte, size_t bytes);

@@ -22,6 +22,30 @@ void expect_same(poly g, poly h, const char* what, const Problem& p) {
                                   << text_of(p.u) << "\n and " << text_of(p.v);
 }
 
+/// The gcd once more under settings of chance, as Lpolygcd2 or as polygcd with its operands exchanged.
+void another_way(Rng& rng, const Problem& p, poly g, bool raw) {
+    DriverSettings::permute(rng);
+    if (!p.modest && modularmode && modulus < 1000) return;
+    if (!p.modest) {  // the sequence alone would take minutes
+        chinhensel = 1;
+        tripval = 20;
+        mod_method_diff = 6;
+    }
+    SCOPED_TRACE(::testing::Message() << "tripval " << tripval << " trial_cutoff " << trial_cutoff
+                                      << " mod_method_diff " << mod_method_diff << " chinhensel "
+                                      << chinhensel << " try_rat " << try_rat << " rat_yes " << rat_yes);
+    PolyGuard h;
+    if (raw)
+        polygcd(p.v, p.u, &h, 0, !p.modest || random_int(rng, 0, 1), random_int(rng, 0, 1), polynames, 1, 1,
+                1);
+    else
+        Lpolygcd2(p.u, p.v, &h, polynames);
+    expect_same(h, g, "permuted", p);
+    if (lookupgcd <= 0) return;
+    Lpolygcd2(p.u, p.v, &h, polynames);
+    expect_same(h, g, "with the stash filled", p);
+}
+
 void one_problem(Rng& rng, int round) {
     auto family = static_cast<Family>(round % k_families);
     const Ring& ring = rings[(round / k_families) % k_rings];
@@ -38,7 +62,7 @@ void one_problem(Rng& rng, int round) {
                    text_of(p.v).c_str());
             fflush(stdout);
         }
-        PolyGuard u, v, g, h;
+        PolyGuard u, v, g;
         u.p = copy_of(p.u);
         v.p = copy_of(p.v);
         Lpolygcd2(p.u, p.v, &g, polynames);
@@ -48,29 +72,8 @@ void one_problem(Rng& rng, int round) {
         monic.p = copy_of(p.c);
         gcd_normal_form(&monic.p);
         EXPECT_TRUE(divides(monic, g)) << text_of(g) << " is too small";
-        for (int way = 0; way < 2; way++) {
-            DriverSettings::permute(rng);
-            if (!p.modest && modularmode && modulus < 1000) break;
-            if (!p.modest) {  // the sequence alone would take minutes
-                chinhensel = 1;
-                tripval = 20;
-                mod_method_diff = 6;
-            }
-            SCOPED_TRACE(::testing::Message()
-                         << "tripval " << tripval << " trial_cutoff " << trial_cutoff << " mod_method_diff "
-                         << mod_method_diff << " chinhensel " << chinhensel << " try_rat " << try_rat
-                         << " rat_yes " << rat_yes);
-            if (way == 0)
-                Lpolygcd2(p.u, p.v, &h, polynames);
-            else
-                polygcd(p.v, p.u, &h, 0, !p.modest || random_int(rng, 0, 1), random_int(rng, 0, 1), polynames,
-                        1, 1, 1);
-            expect_same(h, g, "permuted", p);
-            if (lookupgcd > 0) {
-                Lpolygcd2(p.u, p.v, &h, polynames);
-                expect_same(h, g, "with the stash filled", p);
-            }
-        }
+        another_way(rng, p, g, false);
+        another_way(rng, p, g, true);
         DriverSettings::defaults();
         if (p.small) {
             PolyGuard r;

@@ -104,8 +104,8 @@ TEST(OneVariable, degree_sums_19_and_20_on_lists) {
         }
 }
 
-// The half-gcd alone: the new pair is made of the old one by its forms, has the degrees it tells, and the same
-// gcd.
+// The half-gcd alone: the new pair is made of the old one by its forms, has the degrees it tells, and the
+// same gcd.
 PROPERTY(half_gcd_forms_give_the_pair, 3000) {
     Cutoffs saved;
     set_up_once();

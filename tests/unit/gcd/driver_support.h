@@ -91,8 +91,8 @@ struct Problem {
 void make_problem(Family f, Rng& rng, Problem* p);
 
 #ifndef TOLVEX_NO_GTEST
-/// A test of the steps on records, the word engines being off. Records are not counted: the stash keeps some, and
-/// tests change the ring while polynomials of another live.
+/// A test of the steps on records, the word engines being off. Records are not counted: the stash keeps some,
+/// and tests change the ring while polynomials of another live.
 struct DriverTest : ::testing::Test {
     DriverSettings settings;
     void SetUp() override {

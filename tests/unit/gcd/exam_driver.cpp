@@ -413,8 +413,8 @@ TEST_F(Driver, a_wrong_gcd_in_the_stash_is_found_out) {
     EXPECT_EQ(polygcd_stack_depth, 0);
 }
 
-// Over half of its budget the table takes no new pair while a slot is open; what it holds is found. With none open
-// it makes room. Nested computations, which lower lookupgcd, leave it alone.
+// Over half of its budget the table takes no new pair while a slot is open; what it holds is found. With none
+// open it makes room. Nested computations, which lower lookupgcd, leave it alone.
 TEST_F(Driver, a_full_stash_and_a_suspended_one_take_no_new_pairs) {
     PolyGuard u, v, w, z, g;
     u.p = product("x^2*y + x*z + y^3 + 1", "x^3*y^2 + x*y*z + 3*z^3 + 5");
