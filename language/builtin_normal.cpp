@@ -4,24 +4,25 @@
 #include "matrix/hermite.h"
 #include "matrix/smith.h"
 namespace tolvex {
-/// With all four transformations.
-static constexpr ReductionForm normal_form(void (*reduce)(Reduction* r, const ReductionOptions* options)) {
-    return {4,
-            {ReductionSlot::alpha, ReductionSlot::beta, ReductionSlot::alphinv, ReductionSlot::betinv},
-            TrailingNumber::none,
-            true,
-            false,
-            reduce};
-}
-static constexpr ReductionForm k_hermite_form = normal_form(intcolred), k_smith_form = normal_form(intnormal),
-                               k_msmith_form = {0, {}, TrailingNumber::value, true, false, modular_smith};
+using enum ReductionSlot;
+static constexpr ReductionForm k_hermite = {.reduce = intcolred,
+                                            .slots = 4,
+                                            .slot = {alpha, beta, alphinv, betinv},
+                                            .integers_only = true},
+                               k_smith = {.reduce = intnormal,
+                                          .slots = 4,
+                                          .slot = {alpha, beta, alphinv, betinv},
+                                          .integers_only = true},
+                               k_msmith = {.reduce = modular_smith,
+                                           .number = TrailingNumber::value,
+                                           .integers_only = true};
 
 /// Hermite([a], [alpha], [beta], [alphinv], [betinv]).
-void builtin_Hermite(BuiltinCall& call) { reduction_call(call, k_hermite_form); }
+void builtin_Hermite(BuiltinCall& call) { reduction_call(call, k_hermite); }
 
 /// Smith([a], [alpha], [beta], [alphinv], [betinv]).
-void builtin_Smith(BuiltinCall& call) { reduction_call(call, k_smith_form); }
+void builtin_Smith(BuiltinCall& call) { reduction_call(call, k_smith); }
 
 /// MSmith([a]), MSmith([a], d): the Smith form modulo twice a multiple d of its product.
-void builtin_MSmith(BuiltinCall& call) { reduction_call(call, k_msmith_form); }
+void builtin_MSmith(BuiltinCall& call) { reduction_call(call, k_msmith); }
 }  // namespace tolvex

@@ -18,12 +18,12 @@ inline constexpr int32_t k_most_reduction_slots = 6;
 enum class TrailingNumber : int32_t { none, count, value };
 
 struct ReductionForm {
-    int32_t slots;
-    ReductionSlot slot[k_most_reduction_slots];
-    TrailingNumber number;  // what may stand behind the last slot
-    bool integers_only;     // refused in modular mode
-    bool keeps_array;       // [a] is not rewritten
     void (*reduce)(Reduction* r, const ReductionOptions* options);
+    int32_t slots = 0;
+    ReductionSlot slot[k_most_reduction_slots] = {};
+    TrailingNumber number = TrailingNumber::none;  // what may stand behind the last slot
+    bool integers_only = false;                    // refused in modular mode
+    bool keeps_array = false;                      // [a] is not rewritten
 };
 
 /// The whole call, from the name of the function to the ")"; *call.n: its value.
