@@ -246,6 +246,27 @@ TEST(SeveralVariables, too_few_points) {
     use_integers();
 }
 
+// At most points of the field the degree in level 2 falls: these are passed over, and the others suffice.
+TEST(SeveralVariables, points_that_lower_the_degree_in_level_two) {
+    set_up_once();
+    use_variables(2);
+    use_ring(101);
+    PolyGuard lead(poly_of("1")), c(poly_of("x*y + 3*x + y^2 + 5")), a(poly_of("x + 2*y + 1")),
+        b(poly_of("x^2 + y + 7")), top(poly_of("y^3")), u, v, g;
+    for (int32_t i = 0; i < 50; i++) {
+        PolyGuard factor(poly_of(("x - " + std::to_string(i)).c_str()));
+        poly_mult(lead, factor, &lead, polynames);
+    }
+    poly_mult(top, lead, &top, polynames);
+    poly_add(c, top, &c);
+    poly_mult(a, c, &u, polynames);
+    poly_mult(b, c, &v, polynames);
+    ASSERT_TRUE(mod_multivar_Chinese(u, v, &g, 51, polynames));
+    expect_gcd(u, v, g, true);
+    EXPECT_EQ(g.p->exp, 50);
+    use_integers();
+}
+
 // The same problem many times: other points, the same result.
 TEST(SeveralVariables, results_do_not_depend_on_the_points) {
     set_up_once();
