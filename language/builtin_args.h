@@ -59,8 +59,8 @@ void close_place(const ResultPlace& place);
 /// The variable takes the value, which is used up; without a place it is given back.
 void set_quotient(ResultPlace* place, quolyptr value);
 
-/// "[a]": the name of an array that will be made. False after error 178, 40, 24, or, for the name of a polynomial
-/// variable, polynomial_name.
+/// "[a]": the name of an array that will be made. False after error 178, 40, 24, or, for the name of a
+/// polynomial variable, polynomial_name.
 bool read_array_name(BuiltinCall& call, tokentipe* name, Err polynomial_name = Err::polyvar_as_name);
 
 /// Deg[a], from the "[": the number of elements.

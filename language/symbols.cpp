@@ -45,7 +45,8 @@ bool spec_retrieve(tokentipe& name, quolyptr n) {
     varptr p = find_var(name);
     if (p == nullptr) error(Err::undefined_variable, tok_text(name));
     if (is_array_parameter(p))
-        printf("Warning. %s is an array parameter.\n  Value 0 used for %s.\n", tok_text(name), tok_text(name));
+        printf("Warning. %s is an array parameter.\n  Value 0 used for %s.\n", tok_text(name),
+               tok_text(name));
     if (p == nullptr || p->val == nullptr)
         quoly_set(0, n);
     else

@@ -44,8 +44,8 @@ static int64_t solution_bits(const IntGrid& m, const IntGrid& right, const IntEn
     return row_length_bits(columns, m.rows - 1) + row_length_bits(sides, 1) - entry_bits(det) + 3;
 }
 
-/// What has been found modulo f.p as terms: entry k of the solution has the index count - 1 - k; with `cramer` it is
-/// multiplied by the determinant, which stands in front.
+/// What has been found modulo f.p as terms: entry k of the solution has the index count - 1 - k; with
+/// `cramer` it is multiplied by the determinant, which stands in front.
 static void solution_terms(const WordSystem& s, bool cramer, uint32_t det, PackTerms* t) {
     int64_t count = int64_t{s.n} * s.cols;
     t->count = 0;
@@ -61,7 +61,8 @@ static void solution_terms(const WordSystem& s, bool cramer, uint32_t det, PackT
     }
 }
 
-/// These terms modulo primes whose product exceeds 2^(bits + 1). Primes that divide the determinant are left out.
+/// These terms modulo primes whose product exceeds 2^(bits + 1). Primes that divide the determinant are left
+/// out.
 static CrtTerms solution_images(const IntGrid& m, const IntGrid& right, int64_t bits, bool cramer) {
     CrtTerms crt = crt_open(static_cast<int32_t>(bits / 30) + 2);
     int64_t count = int64_t{m.rows} * right.cols + 1;

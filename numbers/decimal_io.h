@@ -11,8 +11,8 @@
 #include <cstdio>
 namespace tolvex {
 /// Prints the chain y. flag: the first group without padding; zeros_flag: digits of a fraction; base10_flag:
-/// y is a decimal chain; indent_flag: first group padded with blanks; extra_space: a blank after "-". The lines that it
-/// has ended.
+/// y is a decimal chain; indent_flag: first group padded with blanks; extra_space: a blank after "-". The
+/// lines that it has ended.
 int32_t showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, boolean base10_flag,
                 boolean indent_flag, boolean extra_space, boolean outf_is_tty, int32_t* mylength);
 /// Prints a number in the mode in force. The lines that it has ended.

@@ -4,7 +4,7 @@
 /// Purpose    products of long polynomials modulo primes just below 2^50, whose residues are kept as
 ///            integers in double precision: a fused product gives the rounding error of a product exactly,
 ///            so that a residue of a product takes seven operations on as many lanes as a vector has. Long
-///            integers (limb_transform.h) and residue arrays are multiplied modulo as many of the primes as
+///            integers (limb_ntt.h) and residue arrays are multiplied modulo as many of the primes as
 ///            their coefficients need.
 /// Invariant  residues are integers of absolute value at most 5/8 p, except where said. Arrays of values
 ///            hold them in an order of their own, the same for all arrays of one length.

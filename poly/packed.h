@@ -2,7 +2,7 @@
 /// poly/packed.h: polynomials as flat arrays of terms inside one operation.
 ///
 ///   tree  ──pack_measure──► PackMeasure (extent of each level)  ──pack_plan──► PackPlan (one radix a level)
-///         ──pack_terms──►   PackTerms: index and coefficient of each term, index falling
+///         ──pack_words ...──►  PackTerms: index and coefficient of each term, index falling
 ///
 /// Purpose    the exponents e_1 .. e_k of a term become one word, its index in a box of mixed radix; products
 ///            add indexes, and as the first level has the greatest weight, falling index is the order of the

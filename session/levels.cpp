@@ -192,7 +192,8 @@ static void report_place() {
     history_clear();
 }
 
-/// Functions that run, and the stored statement under way. True if the names of functions leave the line open.
+/// Functions that run, and the stored statement under way. True if the names of functions leave the line
+/// open.
 static bool report_trail() {
     bool open = report_calls();
     if (!report_statements()) return open;

@@ -313,8 +313,8 @@ void scanner(FILE* inf, tokentipe* tok, nameptr* flag) {
     history_add(*tok);
 }
 
-/// True if a line end is what comes next. In front of anything else the mark of continuation is a character of the text:
-/// the rest of the line would be lost without a word.
+/// True if a line end is what comes next. In front of anything else the mark of continuation is a character
+/// of the text: the rest of the line would be lost without a word.
 static bool ends_line(FILE* inf) {
     int c = peek_char(inf);
     return c == '\n' || c == '\r';

@@ -40,8 +40,8 @@ inline constexpr char k_line_end = '\r';
 /// One raw character as a token, blanks included; a line end (LF or CR LF) arrives as k_line_end and sets
 /// *eoln. The mark of continuation counts only at the end of a line.
 void dumbscanner(FILE* inf, tokentipe* tok, nameptr* flag, boolean* eoln);
-/// The character of a text that dumbscanner has just read, a line end as LF. A stored list holds no CR but those that
-/// stand for line ends.
+/// The character of a text that dumbscanner has just read, a line end as LF. A stored list holds no CR but
+/// those that stand for line ends.
 inline unsigned char text_character(const tokentipe& tok, nameptr flag, boolean eoln) {
     return eoln || (flag != nullptr && tok_char(tok) == k_line_end) ? '\n' : tok_char(tok);
 }
