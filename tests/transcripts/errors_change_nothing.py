@@ -28,7 +28,6 @@ MARK = "zzmark"
 CHANGING = {
     29: "the body has made the array by then",
     30: "the body has cancelled the array",
-    47: "the loop has run up to there",
     52: "the loop variable has its first value by then",
     79: "the loop variable has its first value by then",
     80: "the loop variable has its first value by then",
