@@ -6,6 +6,7 @@
 #include "language/tokens/scanner.h"
 #include "numbers/display_modes.h"
 #include "poly/poly.h"
+#include "poly/poly_read.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_display.h"
 #include "session/jumps.h"
@@ -209,6 +210,7 @@ static void audit_statement() {}
 /// Reads and runs one statement up to its terminator; *value: what it leaves, 0 if nothing.
 static void run_one_statement(quolyptr value) {
     warn_cnt = 0;
+    minus_warned = 0;
     read_first_token();
     clear_statement_counters();
     mytime[time_level] = time_now();
