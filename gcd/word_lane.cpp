@@ -130,7 +130,7 @@ static bool gcd_of_words(poly u, poly v, polyptrr r, polypt pt, bool raw, int64_
         if (bound_by_images(env))
             g = common_monomial(env);
         else if (!try_divisor(env, v, env.vm, u, &g) && !try_divisor(env, u, env.um, v, &g) &&
-                 !gcd_by_images(env, most_images, &g))
+                 !gcd_of_values(env, &g) && !gcd_by_images(env, most_images, &g))
             return false;
     }
     hand_over(g, r);

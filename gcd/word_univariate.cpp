@@ -39,8 +39,7 @@ int32_t only_level(const WordGcdEnv& env) {
     return span <= k_dense_degree ? only : -1;
 }
 
-// The one level counts from the common monomial; the others, if any, hold one exponent.
-static bool plan_level(const WordGcdEnv& env, int32_t level, PackPlan* plan) {
+bool plan_of_level(const WordGcdEnv& env, int32_t level, PackPlan* plan) {
     int32_t low[k_levels], high[k_levels];
     for (int32_t i = 0; i < env.levels; i++) low[i] = high[i] = env.monomial[i];
     high[level] += maxx(env.um.most[level] - env.um.least[level], env.vm.most[level] - env.vm.least[level]);
@@ -183,7 +182,7 @@ static bool univariate_over_integers(WordGcdEnv& env, int32_t level, const PackP
 
 bool univariate_gcd(WordGcdEnv& env, int32_t level, polyptrr g) {
     PackPlan plan;
-    if (!plan_level(env, level, &plan)) return false;
+    if (!plan_of_level(env, level, &plan)) return false;
     ScratchMark mark = scratch_mark();
     bool found = modularmode;
     if (modularmode)

@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <cmath>
 namespace tolvex {
-namespace {
-int32_t bit_length(uint64_t v) { return v == 0 ? 0 : 64 - __builtin_clzll(v); }
+static int32_t bit_length(uint64_t v) { return v == 0 ? 0 : 64 - __builtin_clzll(v); }
 
-/// Bits of the longest number.
-int64_t longest_bits(const PackedOperand& p) {
+// ---- the value at a power of two -----------------------------------------------------------------------
+
+int64_t kronecker_bits(const PackedOperand& p) {
     int64_t bits = 0;
     for (int64_t i = 0; i < p.terms; i++) {
         const number* x = p.numbers[i];
@@ -23,30 +23,7 @@ int64_t longest_bits(const PackedOperand& p) {
     return bits;
 }
 
-/// Limbs of one place: the sum of all products that may meet there, and a sign.
-int64_t place_limbs(int64_t n_bits, int64_t m_bits, int64_t meeting) {
-    return (n_bits + m_bits + bit_length(static_cast<uint64_t>(meeting)) + 1 + 63) / 64;
-}
-
-int32_t* residue_array(const PackedOperand& p) {
-    auto* a = scratch_array<int32_t>(p.extent());
-    scratch_clear(a, static_cast<size_t>(p.extent()) * sizeof(int32_t));
-    for (int64_t i = 0; i < p.terms; i++) {
-        a[p.keys[i]] = p.numbers[i]->lint;
-        poll_every<k_terms_unpolled>(i);
-    }
-    return a;
-}
-
-/// Reads the places of an array of residues.
-struct ResidueBox {
-    const int32_t* value;
-    bool zero(int64_t slot) const { return value[slot] == 0; }
-    poly leaf(int64_t slot) const { return leaf_of_residue(static_cast<uint32_t>(value[slot])); }
-};
-
-/// Magnitude of the value at 2^(64 width), extent() * width limbs; *negative: its sign.
-limb* value_at_power(const PackedOperand& p, int64_t width, bool* negative) {
+limb* kronecker_value(const PackedOperand& p, int64_t width, bool* negative) {
     const int64_t length = p.extent() * width;
     auto* plus = scratch_array<limb>(length);
     ScratchMark mark = scratch_mark();
@@ -73,8 +50,7 @@ limb* value_at_power(const PackedOperand& p, int64_t width, bool* negative) {
     return plus;
 }
 
-/// Every place becomes its coefficient in two's complement: a negative one has borrowed from the place above.
-void restore_borrows(limb* r, int64_t places, int64_t width) {
+void kronecker_restore(limb* r, int64_t places, int64_t width) {
     limb carry = 0;
     for (int64_t i = 0; i < places; i++, r += width) {
         for (int64_t k = 0; carry != 0 && k < width; k++) carry = (r[k] += carry) < carry;
@@ -83,15 +59,40 @@ void restore_borrows(limb* r, int64_t places, int64_t width) {
     }
 }
 
+// ---- products ------------------------------------------------------------------------------------------
+
+namespace {
+/// Limbs of one place: the sum of all products that may meet there, and a sign.
+int64_t place_limbs(int64_t n_bits, int64_t m_bits, int64_t meeting) {
+    return (n_bits + m_bits + bit_length(static_cast<uint64_t>(meeting)) + 1 + 63) / 64;
+}
+
+int32_t* residue_array(const PackedOperand& p) {
+    auto* a = scratch_array<int32_t>(p.extent());
+    scratch_clear(a, static_cast<size_t>(p.extent()) * sizeof(int32_t));
+    for (int64_t i = 0; i < p.terms; i++) {
+        a[p.keys[i]] = p.numbers[i]->lint;
+        poll_every<k_terms_unpolled>(i);
+    }
+    return a;
+}
+
+/// Reads the places of an array of residues.
+struct ResidueBox {
+    const int32_t* value;
+    bool zero(int64_t slot) const { return value[slot] == 0; }
+    poly leaf(int64_t slot) const { return leaf_of_residue(static_cast<uint32_t>(value[slot])); }
+};
+
 poly integer_product(const PackedPlan& plan, const int64_t* weight, int64_t slots, const PackedOperand& n,
                      const PackedOperand& m) {
-    const int64_t width = place_limbs(longest_bits(n), longest_bits(m), std::min(n.terms, m.terms));
+    const int64_t width = place_limbs(kronecker_bits(n), kronecker_bits(m), std::min(n.terms, m.terms));
     const int64_t places = std::max(slots, n.extent() + m.extent());
     bool n_negative, m_negative;
-    limb* a = value_at_power(n, width, &n_negative);
+    limb* a = kronecker_value(n, width, &n_negative);
     limb* b = a;
     m_negative = n_negative;
-    if (n.keys != m.keys) b = value_at_power(m, width, &m_negative);
+    if (n.keys != m.keys) b = kronecker_value(m, width, &m_negative);
     int64_t a_length = limbs_trim(a, n.extent() * width), b_length = limbs_trim(b, m.extent() * width);
     LimbRing box = {};
     box.width = width;
@@ -103,7 +104,7 @@ poly integer_product(const PackedPlan& plan, const int64_t* weight, int64_t slot
         limbs_mul(box.acc, b, b_length, a, a_length);
     int64_t used = a_length + b_length;
     scratch_clear(box.acc + used, static_cast<size_t>(places * width - used) * sizeof(limb));
-    restore_borrows(box.acc, places, width);
+    kronecker_restore(box.acc, places, width);
     poly p = box_tree(plan, weight, box);
     if (n_negative != m_negative) poly_inplace(p);
     return p;

@@ -7,6 +7,7 @@
 ///            Source: L. Kronecker 1882; A. Schoenhage 1982.
 /// Invariant  keys are places in a box (weights of mixed radix), falling from the first term on.
 /// Ownership  operands are only read; all arrays are scratch of the operation.
+#include "numbers/limbs.h"
 #include "poly/packed_form.h"
 namespace tolvex {
 struct PackedOperand {
@@ -17,6 +18,14 @@ struct PackedOperand {
 
     int64_t extent() const { return static_cast<int64_t>(keys[0]) + 1; }
 };
+/// Bits of the longest number.
+int64_t kronecker_bits(const PackedOperand& p);
+/// Magnitude of the value at 2^(64 width), extent() * width limbs with leading zeros, in fresh scratch;
+/// *negative: its sign. Every number has less than 64 width bits.
+limb* kronecker_value(const PackedOperand& p, int64_t width, bool* negative);
+/// The way back: every place of r becomes its coefficient in two's complement. A negative one has borrowed from
+/// the place above.
+void kronecker_restore(limb* r, int64_t places, int64_t width);
 /// True if one long product is likely to be faster than all products of terms.
 bool kronecker_pays(const PackedOperand& n, const PackedOperand& m);
 /// The product as a tree, from a box of so many slots. n and m may have the same keys: then it squares.

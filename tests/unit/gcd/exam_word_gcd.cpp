@@ -74,6 +74,8 @@ void try_engines(const Planted& p) {
     if (env.um.terms == 1 || env.vm.terms == 1 || bound_by_images(env)) return;
     if (gcd_of_few_terms(env, 4096, &g)) expect_gcd(p, g, "gcd_of_few_terms");
     free_poly(&g);
+    if (gcd_of_values(env, &g)) expect_gcd(p, g, "values");
+    free_poly(&g);
     int64_t images = 1;
     for (int32_t i = 0; i < env.levels; i++) images *= env.bound[i] + 1;
     if (images > 100) return;
@@ -103,6 +105,17 @@ PROPERTY(planted_factors_small, 20000) {
     Planted p(rng, shape_of(rng, levels, 6, degree), shape_of(rng, levels, 6, degree));
     try_engines(p);
     use_integers();
+}
+
+// One variable and long numbers: the values at a power of two settle it nearly always.
+PROPERTY(planted_factors_long_numbers, 4000) {
+    use_variables(2);
+    use_integers();
+    int32_t degree = random_int(rng, 1, 6);
+    Shape cofactor = shape_of(rng, 1, 5, degree), common = shape_of(rng, 1, 5, degree);
+    common.coefs = Coefs::huge;
+    Planted p(rng, cofactor, common);
+    try_engines(p);
 }
 
 PROPERTY(planted_factors_sparse, 4000) {
