@@ -1,10 +1,11 @@
-// Operands over Z in one variable: their values at t = 2^(64 w) are two integers, whose gcd, written with digits
-// from -t/2 to t/2, gives a multiple of the gcd by a number. (B. Char, K. Geddes, G. Gonnet, "GCDHEU", 1989.)
+// Operands over Z in one variable: their values at t = 2^(64 w) are two integers, whose gcd, written with
+// digits from -t/2 to t/2, gives a multiple of the gcd by a number. (B. Char, K. Geddes, G. Gonnet, "GCDHEU",
+// 1989.)
 //
-// With t above twice the heights of the operands and 2, a primitive polynomial that divides both is their gcd:
-// what it lacked would have a value above t/2 and divide the content of the digits, which is not. The division
-// is one of values: digits of the divisor and of the quotient that are too small to make up a product above
-// t/2 are the coefficients of a true product.
+// With t above twice the heights of the operands and 2, a primitive polynomial that divides both is their
+// gcd: what it lacked would have a value above t/2 and divide the content of the digits, which is not. The
+// division is one of values: digits of the divisor and of the quotient that are too small to make up a
+// product above t/2 are the coefficients of a true product.
 #include "gcd/word_gcd.h"
 #include "numbers/limbs.h"
 #include "numbers/num_compare.h"

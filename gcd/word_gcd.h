@@ -47,8 +47,8 @@ int32_t only_level(const WordGcdEnv& env);
 bool univariate_gcd(WordGcdEnv& env, int32_t level, polyptrr g);
 /// The box of operands that move in this level alone, counted from the common monomial. False: too wide.
 bool plan_of_level(const WordGcdEnv& env, int32_t level, PackPlan* plan);
-/// Over Z, operands that move in one level and have few but long numbers: the gcd of their values at a power of
-/// two, read back and proved. False: other operands, or an unlucky value.
+/// Over Z, operands that move in one level and have few but long numbers: the gcd of their values at a power
+/// of two, read back and proved. False: other operands, or an unlucky value.
 bool gcd_of_values(const WordGcdEnv& env, polyptrr g);
 /// Evaluation and interpolation over the field in force. False: too few points, or the box is too wide.
 /// The result has the common monomial, is monic, and has divided both operands.

@@ -23,8 +23,8 @@ int64_t kronecker_bits(const PackedOperand& p);
 /// Magnitude of the value at 2^(64 width), extent() * width limbs with leading zeros, in fresh scratch;
 /// *negative: its sign. Every number has less than 64 width bits.
 limb* kronecker_value(const PackedOperand& p, int64_t width, bool* negative);
-/// The way back: every place of r becomes its coefficient in two's complement. A negative one has borrowed from
-/// the place above.
+/// The way back: every place of r becomes its coefficient in two's complement. A negative one has borrowed
+/// from the place above.
 void kronecker_restore(limb* r, int64_t places, int64_t width);
 /// True if one long product is likely to be faster than all products of terms.
 bool kronecker_pays(const PackedOperand& n, const PackedOperand& m);
