@@ -250,6 +250,8 @@ static void powermod_factor(ArrReader& r, ArrOperand& v) {
     bool good = !at_char(',') || read_modulus(r, &m);
     if (!good)
         scalar_zero(v);
+    else if (m == nullptr && !modularmode)
+        fail_operand(v, Err::powermod_outside_modular);
     else if (m == nullptr)
         matrix_power(v, &exponent);
     else

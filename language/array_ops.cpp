@@ -3,7 +3,10 @@
 #include "matrix/inverse.h"
 #include "matrix/products.h"
 #include "numbers/ring_switch.h"
+#include "poly/field_shape.h"
 #include "poly/poly_basic.h"
+#include "poly/poly_shape.h"
+#include "poly/poly_test.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_convert.h"
@@ -500,16 +503,33 @@ static void reduce_element(quolyptr value, void* context) {
     remainder_in_place(value, static_cast<quoly>(context));
 }
 
-/// True if the polynomial has a positive degree in its outermost variable.
-static bool has_positive_degree(const polynode* p) {
+/// The polynomial at the level of its outermost variable.
+static const polynode* without_pads(const polynode* p) {
     while (p->exp == 0 && p->next == nullptr && !p->numb) p = p->pcoef;
-    return p->exp > 0;
+    return p;
+}
+
+static bool all_without_denominators(const ArrOperand& v) {
+    for (int64_t k = 0; k < v.facts.arrsize; k++)
+        if (elements_of(v)[k]->denom != nullptr) return false;
+    return true;
+}
+
+/// Why elements of v cannot be reduced modulo the polynomial.
+static Err powermod_fault(const ArrOperand& v, const polynode* m) {
+    const polynode* top = without_pads(m);
+    if (top->exp <= 0) return Err::modulus_degree;
+    if (!modularmode) return Err::powermod_outside_modular;
+    if (!poly_eq_1(top->pcoef)) return Err::matrix_modulus_not_monic;
+    if (has_negative_exponent(m)) return Err::negative_powers;
+    if (exists_field_element(m, 1)) return Err::matrix_modulus_in_field;
+    return all_without_denominators(v) ? Err{} : Err::matrix_of_polynomials;
 }
 
 void matpowermod(ArrOperand& v, const number* e, quoly m) {
     int64_t k;
-    if (!has_positive_degree(m->numer)) {
-        fail_operand(v, Err::modulus_degree);
+    if (Err fault = powermod_fault(v, m->numer); fault != Err{}) {
+        fail_operand(v, fault);
         return;
     }
     if (!word_exponent(e, &k)) {
