@@ -117,7 +117,7 @@ void display_system_array() {
     if (syst == nullptr || syst->sizearr == 0 || syst->ring != modulus) return;
     ArrOperand v;
     if (!begin_operand(v)) return;
-    borrow_array(v, syst, "[<]", syst->name);
+    borrow_array(v, syst);
     arrdisplay(stdout, v, k_element_width);
     end_operand(v);
 }

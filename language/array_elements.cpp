@@ -245,7 +245,8 @@ void note_uninitialized(const char* which) {
     constexpr int32_t k_most_warnings = 20;
     uninit++;
     if (uninit <= k_most_warnings)
-        printf("Warning. Uninitialized array element in %s has been set to 0.\n", which);
+        printf("Warning. Uninitialized array element%s%s has been set to 0.\n",
+               which == nullptr ? "" : " in ", which == nullptr ? "" : which);
     else if (uninit == k_most_warnings + 1)
         fputs(" ....etc...\n", stdout);
 }
@@ -254,6 +255,15 @@ void note_uninitialized_in(const tokentipe& name) {
     char text[k_namelength + 3];
     snprintf(text, sizeof text, "[%s]", tok_text(name));
     note_uninitialized(text);
+}
+
+quolyptr value_slot(const arrnode* a, int32_t k) {
+    quolyptr slot = dense_slot(a, k);
+    if (*slot == nullptr) {
+        quoly_set(0, slot);
+        note_uninitialized(nullptr);
+    }
+    return slot;
 }
 
 /// True in front of ":=", ":+" and ":-".

@@ -91,16 +91,9 @@ void make_sparse_operand(ArrOperand& v, int64_t rows, int64_t cols, sparseptr ch
     v.spar = chain;
 }
 
-void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& name) {
+void borrow_array(ArrOperand& v, arrptr a) {
     workptr arr = elements_of(v);
-    for (int32_t k = 0; a->spar == nullptr && k < a->sizearr; k++) {
-        quolyptr slot = dense_slot(a, k);
-        if (*slot == nullptr) {
-            quoly_set(0, slot);
-            which == nullptr ? note_uninitialized_in(name) : note_uninitialized(which);
-        }
-        arr[k] = *slot;
-    }
+    for (int32_t k = 0; a->spar == nullptr && k < a->sizearr; k++) arr[k] = *value_slot(a, k);
     v.spar = a->spar;
     v.facts = {a->sizearr, a->rows};
     v.arr_free = 0;

@@ -49,8 +49,8 @@ bool make_dense(ArrOperand& v, int64_t rows, int64_t cols);
 /// v, which is empty, becomes a private sparse matrix; chain nil: without entries.
 void make_sparse_operand(ArrOperand& v, int64_t rows, int64_t cols, sparseptr chain);
 /// v, which is empty, borrows the elements of the array itself; dense elements that are nil become 0, with
-/// the warning of note_uninitialized (`which` nil: the name).
-void borrow_array(ArrOperand& v, arrptr a, const char* which, const tokentipe& name);
+/// the warning of note_uninitialized.
+void borrow_array(ArrOperand& v, arrptr a);
 /// copy, which is empty, becomes a private copy of a matrix.
 void copy_operand(const ArrOperand& v, ArrOperand& copy);
 /// The scalar v becomes a private dense matrix of copies of its value.

@@ -76,7 +76,7 @@ void cut_block(ArrOperand& v, const Block& b) {
 void named_array(ArrReader& r, ArrOperand& v, arrptr a, const tokentipe& name) {
     a = array_itself(a);
     if (refuse_array_of_other_ring(a, name)) return scalar_zero(v);
-    borrow_array(v, a, nullptr, name);
+    borrow_array(v, a);
     if (!at_char('[')) return;
     Block b;
     if (is_sparse(v))
@@ -110,7 +110,7 @@ static void copy_syst(ArrOperand& v) {
     } else if (refuse_array_of_other_ring(syst, syst->name)) {
         scalar_zero(v);
     } else {
-        borrow_array(v, syst, "[<]", syst->name);
+        borrow_array(v, syst);
         make_private(v);
     }
 }

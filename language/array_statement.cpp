@@ -306,7 +306,7 @@ static bool load_target(ArrTarget& t, ArrOperand& v) {
     arrptr named = nullptr;
     if (t.stamp == 0) return statement_error(Err::undefined_array, tok_text(t.name));
     if (!record_of(t, &named) || refuse_array_of_other_ring(array_itself(named), t.name)) return false;
-    borrow_array(v, array_itself(named), nullptr, t.name);
+    borrow_array(v, array_itself(named));
     if (t.has_block) cut_block(v, t.block);
     return true;
 }

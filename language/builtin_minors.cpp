@@ -1,5 +1,6 @@
 // Minors: the sub-matrix of a sparse array that lists of rows and columns tell.
 
+#include "language/array_elements.h"
 #include "language/array_statement.h"
 #include "language/builtin_arrays.h"
 #include "language/builtin_table.h"
@@ -31,9 +32,9 @@ bool refuse(Err code, const char* symbol = nullptr) {
 
 // ---- reading -------------------------------------------------------------------------------------------
 
-/// Element k of a list, in linear order; nil: it has no value.
+/// Element k of a list, in linear order.
 static const quolynode* list_element(const arrnode* a, int32_t k) {
-    if (a->spar == nullptr) return *dense_slot(a, k);
+    if (a->spar == nullptr) return *value_slot(a, k);
     return spar_retrieve(a->spar, row_of_place(a, k) + 1, column_of_place(a, k));
 }
 
@@ -44,7 +45,6 @@ static bool take_numbers(const ArrayArgument& x, int64_t lines, LineList* list) 
     list->count = count;
     for (int32_t k = 0; k < count; k++) {
         const quolynode* q = list_element(x.a, k);
-        if (q == nullptr) q = quol_num_0;
         if (!q->numb) return refuse(Err::minor_number, tok_text(x.name));
         int64_t number = int64_t{convert_to_int(q->ncoef)} - addresser;
         if (number < 0 || number >= lines) return refuse(Err::minor_range, tok_text(x.name));
@@ -134,7 +134,7 @@ static void note_large(const MinorsCall& m) {
 static int64_t store_minor(MinorsCall& m) {
     ArrOperand source, minor;
     if (!is_still_there(m.s) || !begin_operand(source)) return 0;
-    borrow_array(source, m.s.a, nullptr, m.s.name);
+    borrow_array(source, m.s.a);
     int64_t count = 0;
     bool stored = false;
     if (begin_operand(minor)) {

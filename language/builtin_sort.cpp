@@ -165,7 +165,7 @@ static void sort_dense(const ArrayArgument& x) {
         return;
     }
     if (!begin_operand(v)) return;
-    borrow_array(v, x.a, nullptr, x.name);
+    borrow_array(v, x.a);
     auto n = static_cast<int32_t>(x.b.rows);
     ScratchMark mark = scratch_mark();
     auto* rows = scratch_array<int32_t>(n);
@@ -235,7 +235,7 @@ static bool sort_rows_of(const ArrOperand& v, SortedRows* s) {
 static void sort_sparse(const ArrayArgument& x) {
     ArrOperand v;
     if (!begin_operand(v)) return;
-    borrow_array(v, x.a, nullptr, x.name);
+    borrow_array(v, x.a);
     ScratchMark mark = scratch_mark();
     SortedRows s;
     bool sorted = sort_rows_of(v, &s);
@@ -329,8 +329,8 @@ static void synthesize(BuiltinCall& call, const ArrayArgument& x, const ArrayArg
     int32_t n = -1;
     if (!begin_operand(a)) return;
     if (begin_operand(b)) {
-        borrow_array(a, x.a, nullptr, x.name);
-        borrow_array(b, y.a, nullptr, y.name);
+        borrow_array(a, x.a);
+        borrow_array(b, y.a);
         n = combine(a, b, kind, &chain);
         end_operand(b);
     }

@@ -1,5 +1,6 @@
 // Built-in functions that rearrange arrays: Reverse, STrans, Rname, Switchrow, Switchcol; Iszero, Killden,
 // LCM.
+#include "language/array_elements.h"
 #include "language/array_operand.h"
 #include "language/builtin_arrays.h"
 #include "language/builtin_parts.h"
@@ -69,8 +70,8 @@ void about_to_move(arrptr a) {
 }
 
 /// Element (r, c) of the part, both from 0, of a dense array.
-static quolyptr part_slot(const ArrayArgument& x, int64_t r, int64_t c) {
-    return dense_slot(x.a, static_cast<int32_t>(x.b.first_row + r + (x.b.first_col + c) * x.a->rows));
+static int32_t part_place(const ArrayArgument& x, int64_t r, int64_t c) {
+    return static_cast<int32_t>(x.b.first_row + r + (x.b.first_col + c) * x.a->rows);
 }
 
 static void swap_slots(quolyptr x, quolyptr y) {
@@ -152,8 +153,8 @@ static void switch_lines(const ArrayArgument& x, bool rows, int32_t i, int32_t j
     if (x.a->spar == nullptr) {
         int64_t length = rows ? x.b.cols : x.b.rows;
         for (int64_t k = 0; k < length; k++)
-            rows ? swap_slots(part_slot(x, i, k), part_slot(x, j, k))
-                 : swap_slots(part_slot(x, k, i), part_slot(x, k, j));
+            rows ? swap_slots(dense_slot(x.a, part_place(x, i, k)), dense_slot(x.a, part_place(x, j, k)))
+                 : swap_slots(dense_slot(x.a, part_place(x, k, i)), dense_slot(x.a, part_place(x, k, j)));
         return;
     }
     if (rows) {
@@ -259,7 +260,7 @@ void builtin_Rname(BuiltinCall& call) {
 
 // ---- values of all elements ----------------------------------------------------------------------------
 
-/// Calls f for every value of the part that is there.
+/// Calls f for every element of a dense part, for every entry of a sparse array.
 template <class Visit> static void for_part(const ArrayArgument& x, Visit f) {
     if (x.a->spar != nullptr) {
         SparseWalk w = walk_sparse(x.a->spar, x.a->rows);
@@ -268,8 +269,7 @@ template <class Visit> static void for_part(const ArrayArgument& x, Visit f) {
         return;
     }
     for (int64_t c = 0; c < x.b.cols; c++)
-        for (int64_t r = 0; r < x.b.rows; r++)
-            if (quolyptr slot = part_slot(x, r, c); *slot != nullptr) f(slot);
+        for (int64_t r = 0; r < x.b.rows; r++) f(value_slot(x.a, part_place(x, r, c)));
 }
 
 void kill_denominators(BuiltinCall& call) {

@@ -1,4 +1,5 @@
 // Built-in functions between polynomials and arrays: Mons, Totdeg, Poly.
+#include "language/array_elements.h"
 #include "language/array_statement.h"
 #include "language/builtin_arrays.h"
 #include "language/builtin_table.h"
@@ -106,8 +107,8 @@ struct Weights {
 static bool read_weights(const arrnode* a, Weights* w) {
     for (int64_t& weight : w->of) weight = 0;
     for (int64_t k = 0; k < a->sizearr && k < k_levels; k++) {
-        const quoly* slot = place_slot(a, k);
-        if (slot == nullptr || *slot == nullptr) continue;
+        const quoly* slot = a->spar == nullptr ? value_slot(a, static_cast<int32_t>(k)) : place_slot(a, k);
+        if (slot == nullptr) continue;
         if (!(*slot)->numb) {
             error(Err::number_expected);
             return false;
@@ -222,7 +223,7 @@ static void drop_coefficients(void* what) {
 /// Error 196 for a denominator, 32 for a position that is no exponent.
 static Err take_coefficient(Coefficients& c, int64_t k, const quolynode* q) {
     constexpr int64_t k_exponent_limit = 1 << 28;
-    if (q == nullptr || quoly_iszero(q)) return Err{};
+    if (quoly_iszero(q)) return Err{};
     if (!q->numb && q->denom != nullptr) return Err::rational_not_allowed;
     if (k >= k_exponent_limit) return Err::exponent_too_long;
     c.of[c.count] = {k, nullptr};
@@ -242,7 +243,7 @@ static Err gather_coefficients(const ArrayArgument& x, Coefficients& c) {
         c.of = scratch_array<Coefficient>(x.b.rows * x.b.cols);
         for (int64_t k = 0; fault == Err{} && k < x.b.rows * x.b.cols; k++) {
             int64_t place = x.b.first_row + k % x.b.rows + (x.b.first_col + k / x.b.rows) * x.a->rows;
-            fault = take_coefficient(c, k, *dense_slot(x.a, static_cast<int32_t>(place)));
+            fault = take_coefficient(c, k, *value_slot(x.a, static_cast<int32_t>(place)));
         }
         return fault;
     }

@@ -118,7 +118,7 @@ static void take_matrix(Reduction* r, ArrOperand& v) {
 static bool copy_array(ReductionCall& c) {
     ArrOperand v;
     if (!is_still_there(c.array) || !begin_operand(v)) return false;
-    borrow_array(v, c.array.a, nullptr, c.array.name);
+    borrow_array(v, c.array.a);
     make_private(v);
     take_matrix(&c.r, v);
     end_operand(v);

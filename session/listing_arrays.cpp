@@ -163,7 +163,7 @@ static void write_sparse_rows(FILE* file, const ArrOperand& v) {
 static void write_elements(FILE* file, arrptr a) {
     ArrOperand v;
     if (!begin_operand(v)) return;
-    borrow_array(v, a, nullptr, a->name);
+    borrow_array(v, a);
     fprintf(file, "[%s] := ", tok_text(a->name));
     if (is_sparse(v))
         write_sparse_rows(file, v);
