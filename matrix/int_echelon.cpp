@@ -27,15 +27,6 @@ static bool is_echelon_column(const RankProfile& p, const IntGrid& x, int32_t op
     return true;
 }
 
-static quoly value_of_entry(const IntEntry& e) {
-    number n = {};
-    number_of_entry(e, &n);
-    quoly q = nullptr;
-    scalar_to_quoly(&n, &q);
-    free_num(&n);
-    return q;
-}
-
 /// m, whose elements are known as integers elsewhere, becomes the echelon form.
 static void store_echelon(LineMatrix& m, const RankProfile& p, const IntGrid& x, const IntEntry& det) {
     quoly below = value_of_entry(det);

@@ -1,6 +1,7 @@
 #include "matrix/int_entries.h"
 
 #include "numbers/primes.h"
+#include "quoly/quoly_basic.h"
 
 #include <algorithm>
 #include <bit>
@@ -77,5 +78,14 @@ void number_of_entry(const IntEntry& a, imptr x) {
         chain_set_int64(x, 0);
     else
         chain_from_limbs(x, a.at, a.n, a.negative);
+}
+
+quoly value_of_entry(const IntEntry& a) {
+    number n = {};
+    number_of_entry(a, &n);
+    quoly q = nullptr;
+    scalar_to_quoly(&n, &q);
+    free_num(&n);
+    return q;
 }
 }  // namespace tolvex

@@ -41,4 +41,6 @@ int64_t entry_bits(const IntEntry& a);
 uint32_t entry_residue(const WordField& f, const IntEntry& a);
 /// *x, which holds no chain, := the value.
 void number_of_entry(const IntEntry& a, imptr x);
+/// The same as a new value; outside lintmode.
+quoly value_of_entry(const IntEntry& a);
 }  // namespace tolvex

@@ -1,5 +1,6 @@
 #include "matrix/products.h"
 
+#include "matrix/int_products.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_basic.h"
 #include "quoly/quoly_mult.h"
@@ -69,6 +70,7 @@ static void element_product(const quoly* x, int64_t step, const quoly* y, int32_
 
 void matrix_mult(workptr a, workptr b, int32_t rows, int32_t inner, int32_t cols, workptr result) {
     if (modularmode && !finf && residue_mult(a, b, rows, inner, cols, result)) return;
+    if (!modularmode && multiply_rationals(a, b, rows, inner, cols, result)) return;
     for (int32_t c = 0; c < cols; c++)
         for (int32_t r = 0; r < rows; r++)
             element_product(a + r, rows, b + int64_t{c} * inner, inner, &result[r + int64_t{c} * rows]);

@@ -2,9 +2,9 @@
 /// matrix/products.h: products of matrices.
 ///
 /// Purpose    the product row by column; over a ring of residues numbers are multiplied as words, with one
-///            reduction an element.
+///            reduction an element; integers and rational numbers: matrix/int_products.h.
 /// Ownership  operands are kept; the result is filled with new values.
-/// Raises     nothing of its own.
+/// Raises     poll_interrupt.
 #include "matrix/sparse.h"
 #include "matrix/work.h"
 namespace tolvex {
