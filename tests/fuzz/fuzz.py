@@ -72,7 +72,7 @@ def attempt(binary, text, files, directory):
     # a literal, comment or definition that is still open takes the probe in
     swallowed = stdout.count(b"inside a literal.") + stdout.count(b"inside a comment.") > PROBE.count(b"\n") // 2
     swallowed = swallowed or b"End of file in the middle" in stdout
-    silent = stopped or swallowed or any(re.search(rb"&\s*[qQ]", part) for part in (text, *files.values()))
+    silent = stopped or swallowed or any(re.search(rb"&[\x00-\x20]*[qQ]", part) for part in (text, *files.values()))
     if not reason and not silent and ANSWER not in re.sub(rb"[\s`]", b"", stdout):
         reason = "no answer to the probe"
     detail = (stderr[-3000:] + b"\n" + stdout[-500:]).decode("latin-1")
