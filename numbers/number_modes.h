@@ -1,5 +1,5 @@
 #pragma once
-/// numbers/number_modes.h: the ground ring in force, and the cutoffs of the number routines.
+/// numbers/number_modes.h: the ground ring in force.
 ///
 /// Purpose    no routine takes a ring as an argument: it reads these words.
 /// Invariant  modularmode implies lintmode; modulus is -1 exactly in rational mode; modulus and all that
