@@ -72,12 +72,12 @@ bool store_element(const ElementTarget& target, quolyptr value);
 /// While a level that an interrupt has opened is open, scalar expressions get no values out of matrices:
 /// prints that there is no `what` there and sets the value at *qp to 0; true then.
 bool refused_at_interrupt(const char* what, quolyptr* qp, quolyptr n);
-/// Counts a use of an element without value, and warns; `which` names the array as the warning shows it; nil, when
-/// an array is read as a whole: it does not.
+/// Counts a use of an element without value, and warns; `which` names the array as the warning shows it;
+/// nil, when an array is read as a whole: it does not.
 void note_uninitialized(const char* which);
 /// The same for an array of that name.
 void note_uninitialized_in(const tokentipe& name);
-/// The slot of dense element k of an array that is read as a whole: an element without value becomes 0, with the
-/// warning that names no array.
+/// The slot of dense element k of an array that is read as a whole: an element without value becomes 0,
+/// with the warning that names no array.
 quolyptr value_slot(const arrnode* a, int32_t k);
 }  // namespace tolvex

@@ -25,24 +25,22 @@ struct Sink {
     FILE* outf;
     bool tty;
     int32_t* mylength;
-    int32_t ends;  // lines that have been ended
 };
 
 /// A line length of 0 means that lines have no end; under uglyprint they are not broken inside a number.
 bool line_is_full(const Sink& sink) { return *sink.mylength >= dispcutoff && dispcutoff > 0 && !uglyprint; }
 
-void break_if_full(Sink& sink) {
+void break_if_full(const Sink& sink) {
     if (!line_is_full(sink)) return;
     if (sink.tty) {
         fprintf(sink.outf, " %c\n", continuation);
         *sink.mylength = 0;
-        sink.ends++;
     }
     putc(' ', sink.outf);
 }
 
 /// The groups of a fraction that are 0 before its first digit.
-void show_zero_groups(Sink& sink, int64_t count) {
+void show_zero_groups(const Sink& sink, int64_t count) {
     for (int64_t i = 0; i < count; i++) {
         if (i > 0) break_if_full(sink);
         fputs("00000000 ", sink.outf);
@@ -51,7 +49,7 @@ void show_zero_groups(Sink& sink, int64_t count) {
 }
 
 /// Groups of 8 digits after the first; a full line is broken before a group.
-void show_groups(Sink& sink, const char* digits, int64_t count) {
+void show_groups(const Sink& sink, const char* digits, int64_t count) {
     const char* pending = digits;  // written when a break comes between
     const char* end = digits + count;
     for (; digits < end; digits += k_group_digits) {
@@ -91,9 +89,9 @@ char* text_of(const number* y, boolean base10_flag, int64_t* count) {
 }
 }  // namespace
 
-int32_t showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, boolean base10_flag,
-                boolean indent_flag, boolean extra_space, boolean outf_is_tty, int32_t* mylength) {
-    Sink sink = {outf, outf_is_tty != 0, mylength, 0};
+void showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, boolean base10_flag,
+             boolean indent_flag, boolean extra_space, boolean outf_is_tty, int32_t* mylength) {
+    const Sink sink = {outf, outf_is_tty != 0, mylength};
     ScratchMark mark = scratch_mark();
     int64_t count = 0;
     const char* digits = text_of(y, base10_flag, &count);
@@ -115,12 +113,14 @@ int32_t showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, b
     *mylength += flag && !indent_flag ? static_cast<int32_t>(first) : k_group_digits;
     show_groups(sink, digits + first, count - first);
     scratch_release(mark);
-    return sink.ends;
 }
 
-int32_t display(FILE* outf, boolean outf_is_tty, boolean flag, const number* a, int32_t* mylength,
-                boolean extra_space) {
-    if (!lintmode) return showint(outf, a, 1, 0, 0, flag, extra_space, outf_is_tty, mylength);
+void display(FILE* outf, boolean outf_is_tty, boolean flag, const number* a, int32_t* mylength,
+             boolean extra_space) {
+    if (!lintmode) {
+        showint(outf, a, 1, 0, 0, flag, extra_space, outf_is_tty, mylength);
+        return;
+    }
     int64_t v = modularmode ? shown_residue(a->lint) : a->lint;
     // the width is an estimate from the bit length, at most one off
     *mylength += v == 0 ? 1 : (3 * word_top_bit(v) + 5) / 10 + 1;
@@ -129,7 +129,6 @@ int32_t display(FILE* outf, boolean outf_is_tty, boolean flag, const number* a, 
         v = -v;
     }
     fprintf(outf, "%lld", static_cast<long long>(v));
-    return 0;
 }
 
 void decimal_tail(FILE* outf, const number* numer, const number* denom, int32_t* mylength) {

@@ -11,13 +11,12 @@
 #include <cstdio>
 namespace tolvex {
 /// Prints the chain y. flag: the first group without padding; zeros_flag: digits of a fraction; base10_flag:
-/// y is a decimal chain; indent_flag: first group padded with blanks; extra_space: a blank after "-". The
-/// lines that it has ended.
-int32_t showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, boolean base10_flag,
-                boolean indent_flag, boolean extra_space, boolean outf_is_tty, int32_t* mylength);
-/// Prints a number in the mode in force. The lines that it has ended.
-int32_t display(FILE* outf, boolean outf_is_tty, boolean flag, const number* a, int32_t* mylength,
-                boolean extra_space);
+/// y is a decimal chain; indent_flag: first group padded with blanks; extra_space: a blank after "-".
+void showint(FILE* outf, const number* y, boolean flag, boolean zeros_flag, boolean base10_flag,
+             boolean indent_flag, boolean extra_space, boolean outf_is_tty, int32_t* mylength);
+/// Prints a number in the mode in force.
+void display(FILE* outf, boolean outf_is_tty, boolean flag, const number* a, int32_t* mylength,
+             boolean extra_space);
 /// Reads a run of digits, the first being the current token, into the decimal chain n; the next token is
 /// current after it. *outcount: digits read.
 void readin(FILE* inf, imptr n, nameptr* flag, int32_t* outcount);

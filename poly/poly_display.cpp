@@ -114,7 +114,7 @@ void put_separator(Show& w, const polynode* t) {
 bool put_number(Show& w, const number* n, bool before_power, bool extra_space) {
     int32_t unit = before_power ? shown_unit(n) : 0;
     if (unit == 0) {
-        *w.lines += display(w.outf, w.tty, 0, n, w.mylength, extra_space);
+        display(w.outf, w.tty, 0, n, w.mylength, extra_space);
         return true;
     }
     if (unit < 0) {

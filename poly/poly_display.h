@@ -4,10 +4,10 @@
 /// Purpose    two forms. Nested: the recursive form as it stands, `(y + 1)x^2 - 3`. List of monomials
 ///            (monomial_list, more than one variable): `3x^2 y - x y + 7`. uglyprint writes either without
 ///            blanks and with "*", for any reader: `(y+1)*x^2-3`.
-/// Invariant  *mylength counts the characters of the line, 0 right after a line break; a full line is ended
-///            after a term. On the terminal a value stops behind the first term that ends a line beyond 150,
-///            those inside numbers included (do_line_sup): linesuppression, which the caller sets when a
-///            value begins, is cleared then, and nothing more of that value is to be written.
+/// Invariant  *mylength counts the characters of the line, 0 right after a line break; a full line is
+///            ended after a term. On the terminal a value stops after 150 lines (do_line_sup):
+///            linesuppression, which the caller sets when a value begins, is cleared then, and nothing
+///            more of that value is to be written.
 /// Modes      monomial_list, alt_form_display, uglyprint, dispcutoff, do_line_sup, laurent.
 /// Raises     internal faults on a malformed polynomial.
 #include "poly/poly.h"

@@ -328,7 +328,7 @@ class Grammar:
     def files(self):
         """the files that lie in the folder when the session starts: name -> content"""
         prog = self.program()
-        spoilt = bytearray(self.program())
+        spoilt = bytearray(self.program() or b" ")
         for _ in range(self.rng.randrange(1, 6)):
             spoilt[self.rng.randrange(len(spoilt))] = self.rng.randrange(256)
         return {"prog": prog, "spoilt": bytes(spoilt) if self.rng.random() < 0.8 else self.noise()}
