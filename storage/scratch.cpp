@@ -36,6 +36,12 @@ Block* new_block(Block* below, size_t size) {
 
 Block* dying = nullptr;  // blocks on their way to the system, linked by `above`
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool k_shrinks_in_place = false;  // the sanitizer copies what it shrinks
+#else
+constexpr bool k_shrinks_in_place = true;
+#endif
+
 /// Gives the dying blocks back, large ones from their end, a piece at a time: a gigabyte takes the system a
 /// tenth of a second. At a safe point the list is whole; a command level may work at it too, or never come
 /// back.
@@ -43,7 +49,7 @@ void bury() {
     constexpr size_t k_piece = size_t{64} << 20;
     while (dying != nullptr) {
         Block* b = dying;
-        if (b->size > 2 * k_piece) {
+        if (k_shrinks_in_place && b->size > 2 * k_piece) {
             size_t size = b->size - k_piece;
             auto* shorter = static_cast<Block*>(realloc(b, size + 2 * k_align));
             if (shorter != nullptr) {
