@@ -1,14 +1,17 @@
 #include "quoly/quoly_add.h"
 
+#include "gcd/num_content.h"
 #include "gcd/polygcd.h"
 #include "numbers/limbs.h"
 #include "numbers/num_add.h"
 #include "numbers/num_assign.h"
 #include "numbers/residue.h"
 #include "poly/div_general.h"
+#include "poly/field_shape.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_mult.h"
+#include "poly/poly_scale.h"
 #include "poly/poly_test.h"
 #include "quoly/quoly_internal.h"
 #include "quoly/quoly_rats.h"
@@ -139,15 +142,27 @@ static void no_denom(quoly n, quoly m, quolyptr p, bool subtract, uint32_t uses)
 
 // ---- fractions -----------------------------------------------------------------------------------------
 
-/// The denominators of a sum: d1 = n1 common, d2 = n2 common. coprime: n1, n2 stand for d1, d2 themselves.
+/// The denominators of a sum: d1 : d2 = n1 : n2. Unless coprime, when n1, n2 stand for d1, d2 themselves,
+/// down n1 common = up d1 with positive leaves up, down; nil is 1.
 struct Denominators {
     poly common;
     poly n1, n2;
     bool coprime;
+    poly up, down;
 };
 
+/// Over a tower over Q quotients by a gcd have denominators, and reduce() has multiplied n1 and n2 by the same
+/// number: finds it by the contents of d1 and n1 common.
+static void find_scale(Denominators* s, poly d1) {
+    poly product = nullptr;
+    poly_mult(s->n1, s->common, &product, polynames);
+    gcd_coefs(product, &s->up);
+    gcd_coefs(d1, &s->down);
+    free_poly(&product);
+}
+
 static Denominators split_denominators(poly d1, poly d2) {
-    Denominators s = {nullptr, nullptr, nullptr, false};
+    Denominators s = {nullptr, nullptr, nullptr, false, nullptr, nullptr};
     Factor a = borrowed(d1), b = borrowed(d2);
     if (lintmode && !modularmode) {
         s.coprime = true;
@@ -155,6 +170,7 @@ static Denominators split_denominators(poly d1, poly d2) {
         Lpolygcd(d1, d2, &s.common, laurent, polynames);
         if (!is_number(s.common)) {
             reduce(d1, d2, &s.common, &s.n1, &s.n2);
+            if (!lintmode && exists_field_element(s.common, 1)) find_scale(&s, d1);
         } else if (!lintmode && !poly_eq_1(s.common)) {
             poly_quot(d1, s.common, &s.n1);
             poly_quot(d2, s.common, &s.n2);
@@ -197,6 +213,8 @@ static void general_quoly_add(quoly n, quoly m, quolyptr p, bool subtract, uint3
         if (s.coprime) {
             poly_mult(s.n1, s.n2, &denom, polynames);
         } else {
+            if (s.up != nullptr) num_poly_mult(&top.p, s.up->ncoef);
+            if (s.down != nullptr) num_poly_mult(&s.common, s.down->ncoef);
             Factor bottom = {s.common, true};
             if (!poly_iszero(top.p)) cancel(&top, &bottom);
             denom = factor_taken(&bottom);
@@ -204,6 +222,8 @@ static void general_quoly_add(quoly n, quoly m, quolyptr p, bool subtract, uint3
             poly_mult(denom, s.n2, &denom, polynames);
             free_poly(&s.n1);
             free_poly(&s.n2);
+            free_poly(&s.up);
+            free_poly(&s.down);
         }
         numer = factor_taken(&top);
     }
