@@ -10,6 +10,9 @@
 #include "numbers/num_assign.h"
 #include "numbers/num_compare.h"
 #include "numbers/residue.h"
+#include "poly/poly_add.h"
+#include "poly/poly_basic.h"
+#include "poly/poly_test.h"
 #include "poly/poly_vars.h"
 #include "quoly/quoly_add.h"
 #include "quoly/quoly_mult.h"
@@ -456,6 +459,51 @@ static quolyptr number_of_target(Target& t) {
     return &p->val;
 }
 
+/// The target, whose value the sum p + t begins with, takes t where it stands, so that a polynomial built term
+/// by term costs no copies. False, and nothing changed, unless both are polynomials, t a monomial, and nobody
+/// else looks at the old value.
+static bool grow_target(Target& name, bool minus, quolyptr left, const Value* right) {
+    const quolynode* t = value_of(right);
+    if (name.is_element || away_list != nullptr || !is_plain_polynomial(t) || !monomial(t->numer))
+        return false;
+    varptr p = find_target(name);
+    if (p == nullptr || &p->val != left || p->val == nullptr || !is_plain_polynomial(p->val)) return false;
+    own_value(left);
+    poly term = nullptr;
+    if (minus)
+        poly_makeneg(t->numer, &term);
+    else
+        poly_assign(t->numer, &term);
+    if (insert_monomial(&p->val->numer, term)) return true;
+    free_poly(&term);
+    return false;
+}
+
+/// The sum on the right side of an assignment whose value nobody asks for. True if the target has become the
+/// sum already; else the value is in n.
+static bool sum_for_target(FILE* inf, quolyptr n, Target& name, nameptr* flag) {
+    quolyptr qp = n;
+    term(inf, &qp, n, flag);
+    if (qp == n || !at_sum_sign()) {
+        rest_of_sum(inf, &qp, n, flag);
+        own_result(qp, n);
+        return false;
+    }
+    bool minus = at_char('-');
+    next_token(inf, flag);
+    Value left, right;
+    begin_operands(&left, &qp, n);
+    read_term(inf, &right, flag);
+    let_go(&left);
+    bool grown = !at_sum_sign() && !is_private(&left) && grow_target(name, minus, left.hold.at, &right);
+    hold(&left);
+    hold(&right);
+    if (!grown) add_once(minus, &left, &right, n);
+    end_operands(&left, &right, &qp, n);
+    if (!grown) rest_of_sum(inf, &qp, n, flag);
+    return grown;
+}
+
 /// The target takes the small integer.
 static void store_small(Target& t, int64_t v) {
     quoly value = nullptr;
@@ -554,13 +602,19 @@ static void assign(FILE* inf, quolyptr* qp, quolyptr n, Target& name, nameptr* f
         quoly_set(0, n);
         return;
     }
-    old_expre(inf, n, flag);
+    bool shown = *flag == nullptr && !dropped;  // the statements of a body and of a file need no copies
+    if (shown) {
+        old_expre(inf, n, flag);
+    } else if (sum_for_target(inf, n, name, flag)) {
+        quoly_set(0, n);
+        return;
+    }
     quoly value = *n;
     *n = nullptr;
-    if (*flag == nullptr && !dropped)
-        quoly_assign_polled(value, n);  // for display
+    if (shown)
+        quoly_assign_polled(value, n);
     else
-        quoly_set(0, n);  // the statements of a body and of a file need no copies
+        quoly_set(0, n);
     if (name.is_element)
         store_element(name.element, &value);
     else

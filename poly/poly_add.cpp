@@ -175,7 +175,57 @@ template <Sign sign> void simplest_operate(poly n, poly m, polyptrr p) {
     *p = simplest_merge<sign>(n, m);
     free_poly(&old);
 }
+
+/// Where a monomial meets a chain that it is added to.
+struct Meeting {
+    polyptrr at;  // the link in front of which or into which node it goes
+    poly part;    // the node of the monomial on the level of that chain
+};
+
+constexpr int32_t k_longest_walk = 1 << 16;  // nodes without a safe point: a fraction of a millisecond
+
+/// Down through equal exponents to the node that the monomial goes in front of, or whose number takes its own.
+/// False after a long walk, or where a constant would have to become a chain.
+bool find_meeting(Meeting* m) {
+    int32_t steps = 0;
+    for (;;) {
+        while (*m->at != nullptr && (*m->at)->exp > m->part->exp) {
+            if (++steps > k_longest_walk) return false;
+            m->at = &(*m->at)->next;
+        }
+        poly here = *m->at;
+        if (here == nullptr || here->exp < m->part->exp) return true;
+        if (here->numb) return m->part->numb;
+        m->at = &here->pcoef;
+        if (!m->part->numb) m->part = m->part->pcoef;
+    }
+}
 }  // namespace
+
+bool insert_monomial(polyptrr p, poly t) {
+    Meeting m = {p, t};
+    if (!find_meeting(&m)) return false;
+    poly here = *m.at;
+    if (here != nullptr && here->exp == m.part->exp) {
+        imptr sum = leaf_sum(here->ncoef, m.part->ncoef);
+        if (iszero(sum)) {
+            free_imag(&sum);
+            return false;
+        }
+        free_imag(&here->ncoef);
+        here->ncoef = sum;
+        free_poly(&t);
+        return true;
+    }
+    while (t != m.part) {
+        poly shell = t;
+        t = t->pcoef;
+        free_node(shell);
+    }
+    t->next = here;
+    *m.at = t;
+    return true;
+}
 
 void poly_add(poly n, poly m, polyptrr p) { operate<Sign::plus, Use::keep, Use::keep>(n, m, p); }
 void better_poly_add(poly n, poly m, polyptrr p) { operate<Sign::plus, Use::take, Use::keep>(n, m, p); }

@@ -173,6 +173,37 @@ TEST_F(PolyForm, monomials) {
     }
 }
 
+TEST_F(PolyForm, monomials_are_inserted_in_place) {
+    Rng rng{run_seed()};
+    for (bool negative : {false, true}) {
+        laurent = negative;
+        int32_t low = negative ? -3 : 0, added = 0, refused = 0;
+        for (int round = 0; round < 4000; round++) {
+            pick_ring(round);
+            Shape shape = {random_int(rng, 1, 4), random_int(rng, 1, 12), 3, Coefs::corners, low};
+            Shape single = {shape.levels, 1, 4, Coefs::corners, low};
+            poly p = random_nonzero_poly(rng, shape), t = random_nonzero_poly(rng, single), sum = nullptr;
+            poly grown = copy_of(p);
+            poly_add(p, t, &sum);
+            bool fits = !is_number(p) && !is_number(t) && monomial(t);
+            if (fits && insert_monomial(&grown, t)) {
+                added++;
+                EXPECT_TRUE(poly_check(grown, shape.levels));
+                EXPECT_TRUE(poly_equal(grown, sum)) << text_of(p) << " " << text_of(sum);
+            } else {
+                refused += fits;
+                EXPECT_TRUE(poly_equal(grown, p));
+                free_poly(&t);
+            }
+            free_poly(&p), free_poly(&grown), free_poly(&sum);
+        }
+        EXPECT_GT(added, 1000);
+        EXPECT_GT(refused, 20);
+    }
+    laurent = 0;
+    use_integers();
+}
+
 TEST_F(PolyForm, shapes) {
     poly p = poly_of("2*x^3*y^2 + x^3*z + 4*x*y + 7*x*z^5 + 6");
     EXPECT_EQ(text_of(leading_coef(p)), "2");
