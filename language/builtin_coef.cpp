@@ -334,13 +334,17 @@ static int32_t variable_or_power(BuiltinCall& call, int32_t* k) {
     return level;
 }
 
-/// Coef(p), Coef(p, k), Coef(p, x1, k1, x2, k2, ...).
+/// Coef(p), Coef(p, k), Coef(p, x1, k1, x2, k2, ...). An empty p is 0.
 void builtin_Coef(BuiltinCall& call) {
     open_call(call, Err::builtin_shape_coefficient);
-    Value v;
-    get_the_data(call, &v);
-    take_value(&v, call.n);
-    let_go(&v);
+    if (at_char(',') || at_char(')')) {
+        quoly_set(0, call.n);
+    } else {
+        Value v;
+        get_the_data(call, &v);
+        take_value(&v, call.n);
+        let_go(&v);
+    }
     if (!(*call.n)->numb && (*call.n)->denom != nullptr) {
         error(Err::rational_function_argument);
         set_zero(call.n);

@@ -50,7 +50,8 @@ void builtin_Rat(BuiltinCall& call) {
 /// Char and Ord: the value as a word.
 void builtin_Char(BuiltinCall& call) {
     Value v;
-    standard_read(call, &v);
+    open_call(call);
+    get_the_data(call, &v);
     int32_t word = 0;
     if (value_of(&v)->numb)
         word = lintmode ? value_of(&v)->ncoef->lint : convert_to_int(value_of(&v)->ncoef);
@@ -61,6 +62,7 @@ void builtin_Char(BuiltinCall& call) {
         error(Err::number_expected);
         word = 0;
     }
+    close_call(call);
     return_word(call, word);
 }
 

@@ -192,7 +192,7 @@ static void degree_in_parentheses(BuiltinCall& call, bool largest) {
     return_word(call, degree);
 }
 
-/// Deg and Codeg: (p), (^p), (p, x), or a bare name.
+/// Deg and Codeg: (p), (^p), (p, x), or a bare name; 0 without one.
 void builtin_Deg(BuiltinCall& call) {
     bool largest = call.id == 9;
     next_token(call.inf, call.flag);
@@ -208,6 +208,10 @@ void builtin_Deg(BuiltinCall& call) {
             error(Err::degree_form);
             quoly_set(0, call.n);
         }
+        return;
+    }
+    if (!is_lower(tok_char(token)) && !at_char('<') && !at_char('%')) {
+        quoly_set(0, call.n);
         return;
     }
     quolyptr at = nullptr;
