@@ -38,18 +38,22 @@ static bool obtain_int(FILE* inf, nameptr* flag, Err code, int32_t* value) {
     return false;
 }
 
-/// The variable of a loop, in place if it holds a number already.
+/// The variable of a loop, in place if it holds a number already. A residue remembers the word that it stands
+/// for, since subscripts are ordinary integers.
 static void write_loop_variable(LoopName& name, int64_t value) {
     int32_t word = modularmode ? residue_of_int(value) : static_cast<int32_t>(value);
+    int32_t remembered = value > word ? static_cast<int32_t>(value) : 0;
     varptr p = name.node != nullptr ? var_at(name.node) : find_var(name.let);
     if (p != nullptr && p->val != nullptr && p->val->numb) {
         own_value(&p->val);
         setvalue(word, p->val->ncoef);
         p->val->arr_arg = 0;
+        p->val->word = remembered;
         return;
     }
     quoly v = nullptr;
     quoly_set(word, &v);
+    v->word = remembered;
     insert_var(name.let, v, &p);
 }
 

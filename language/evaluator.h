@@ -81,6 +81,12 @@ inline void word_value(int32_t word, quolyptr n) {
     else
         num_make_digit((*n)->ncoef, word);
 }
+/// The word that q has where modular arithmetic is suspended, if it is not its residue: a loop has written it.
+/// 0: the residue counts.
+inline int32_t loop_word(const quolynode* q) {
+    if (modularmode || q == nullptr || !q->numb || q->word == 0 || !lintmode) return 0;
+    return residue_of_int(q->word) == q->ncoef->lint ? q->word : 0;
+}
 /// Words of n that were computed with modular arithmetic suspended become residues.
 void reduce_words(quolyptr n);
 /// A factor read with modular arithmetic suspended; it must be a number (else `code`, then 0). Its word is

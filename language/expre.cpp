@@ -315,10 +315,13 @@ static void rest_of_sum(FILE* inf, quolyptr* qp, quolyptr n, nameptr* flag) {
 
 // ---- plain values --------------------------------------------------------------------------------------
 
-/// *n := a copy of *qp unless the value is there already.
+/// *n := a copy of *qp unless the value is there already. The copy of a loop's variable is its word too.
 static void own_result(quolyptr qp, quolyptr n) {
     make_whole(&qp, n);
-    if (qp != n) copy_value(qp, n);
+    if (qp == n) return;
+    int32_t word = (*qp)->word;
+    copy_value(qp, n);
+    (*n)->word = word;
 }
 
 void old_fact(FILE* inf, quolyptr n, nameptr* flag) {

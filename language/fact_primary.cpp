@@ -74,12 +74,23 @@ void name_of_other_ring(Reader& r, tokentipe& name) {
     r.at = r.n;
 }
 
+/// A variable of a loop is its word where modular arithmetic is suspended, unless it is assigned to.
+void take_loop_word(Reader& r) {
+    int32_t word = loop_word(*r.at);
+    if (word == 0 || at_char(':')) return;
+    quoly_set(word, r.n);
+    r.at = r.n;
+}
+
 /// A name that Compile has bound.
 bool read_bound_name(Reader& r, varptr p) {
     tokentipe name = token;
     next_token(r.inf, r.flag);
     r.at = &p->val;
-    if (stands_in_other_ring(r.at)) name_of_other_ring(r, name);
+    if (stands_in_other_ring(r.at))
+        name_of_other_ring(r, name);
+    else
+        take_loop_word(r);
     return true;
 }
 
@@ -122,6 +133,8 @@ bool read_name(Reader& r) {
         unknown_name(r, name);
     } else if (stands_in_other_ring(r.at)) {
         name_of_other_ring(r, name);
+    } else {
+        take_loop_word(r);
     }
     return true;
 }

@@ -70,6 +70,8 @@ bool read_name(WordReader& r, int32_t* value) {
         unknown_name(r, node);
     else if (p->val == nullptr || stands_in_other_ring(&p->val) || !word_of_value(p->val, value))
         no_word(r, node, &p->val);
+    else if (int32_t word = loop_word(p->val); word != 0)
+        *value = word;
     return true;
 }
 

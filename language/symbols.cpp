@@ -117,6 +117,7 @@ void free_value(quolyptr loc) {
 
 void own_value(quolyptr loc) {
     if (*loc == nullptr) return;
+    (*loc)->word = 0;
     if (borrowed_operands > 0) {
         quoly copy = nullptr;
         quoly_assign(*loc, &copy);

@@ -16,6 +16,7 @@ struct quolynode {
     boolean numb;     // a plain number: ncoef is live
     boolean arr_arg;  // on a numb in a variable slot: the name is an array parameter
     boolean rat;      // numer and denom are constants
+    int32_t word;  // of a residue that a loop has written: the word that it stands for; 0: the residue itself
     union {
         imptr ncoef;
         poly numer;  // never nil
@@ -39,11 +40,12 @@ void init_quoly_constants();
 
 /// Called when no free record is left: gives back some of what waits (free_quoly_later).
 [[gnu::cold]] void refill_quolys();
-/// *q := a record with numb, arr_arg, rat 0 and denom nil.
+/// *q := a record with numb, arr_arg, rat, word 0 and denom nil.
 inline void newquoly(quolyptr q) {
     if (__builtin_expect(quolygarb == nullptr, 0)) refill_quolys();
     *q = pool_pop<&quolynode::next>(quolygarb, quolystash);
     (*q)->numb = (*q)->arr_arg = (*q)->rat = 0;
+    (*q)->word = 0;
     (*q)->denom = nullptr;
 }
 /// *q := a numb quoly whose number has size 0.
