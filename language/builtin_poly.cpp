@@ -270,6 +270,26 @@ static bool exact_quotient(poly n, poly m, polyptrr q) {
     return !failed;
 }
 
+/// The same over a field, whose elements are units: *q / *c = n / m.
+static bool quotient_over_field(poly n, poly m, polyptrr q, polyptrr c) {
+    if (!laurent) return tower_quotient(n, m, q, c, polynames);
+    poly n_rest = nullptr, m_rest = nullptr;
+    poly_assign(n, &n_rest);
+    poly_assign(m, &m_rest);
+    poly n_shift = clear_bads(&n_rest, INT32_MAX, k_leaf_depth);
+    poly m_shift = clear_bads(&m_rest, INT32_MAX, k_leaf_depth);
+    bool divides = tower_quotient(n_rest, m_rest, q, c, polynames);
+    if (divides) {
+        eliminate_bads(q, n_shift, 1);
+        eliminate_bads(q, m_shift, -1);
+    }
+    free_poly(&n_rest);
+    free_poly(&m_rest);
+    free_exponent_list(&n_shift);
+    free_exponent_list(&m_shift);
+    return divides;
+}
+
 /// *quotient := b / a if a, which has no denominator, divides b.
 static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotient) {
     polynode leaf_a, leaf_b;
@@ -278,7 +298,7 @@ static bool divide_value(const quolynode* a, const quolynode* b, quolyptr quotie
     poly q = nullptr, c = nullptr;
     // Elements of a field are units: the quotient may have a denominator.
     bool in_field = exists_field_element(divisor, 1);
-    if (in_field ? !tower_quotient(numer, divisor, &q, &c, polynames) : !exact_quotient(numer, divisor, &q)) {
+    if (in_field ? !quotient_over_field(numer, divisor, &q, &c) : !exact_quotient(numer, divisor, &q)) {
         free_poly(&q);
         free_poly(&c);
         return false;
