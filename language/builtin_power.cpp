@@ -34,39 +34,65 @@ static bool exponent_here(BuiltinCall& call, imptr e) {
     return number;
 }
 
-/// The same with modular arithmetic suspended.
-static bool suspended_exponent(BuiltinCall& call, imptr e) {
+/// A token of one character.
+static void append_character(TokenCopy& c, char character) {
+    const tokentipe current = token;
+    tok_set_char(token, static_cast<unsigned char>(character));
+    append_token(c);
+    token = current;
+}
+
+/// A number in parentheses.
+static void append_word(TokenCopy& c, int32_t word) {
+    char digits[16];
+    snprintf(digits, sizeof digits, "(%d)", word);
+    for (const char* at = digits; *at != 0; at++) append_character(c, *at);
+}
+
+/// The operand at the current token, read with modular arithmetic suspended. False if it is no number.
+static bool append_operand(BuiltinCall& call, TokenCopy& c) {
     boolean was_modular = 0;
     check_modular(&was_modular);
-    bool number = exponent_here(call, e);
+    Value v;
+    read_bare_factor(call.inf, &v, call.flag);
+    if (at_char('#') || at_char('"')) postfix(call.inf, &v.hold.at, &v.own, call.flag);
+    bool number = value_of(&v)->numb != 0;
+    append_word(c, number ? value_of(&v)->ncoef->lint : 0);
+    release(&v);
     restore_modular(was_modular);
     return number;
 }
 
-/// Copies the tokens of the argument up to its "," or ")". *plain: it is made of digits and signs alone. False
-/// if the statement ends before it.
-static bool copy_argument(TokenCopy& c, bool* plain) {
-    *plain = true;
+/// True for a token that stays as it is. A bar behind an operand is the remainder sign, else an operand begins.
+static bool is_arithmetic(bool behind_operand) {
+    return is_digit(tok_char(token)) || strchr("+-*/\\^!()", tok_char(token)) != nullptr ||
+           (at_char('|') && behind_operand);
+}
+
+/// Copies the argument up to its "," or ")": digits and signs as they stand, what else there is as its value.
+/// False if an operand is no number.
+static bool copy_exponent(BuiltinCall& call, TokenCopy& c) {
+    bool numbers = true, behind_operand = false;
     for (int32_t depth = 0;;) {
-        if (depth == 0 && (at_char(',') || at_char(')'))) return true;
-        if (at_char(';') || tok_is(token, k_end_token)) return false;
-        if (!is_digit(tok_char(token)) && strchr("+-*^()", tok_char(token)) == nullptr) *plain = false;
-        if (at_char('\'')) {
-            if (!copy_literal(c)) return false;
-            continue;
+        if (tok_is(token, k_end_token) || at_char(';') || (depth == 0 && (at_char(',') || at_char(')'))))
+            return numbers;
+        if (at_char('(')) depth++;
+        if (at_char(')')) depth--;
+        if (is_arithmetic(behind_operand)) {
+            behind_operand = is_digit(tok_char(token)) || at_char(')') || at_char('!');
+            copy_token(c);
+        } else {
+            if (!append_operand(call, c)) numbers = false;
+            behind_operand = true;
         }
-        if (at_char('(') || at_char('[')) depth++;
-        if (at_char(')') || at_char(']')) depth--;
-        copy_token(c);
     }
 }
 
-/// The copied argument: over the integers if it is plain, since words are too short for long exponents.
-static bool copied_exponent(BuiltinCall& call, nameptr tokens, bool plain, imptr e) {
+/// The copied argument, worked out over the integers: words are too short for long exponents.
+static bool copied_exponent(const BuiltinCall& call, nameptr tokens, imptr e) {
     nameptr cursor;
     start_list(tokens, &cursor);
     BuiltinCall inner = {call.inf, call.n, &cursor, call.id};
-    if (!plain) return suspended_exponent(inner, e);
     RingState ring = ring_save();
     ring_enter_integers();
     bool number = exponent_here(inner, e);
@@ -76,20 +102,19 @@ static bool copied_exponent(BuiltinCall& call, nameptr tokens, bool plain, imptr
 
 /// Reads the exponent as a chain. False if it is no number.
 static bool read_exponent(BuiltinCall& call, imptr e) {
-    if (!lintmode || !is_digit(tok_char(token))) return suspended_exponent(call, e);
+    if (!lintmode) return exponent_here(call, e);
     TokenCopy copy = {call.inf, call.flag, nullptr, nullptr};
     copy.link = &copy.first;
     Unfinished u;
     begin_unfinished(
         u, [](void* what) { freename(static_cast<nameptr*>(what)); }, &copy.first);
-    bool plain = false;
-    bool ends = copy_argument(copy, &plain);
+    bool number = copy_exponent(call, copy);
     const tokentipe last = token;
     nameptr outer = currentchar;
     append_token(copy);
     tok_set_end(token);
     append_token(copy);
-    bool number = copied_exponent(call, copy.first, plain && ends, e);
+    if (number) number = copied_exponent(call, copy.first, e);
     token = last;
     currentchar = outer;
     end_unfinished(u);
