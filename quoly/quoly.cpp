@@ -55,14 +55,15 @@ quoly quoly_target(quolyptr p) {
     }
     quoly q = *p;
     free_parts(q);
-    q->numb = q->arr_arg = q->rat = 0;
+    q->numb = q->rat = 0;
+    forget_marks(q);
     q->denom = nullptr;
     return q;
 }
 
 imptr numb_target(quolyptr p) {
     if (*p != nullptr && (*p)->numb) {
-        (*p)->arr_arg = 0;
+        forget_marks(*p);
         return (*p)->ncoef;
     }
     quoly q = quoly_target(p);

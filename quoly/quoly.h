@@ -48,6 +48,8 @@ inline void newquoly(quolyptr q) {
     (*q)->word = 0;
     (*q)->denom = nullptr;
 }
+/// The value becomes another one: it is no array parameter, and no loop has written it.
+inline void forget_marks(quoly q) { q->arr_arg = q->word = 0; }
 /// *q := a numb quoly whose number has size 0.
 inline void init_quoly_node(quolyptr q) {
     newquoly(q);

@@ -74,6 +74,7 @@ void quoly_assign_polled(const quolynode* p, quolyptr q) {
 }
 
 void quoly_inplace(quoly q) {
+    q->word = 0;
     if (q->numb) {
         in_place_neg(q->ncoef);
     } else {
@@ -87,6 +88,7 @@ void quoly_makeneg(const quolynode* p, quolyptr q) {
 }
 
 void quoly_abs(quoly q) {
+    q->word = 0;
     if (q->numb) {
         abs_value(q->ncoef);
     } else {

@@ -120,7 +120,7 @@ void best_quoly_mult(quolyptr n, quoly m) {
 void quoly_compute_power(quolyptr q, int32_t expont) {
     if (expont < 1) tolvex_error("negative exponent");
     quoly v = *q;
-    v->arr_arg = 0;
+    forget_marks(v);
     if (v->numb) {
         number_power(v->ncoef, expont);
         return;
@@ -201,7 +201,7 @@ void quoly_reciprocal(quolyptr n) {
         quoly_set(quotient_by_zero, n);
         return;
     }
-    q->arr_arg = 0;
+    forget_marks(q);
     if (q->numb && lintmode) {
         reciprocal_of_lint(q->ncoef);
         return;
