@@ -1,7 +1,7 @@
 // Greatest common divisors of polynomials in which elements of a field tower occur.
 //
 // Modulo a prime: Euclid on flat arrays where all coefficients lie in the tower, else interpolation in a
-// further variable, or a primitive remainder sequence where the ground ring has too few values. Over Q: monic
+// further variable, or a primitive remainder sequence where the field has too few elements. Over Q: monic
 // images modulo word primes, Chinese remainders, rational reconstruction; the divisions at the end are the
 // proof (Encarnacion 1995; van Hoeij and Monagan 2004). Modulo a prime that leaves the modding polynomials
 // square-free and the leading elements units an image is never too small.

@@ -12,10 +12,17 @@
 #include "poly/ports.h"
 #include "poly/size_estimates.h"
 #include "storage/interrupt.h"
+#include "storage/scratch.h"
 
 #include <initializer_list>
 namespace tolvex {
 namespace {
+/// A value for y: a word of the ground ring, or, where that has too few, an element of the tower.
+struct Value {
+    uint32_t word;
+    poly element;  // one level below y; nil: the word
+};
+
 /// One interpolation. Polynomials stand at the level of pt, `lead` at that of y.
 struct Interpolation {
     poly u, v;
@@ -50,22 +57,30 @@ static poly leading_in(poly p, polypt pt, polypt y) {
     return p;
 }
 
+/// *p, at the level of pt, := *p times a power of the value.
+static void times_power(polyptrr p, const Value& at, int32_t exponent, polypt pt) {
+    if (at.element == nullptr) {
+        const uint32_t power = wf_power(word_field_ring(), at.word, static_cast<uint64_t>(exponent));
+        mod_num_poly_mult(p, static_cast<int32_t>(power));
+        return;
+    }
+    for (; exponent > 0 && !poly_iszero(*p); exponent--) poly_mult(*p, at.element, p, pt);
+}
+
 /// The value of p, a polynomial in y at its level, one level down.
-static poly value_of_chain(const polynode* p, uint32_t at) {
-    const WordField f = word_field_ring();
+static poly value_of_chain(const polynode* p, const Value& at, polypt y) {
     poly sum = nullptr;
     poly_set(0, &sum);
     for (; p != nullptr; p = p->next) {
         poly c = coefficient_copy(p);
         best_poly_add(sum, c, &sum);
-        const int32_t gap = p->exp - (p->next != nullptr ? p->next->exp : 0);
-        mod_num_poly_mult(&sum, static_cast<int32_t>(wf_power(f, at, static_cast<uint64_t>(gap))));
+        times_power(&sum, at, p->exp - (p->next != nullptr ? p->next->exp : 0), y->next);
     }
     return sum;
 }
 
 /// The value of p where y takes the given one; fresh, levels stay.
-static poly value_at(const polynode* p, polypt pt, polypt y, uint32_t at) {
+static poly value_at(const polynode* p, polypt pt, polypt y, const Value& at) {
     poll_interrupt();
     poly result = nullptr;
     if (is_element(p, pt)) {
@@ -73,7 +88,7 @@ static poly value_at(const polynode* p, polypt pt, polypt y, uint32_t at) {
         return result;
     }
     if (pt == y) {
-        result = value_of_chain(p, at);
+        result = value_of_chain(p, at, y);
         add_pad(&result, 1);
         return result;
     }
@@ -103,7 +118,7 @@ static int32_t compare_leading_monomials(const polynode* u, const polynode* v, p
 
 /// *g := the gcd of the values of u and v, times that of the lead. declined: the leading coefficient of one
 /// vanishes.
-static Interpolated image_at(const Interpolation& n, uint32_t at, polyptrr g) {
+static Interpolated image_at(const Interpolation& n, const Value& at, polyptrr g) {
     poly a = value_at(leading_in(n.u, n.pt, n.y), n.y, n.y, at),
          b = value_at(leading_in(n.v, n.pt, n.y), n.y, n.y, at);
     const bool good = !poly_iszero(a) && !poly_iszero(b);
@@ -124,18 +139,51 @@ static Interpolated image_at(const Interpolation& n, uint32_t at, polyptrr g) {
     return Interpolated::found;
 }
 
-/// What has been put together becomes the image g as well. True if it was before.
-static bool take_image(Interpolation& n, poly g, uint32_t at) {
-    const WordField f = word_field_ring();
+/// *difference, at the level of pt, := *difference / m, an element one level below y. False, nothing done: m
+/// has no inverse.
+static bool divide_by_element(polyptrr difference, polyptrr m, const Interpolation& n) {
+    if (is_number(*m)) {
+        const uint32_t inverse = wf_inverse(word_field_ring(), static_cast<uint32_t>((*m)->ncoef->lint));
+        mod_num_poly_mult(difference, static_cast<int32_t>(inverse));
+        return true;
+    }
+    poly inverse = nullptr;
+    if (!tower_normalise(m, n.y->next, &inverse)) return false;
+    add_pad(&inverse, n.y->next->depth - n.pt->depth);
+    poly_mult(*difference, inverse, difference, n.pt);
+    free_poly(&inverse);
+    return true;
+}
+
+/// *p := y less the value, at the level of y.
+static void linear_factor(polyptrr p, const Value& at) {
+    poly minus = nullptr;
+    base_poly(p, 1);
+    if (at.element == nullptr) {
+        poly_set(static_cast<int32_t>(wf_neg(word_field_ring(), at.word)), &minus);
+    } else {
+        poly_assign(at.element, &minus);
+        poly_inplace(minus);
+        add_pad(&minus, 1);
+    }
+    best_poly_add(*p, minus, p);
+}
+
+/// What has been put together becomes the image g as well. True if it was before. Nothing is done where the
+/// value less one of those before has no inverse.
+static bool take_image(Interpolation& n, poly g, const Value& at) {
     poly before = value_at(n.sum, n.pt, n.y, at), difference = nullptr;
     poly_sub(g, before, &difference);
     free_poly(&before);
     const bool same = poly_iszero(difference);
     if (!same) {
-        poly m = value_of_chain(n.modulus, at);  // a number
-        mod_num_poly_mult(&difference,
-                          static_cast<int32_t>(wf_inverse(f, static_cast<uint32_t>(m->ncoef->lint))));
+        poly m = value_of_chain(n.modulus, at, n.y);
+        const bool divided = divide_by_element(&difference, &m, n);
         free_poly(&m);
+        if (!divided) {
+            free_poly(&difference);
+            return false;
+        }
         poly padded = nullptr;
         poly_assign(n.modulus, &padded);
         add_pad(&padded, n.y->depth - n.pt->depth);
@@ -145,10 +193,8 @@ static bool take_image(Interpolation& n, poly g, uint32_t at) {
     } else {
         free_poly(&difference);
     }
-    poly linear = nullptr, minus = nullptr;
-    base_poly(&linear, 1);
-    poly_set(static_cast<int32_t>(wf_neg(f, at)), &minus);
-    best_poly_add(linear, minus, &linear);
+    poly linear = nullptr;
+    linear_factor(&linear, at);
     poly_mult(n.modulus, linear, &n.modulus, n.y);
     free_poly(&linear);
     n.images++;
@@ -211,16 +257,57 @@ static bool proved(const Interpolation& n, polyptrr g) {
     return good;
 }
 
+/// The values that y takes, one after the other.
+struct Values {
+    bool elements;      // of the tower rather than words
+    int64_t count, at;  // how many there are, zero apart, and the number 1..count of the last one
+    int32_t most;       // how many are tried
+};
+
+/// False: there are too few.
+static bool choose_values(const Interpolation& n, Values* v) {
+    constexpr int64_t k_many = int64_t{1} << 40;
+    const TowerWords& t = tower_words();
+    const int32_t wanted = 2 * n.degree + 8, least = n.degree + 2;
+    v->most = wanted;
+    v->count = static_cast<int64_t>(t.f.p) - 1;
+    v->elements = wanted >= v->count;
+    if (v->elements) {
+        int64_t elements = 1;
+        for (int64_t i = 0; i < t.at[t.height].size && elements < k_many; i++) elements *= t.f.p;
+        v->count = elements - 1;
+        if (wanted > v->count) v->most = static_cast<int32_t>(v->count);
+    }
+    v->at = wf_random_unit(t.f);
+    return v->most > least;
+}
+
+/// *value := the next one: its number in base p are the coefficients of the element.
+static void next_value(Values* v, Value* value, polypt y) {
+    const TowerWords& t = tower_words();
+    v->at = v->at < v->count ? v->at + 1 : 1;
+    value->word = static_cast<uint32_t>(v->at);
+    free_poly(&value->element);
+    if (!v->elements) return;
+    const int64_t size = t.at[t.height].size;
+    ScratchMark mark = scratch_mark();
+    auto* digits = scratch_array<uint32_t>(size);
+    int64_t rest = v->at;
+    for (int64_t i = 0; i < size; i++, rest /= t.f.p) digits[i] = static_cast<uint32_t>(rest % t.f.p);
+    value->element = tw_to_poly(t, t.height, digits);
+    add_pad(&value->element, field_depth - y->depth - 1);
+    scratch_release(mark);
+}
+
 /// Images at one value after the other.
 static Interpolated interpolate(Interpolation& n, polyptrr g) {
-    const WordField f = word_field_ring();
-    const int32_t most = 2 * n.degree + 8;
-    if (static_cast<uint32_t>(most) >= f.p - 1) return Interpolated::declined;
+    Values values = {};
+    if (!choose_values(n, &values)) return Interpolated::declined;
+    Value at = {0, nullptr};
     poly image = nullptr, accepted = nullptr;
     Interpolated outcome = Interpolated::declined;
-    uint32_t at = wf_random_unit(f);
-    for (int32_t i = 0; i < most && outcome == Interpolated::declined; i++) {
-        at = at + 1 < f.p ? at + 1 : 1;
+    for (int32_t i = 0; i < values.most && outcome == Interpolated::declined; i++) {
+        next_value(&values, &at, n.y);
         const Interpolated drawn = image_at(n, at, &image);
         if (drawn == Interpolated::no_inverse) outcome = drawn;
         if (drawn != Interpolated::found) continue;
@@ -240,6 +327,7 @@ static Interpolated interpolate(Interpolation& n, polyptrr g) {
     }
     free_poly(&image);
     free_poly(&accepted);
+    free_poly(&at.element);
     return outcome;
 }
 

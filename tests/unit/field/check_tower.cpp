@@ -119,12 +119,16 @@ PROPERTY(gcds, 160) {
 }
 
 /// Planted gcds in three variables above the field: values for two of them, and what contents and leading
-/// coefficients have in common.
-PROPERTY(gcds_by_interpolation, 60) {
-    const int32_t ring = round % 4 == 0 ? 101 : round % 4 == 1 ? 32003 : round % 4 == 2 ? 2147483629 : 65536;
-    TowerSetting setting(4, ring, ring == 65536);
+/// coefficients have in common. Rings of few elements, where the values are those of the field.
+PROPERTY(gcds_by_interpolation, 120) {
+    const struct {
+        int32_t ring, low, high;  // the modulus or table field, and the degrees of the tower
+    } fields[] = {{101, 2, 3}, {32003, 2, 3}, {2147483629, 2, 3}, {65536, 2, 3},
+                  {2, 2, 9},   {3, 2, 6},     {13, 2, 3},         {256, 2, 3}};
+    const auto& [ring, low, high] = fields[round % 8];
+    TowerSetting setting(4, ring, ring == 65536 || ring == 256);
     do {
-        mod_out(4, random_modder(rng, 4, random_int(rng, 2, 3), Coefs::small));
+        mod_out(4, random_modder(rng, 4, random_int(rng, low, high), Coefs::small));
     } while (!level_is_field(variable(4)));
     auto operand = [&](int32_t degree) { return random_over_tower(rng, degree, Coefs::small); };
     PolyGuard g(operand(2)), a(operand(1)), b(operand(1)), c(operand(1));
