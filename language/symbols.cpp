@@ -47,10 +47,12 @@ bool spec_retrieve(tokentipe& name, quolyptr n) {
     if (is_array_parameter(p))
         printf("Warning. %s is an array parameter.\n  Value 0 used for %s.\n", tok_text(name),
                tok_text(name));
-    if (p == nullptr || p->val == nullptr)
+    if (p == nullptr || p->val == nullptr) {
         quoly_set(0, n);
-    else
+    } else {
         quoly_assign(p->val, n);
+        (*n)->word = p->val->word;
+    }
     return p != nullptr;
 }
 
