@@ -23,6 +23,7 @@
 #include "session/levels.h"
 #include "session/loop.h"
 #include "session/messages.h"
+#include "session/modulus.h"
 #include "session/questions.h"
 #include "session/session_modes.h"
 #include "storage/failure.h"
@@ -46,10 +47,11 @@ struct ModOutText {
 constexpr int32_t k_most_pairs = 4583;
 }  // namespace
 
-/// Modding out needs level 1, and no value half computed.
+/// Modding out needs level 1, no value half computed, and the user's own ring: while modular arithmetic is
+/// suspended words are no values of it.
 static bool may_mod_out() {
-    if (levelcount == 1 && eval_state.held == nullptr) return true;
-    error(Err::mode_change_above_level_1);
+    if (!lintmode || modularmode) return ring_may_change();
+    error(Err::ring_needed_plain);
     return false;
 }
 
