@@ -63,7 +63,7 @@ static bool append_operand(BuiltinCall& call, TokenCopy& c) {
     return number;
 }
 
-/// True for a token that stays as it is. A bar behind an operand is the remainder sign, else an operand begins.
+/// True for a token that stays as it is. A bar behind an operand is the remainder sign, any other begins one.
 static bool is_arithmetic(bool behind_operand) {
     return is_digit(tok_char(token)) || strchr("+-*/\\^!()", tok_char(token)) != nullptr ||
            (at_char('|') && behind_operand);

@@ -81,7 +81,7 @@ inline void word_value(int32_t word, quolyptr n) {
     else
         num_make_digit((*n)->ncoef, word);
 }
-/// The word that q has where modular arithmetic is suspended, if it is not its residue: a loop has written it.
+/// The word that q has where modular arithmetic is suspended, if a loop has written another than its residue.
 /// 0: the residue counts.
 inline int32_t loop_word(const quolynode* q) {
     if (modularmode || q == nullptr || !q->numb || q->word == 0 || !lintmode) return 0;

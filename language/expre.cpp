@@ -462,9 +462,9 @@ static quolyptr number_of_target(Target& t) {
     return &p->val;
 }
 
-/// The target, whose value the sum p + t begins with, takes t where it stands, so that a polynomial built term
-/// by term costs no copies. False, and nothing changed, unless both are polynomials, t a monomial, and nobody
-/// else looks at the old value.
+/// The target, whose value the sum p + t begins with, takes t where it stands, so that a polynomial built
+/// term by term costs no copies. False, and the value unchanged, unless both are polynomials and t a monomial
+/// that insert_monomial takes.
 static bool grow_target(Target& name, bool minus, quolyptr left, const Value* right) {
     const quolynode* t = value_of(right);
     if (name.is_element || away_list != nullptr || !is_plain_polynomial(t) || !monomial(t->numer))

@@ -184,8 +184,8 @@ struct Meeting {
 
 constexpr int32_t k_longest_walk = 1 << 16;  // nodes without a safe point: a fraction of a millisecond
 
-/// Down through equal exponents to the node that the monomial goes in front of, or whose number takes its own.
-/// False after a long walk, or where a constant would have to become a chain.
+/// Down through equal exponents to the node that the monomial goes in front of, or whose number takes its
+/// own. False after a long walk, or where a constant would have to become a chain.
 bool find_meeting(Meeting* m) {
     int32_t steps = 0;
     for (;;) {

@@ -15,8 +15,9 @@ void poly_sub(poly n, poly m, polyptrr p);           ///< n - m, in the same fou
 void better_poly_sub(poly n, poly m, polyptrr p);
 void best_poly_sub(poly n, poly m, polyptrr p);
 void simplest_poly_sub(poly n, poly m, polyptrr p);
-/// *p += t in place for a monomial t, which is no number and is used up. False, and nothing changed, if a term
+/// *p += t in place for a monomial t that is no number; t is used up. False, and nothing changed, if a term
 /// would vanish, a constant would become a chain, or the place lies deep in a long chain. It allocates before
-/// it changes anything and has no safe point: whoever looks at *p finds the old value or the sum.
+/// it changes anything and has no safe point: whoever looks at *p finds the old value or the sum. Time linear
+/// in the terms in front of the place.
 bool insert_monomial(polyptrr p, poly t);
 }  // namespace tolvex

@@ -151,8 +151,8 @@ struct Denominators {
     poly up, down;
 };
 
-/// Over a tower over Q quotients by a gcd have denominators, and reduce() has multiplied n1 and n2 by the same
-/// number: finds it by the contents of d1 and n1 common.
+/// Over a tower over Q quotients by a gcd have denominators, and reduce() has multiplied n1 and n2 by the
+/// same number: finds it by the contents of d1 and n1 common.
 static void find_scale(Denominators* s, poly d1) {
     poly product = nullptr;
     poly_mult(s->n1, s->common, &product, polynames);
