@@ -2,6 +2,7 @@
 #include "field/fold.h"
 
 #include "field/field_modes.h"
+#include "field/modding.h"
 #include "field/tower_words.h"
 #include "poly/field_shape.h"
 #include "poly/leaf_number.h"
@@ -184,6 +185,7 @@ static void fold_far(polyptrr p, int32_t n, polypt pt) {
 static poly modder_in_ring(polypt pt, polyptrr own) {
     if (!modularmode || tower_ring > 0) return pt->p;
     poly_image(pt->p, own);
+    shorten_modding(own);
     return *own;
 }
 

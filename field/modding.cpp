@@ -6,6 +6,7 @@
 #include "numbers/display_modes.h"
 #include "numbers/num_sign.h"
 #include "numbers/number_modes.h"
+#include "numbers/residue.h"
 #include "poly/poly_add.h"
 #include "poly/poly_basic.h"
 #include "poly/poly_convert.h"
@@ -40,23 +41,27 @@ void reset_pseudo_poly() {
 // ---- one level -----------------------------------------------------------------------------------------
 
 /// t^n + a with a number a.
-static bool is_binomial(const polynode* f) { return f->next == nullptr || f->next->numb; }
+static bool is_binomial(const polynode* f) { return !is_number(f) && (f->next == nullptr || f->next->numb); }
+
+void shorten_modding(polyptrr f) {
+    if (!is_binomial(*f)) return;
+    poly c = nullptr;
+    if ((*f)->next == nullptr)
+        poly_set(0, &c);
+    else
+        node_assign((*f)->next, &c);
+    poly_inplace(c);
+    free_poly(f);
+    *f = c;
+}
 
 void install_modding(polypt v, polyptrr f, bool field) {
     v->expon = (*f)->exp;
     free_poly(&v->p);
     special_free_poly(&v->rational_p);
-    if (is_binomial(*f)) {
-        if ((*f)->next == nullptr)
-            poly_set(0, &v->p);
-        else
-            node_assign((*f)->next, &v->p);
-        poly_inplace(v->p);
-        free_poly(f);
-    } else {
-        v->p = *f;
-        *f = nullptr;
-    }
+    shorten_modding(f);
+    v->p = *f;
+    *f = nullptr;
     constexpr int32_t k_short_cut = 60;
     if (poly_iszero(v->p)) v->polycut = k_short_cut;
     v->field = field;
@@ -99,6 +104,7 @@ void modding_to_mod() {
         v->rational_p = v->p;
         v->p = nullptr;
         poly_image(v->rational_p, &v->p);
+        shorten_modding(&v->p);  // what stood between t^n and the constant may have vanished
     }
     lists_outdated = false;
     tower_ring = modulus;
@@ -118,14 +124,28 @@ void modding_exchange() {
     tower_stamp++;
 }
 
+/// The modding polynomial of v in chains, lifted as values are: of t^n + a that is a, where -a is kept.
+static poly lifted_modding(const polydata* v, bool symmetric) {
+    poly chains = nullptr;
+    if (!is_number(v->p)) {
+        poly_lift(v->p, symmetric, &chains);
+        return chains;
+    }
+    number a = {};
+    a.lint = mod_neg(v->p->ncoef->lint);
+    polynode leaf = {0, 1, nullptr, {&a}};
+    poly_lift(&leaf, symmetric, &chains);
+    poly_inplace(chains);
+    return chains;
+}
+
 void modding_lift() {
     const bool symmetric = alt_form_display && !finf;
     const boolean shape = lintmode;
     lintmode = 0;
     for (polypt v = polynames; v != nullptr; v = v->next) {
         if (v->p == nullptr) continue;
-        poly chains = nullptr;
-        poly_lift(v->p, symmetric, &chains);
+        poly chains = lifted_modding(v, symmetric);
         if (v->field && (v->rational_p == nullptr || !poly_equal(chains, v->rational_p)))
             lists_outdated = true;
         special_free_poly(&v->rational_p);

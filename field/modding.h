@@ -13,6 +13,9 @@ namespace tolvex {
 /// it stands; without a field the auxiliary lists are emptied. To be called whenever a level comes, goes or
 /// moves.
 void reset_pseudo_poly();
+/// The form in which modding polynomials are kept, those of images too: t^n + a with a number a becomes the
+/// number -a. A number is kept as it is.
+void shorten_modding(polyptrr f);
 /// The modding polynomial of v becomes f, used up, monic, of its own level; what was there is given back. The
 /// auxiliary lists are the caller's.
 void install_modding(polypt v, polyptrr f, bool field);
