@@ -205,8 +205,32 @@ class Grammar:
     def field(self):
         """a modding polynomial of the first variable, or none"""
         r, v = self.rng, self.rng.choice(VARIABLES)
-        modder = r.choice([f"{v}^2 - 2", f"{v}^2 + {v}", f"{v}^3 + {v} + 1", f"{v}^4", f"{v}^2 - 1/3", v, self.expression(1)])
+        modder = r.choice([f"{v}^2 - 2", f"{v}^2 + {v}", f"{v}^3 + {v} + 1", f"{v}^4", f"{v}^2 - 1/3", v, self.expression(1),
+                           f"{v}^{r.randrange(2, 6)} + ({r.randrange(-15, 16)}){v} + {r.randrange(-15, 16)}"])
         return r.choice([f"&(P = {modder}{r.choice(['', ', 1', ', 1', ', 1, 3', ', 2'])})", f"&(P = {modder}, 1)", f"&(P = -{v})", "&P"])
+
+    def ring_walk(self):
+        """values over a field that go through several ground rings"""
+        r = self.rng
+        lines = [f"&(J > {', '.join(r.sample(VARIABLES, 3))})", self.field()]
+        for _ in range(r.randrange(4, 14)):
+            v, w = r.sample(VARIABLES, 2)
+            lines.append(pick(r, [
+                (3, lambda: f"&(p = {r.choice(MODULI + ['_i', '_i', '_i'])})"),
+                (2, self.field),
+                (1, lambda: f"&(J > {v})"),
+                (4, lambda: f"a := ({v} + {r.randrange(9)}{w})^{r.randrange(9)}/({v} + {r.randrange(9)}{w} + {r.randrange(9)})"),
+                (2, lambda: f"GCD({v}^{r.randrange(9)} - a, ({v} + {w})*a)"),
+                (1, lambda: f"[m] := [[{v}, a]['{w}', 1/({v} + {w})]]".replace("'", "")),
+            ]))
+        return lines
+
+    def nested(self):
+        """a statement where a value is wanted: while modular arithmetic is suspended, as an answer"""
+        r = self.rng
+        inner = r.choice([self.ring_statement, self.field, self.command, lambda: self.simple(1)])()
+        return r.choice([f"&_m({inner})", f"&{r.choice(SWITCHES)}\n{inner}", f"a[{inner}]", f"x^({inner})",
+                         f"for i = 1 to ({inner}) do a od", f"3*Det[<i=1,2><j=1,2> {inner}]"])
 
     def command(self):
         r = self.rng
@@ -272,6 +296,7 @@ class Grammar:
             (4, self.file_statement),
             (1, lambda: r.choice(["&_P", "&_p", "&@", "F(1)\n&_P"])),
             (13, self.array_statement),
+            (2, self.nested),
         ])
 
     def program(self):
@@ -298,6 +323,8 @@ class Grammar:
 
     def session(self):
         lines = self.prologue() if self.rng.random() < 0.4 else []
+        if self.rng.random() < 0.15:
+            lines = self.ring_walk()
         for _ in range(self.rng.randrange(5, 60)):
             line = self.statement()
             if self.rng.random() < 0.12:
